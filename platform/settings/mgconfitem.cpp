@@ -1,0 +1,90 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+#include "mgconfitem.h"
+
+#include <QStringList>
+
+#include <dconf.h>
+
+namespace {
+
+/// Opening the store costs as much as a hundred reads, so items share it for as long as one lives.
+std::shared_ptr<DConfClient> sharedClient()
+{
+    static std::weak_ptr<DConfClient> shared;
+    std::shared_ptr<DConfClient> client = shared.lock();
+    if (!client) {
+        client.reset(dconf_client_new(), g_object_unref);
+        shared = client;
+    }
+    return client;
+}
+
+/// dconf aborts on a text that is not a key, so none gets that far.
+QByteArray dconfKey(const QString &text)
+{
+    const QByteArray key = text.toUtf8();
+    return !key.contains('\0') && dconf_is_key(key.constData(), nullptr) ? key : QByteArray();
+}
+
+QStringList toStringList(GVariant *strings)
+{
+    QStringList list;
+    GVariantIter iter;
+    const gchar *string = nullptr;
+    g_variant_iter_init(&iter, strings);
+    while (g_variant_iter_next(&iter, "&s", &string))
+        list.append(QString::fromUtf8(string));
+    return list;
+}
+
+QVariant toQVariant(GVariant *value)
+{
+    switch (g_variant_classify(value)) {
+    case G_VARIANT_CLASS_STRING:
+        return QString::fromUtf8(g_variant_get_string(value, nullptr));
+    case G_VARIANT_CLASS_BOOLEAN:
+        return static_cast<bool>(g_variant_get_boolean(value));
+    case G_VARIANT_CLASS_BYTE:
+        return uint{g_variant_get_byte(value)};
+    case G_VARIANT_CLASS_INT16:
+        return int{g_variant_get_int16(value)};
+    case G_VARIANT_CLASS_UINT16:
+        return uint{g_variant_get_uint16(value)};
+    case G_VARIANT_CLASS_INT32:
+        return int{g_variant_get_int32(value)};
+    case G_VARIANT_CLASS_UINT32:
+        return uint{g_variant_get_uint32(value)};
+    case G_VARIANT_CLASS_INT64:
+        return qlonglong{g_variant_get_int64(value)};
+    case G_VARIANT_CLASS_UINT64:
+        return qulonglong{g_variant_get_uint64(value)};
+    case G_VARIANT_CLASS_DOUBLE:
+        return g_variant_get_double(value);
+    case G_VARIANT_CLASS_ARRAY:
+        if (g_variant_is_of_type(value, G_VARIANT_TYPE_STRING_ARRAY))
+            return toStringList(value);
+        return {};
+    default:
+        return {};
+    }
+}
+
+} // namespace
+
+MGConfItem::MGConfItem(const QString &key)
+    : m_key(dconfKey(key))
+    , m_client(sharedClient())
+{
+}
+
+QVariant MGConfItem::value() const
+{
+    if (m_key.isEmpty())
+        return {};
+
+    const std::unique_ptr<GVariant, decltype(&g_variant_unref)> value(
+        dconf_client_read(m_client.get(), m_key.constData()), g_variant_unref);
+    return value ? toQVariant(value.get()) : QVariant();
+}

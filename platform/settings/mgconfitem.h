@@ -1,0 +1,33 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QVariant>
+
+#include <memory>
+
+using DConfClient = struct _DConfClient;
+
+/// One key of the handset's settings store, which is dconf.
+///
+/// A key is absolute ("/desktop/..."). A text that is not a dconf key is an unset key.
+/// Items that are alive at the same time share one connection to the store.
+class MGConfItem
+{
+public:
+    explicit MGConfItem(const QString &key);
+
+    /// The value that the key has now: a QString, QStringList, bool, int, uint, qlonglong,
+    /// qulonglong or double, after the type of the setting. Invalid if the key is unset, cannot be
+    /// read, or is of any other type.
+    QVariant value() const;
+
+private:
+    Q_DISABLE_COPY(MGConfItem)
+
+    QByteArray m_key; ///< Empty if the text was not a dconf key.
+    std::shared_ptr<DConfClient> m_client;
+};
