@@ -1,0 +1,114 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+#include "parleyuiadaptor.h"
+
+#include <QCoreApplication>
+#include <QDBusAbstractAdaptor>
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDBusReply>
+#include <QDebug>
+#include <QFileInfo>
+
+namespace {
+
+class Adaptor : public QDBusAbstractAdaptor
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "com.nimbo.parley.ui")
+
+public:
+    explicit Adaptor(ParleyUiAdaptor *ui)
+        : QDBusAbstractAdaptor(ui)
+        , m_ui(ui)
+    {
+    }
+
+    // A handler may destroy both objects: nothing here touches a member after an emission.
+public Q_SLOTS:
+    void show(QStringList args) { Q_EMIT m_ui->show(args); }
+    void showOngoing() { Q_EMIT m_ui->showOngoing(); }
+    void openUrl(QStringList arg);
+    bool dial(QString number);
+    bool dialViaModem(QString modemPath, QString number);
+    void showCellularErrorDialog() { Q_EMIT m_ui->showCellularErrorDialog(); }
+    void openContactCard(QString number) { Q_EMIT m_ui->openContactCard(number); }
+    void toggleCall();
+
+private:
+    ParleyUiAdaptor *const m_ui;
+};
+
+void Adaptor::openUrl(QStringList arg)
+{
+    if (arg.isEmpty())
+        Q_EMIT m_ui->show(arg);
+    else
+        Q_EMIT m_ui->openUrl(arg);
+}
+
+bool Adaptor::dial(QString number)
+{
+    Q_EMIT m_ui->dial(number);
+    return true;
+}
+
+bool Adaptor::dialViaModem(QString modemPath, QString number)
+{
+    Q_EMIT m_ui->dialViaModem(modemPath, number);
+    return true;
+}
+
+void Adaptor::toggleCall()
+{
+    if (m_ui->isPrivilegedCaller({QStringLiteral("com.nimbo.canopy")}))
+        Q_EMIT m_ui->toggleCall();
+}
+
+} // namespace
+
+ParleyUiAdaptor::ParleyUiAdaptor(QObject *parent)
+    : QObject(parent)
+{
+    new Adaptor(this);
+
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    if (!bus.registerObject(QStringLiteral("/"), this, QDBusConnection::ExportAdaptors)) {
+        qWarning("Failed to register the voice call service object on the path '/'");
+        return;
+    }
+    if (!bus.registerService(QStringLiteral("com.nimbo.parley.ui")))
+        qWarning("Failed to register the voice call service name 'com.nimbo.parley.ui'");
+}
+
+bool ParleyUiAdaptor::isPrivilegedCaller(const QStringList &exemptServices)
+{
+    const QDBusConnectionInterface *bus = connection().interface();
+    const auto pid = static_cast<qint32>(bus->servicePid(message().service()).value());
+    if (pid == static_cast<qint32>(QCoreApplication::applicationPid()))
+        return true;
+
+    for (const QString &service : exemptServices) {
+        // A name without an owner has no process, not even that of a caller that has gone.
+        const QDBusReply<uint> owner = bus->servicePid(service);
+        if (owner.isValid() && static_cast<qint32>(owner.value()) == pid)
+            return true;
+    }
+
+    const QFileInfo process(QStringLiteral("/proc/%1").arg(pid));
+    const QString owner = process.owner();
+    const QString group = process.group();
+    if (group == QLatin1String("privileged") || owner == QLatin1String("root"))
+        return true;
+
+    qWarning().noquote() << "A call to" << message().interface() + QLatin1Char('.') + message().member()
+                         << "from"
+                         << "pid" << pid << "user" << owner << "group" << group << "was rejected";
+    sendErrorReply(QDBusError::AccessDenied,
+                   QStringLiteral("PID %1 is not in privileged group").arg(pid));
+    return false;
+}
+
+#include "parleyuiadaptor.moc"

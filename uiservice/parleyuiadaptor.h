@@ -1,0 +1,56 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+#pragma once
+
+#include <QDBusContext>
+#include <QObject>
+#include <QStringList>
+
+/// The service through which other processes of the handset drive the call UI.
+///
+/// While an object of this class exists, it offers the interface "com.nimbo.parley.ui" at the path
+/// "/" of the session bus, under the name "com.nimbo.parley.ui". Every method call becomes the
+/// signal of the same name, emitted before the caller gets its reply; what "show" or "dial" means
+/// on the screen is for the receiver to decide.
+///
+/// Where the path or the name cannot be had, a warning is logged and the object stays a working
+/// QObject whose signals do not fire from the bus. Nothing is retried.
+///
+/// A handler may destroy the object.
+class ParleyUiAdaptor : public QObject, protected QDBusContext
+{
+    Q_OBJECT
+    Q_DISABLE_COPY(ParleyUiAdaptor)
+
+public:
+    explicit ParleyUiAdaptor(QObject *parent = nullptr);
+
+    /// Whether the process that sent the call being served may use what is guarded: this process
+    /// itself, the owner of one of \a exemptServices (bus names), a process of group
+    /// "privileged", or one of user "root".
+    ///
+    /// Where it may not, the caller has been sent org.freedesktop.DBus.Error.AccessDenied, a
+    /// warning has been logged, and nothing is left to do but return. Only to be called while a
+    /// call from the bus is served. Blocks for one round trip to the bus daemon, and one more for
+    /// each exempt service.
+    bool isPrivilegedCaller(const QStringList &exemptServices);
+
+Q_SIGNALS:
+    /// Bring the call UI to the front. \a args are the caller's, and may be empty.
+    void show(QStringList args);
+    /// Bring the ongoing call to the front.
+    void showOngoing();
+    /// Open the URLs in \a arg, which has at least one element; they are as the caller sent them.
+    void openUrl(QStringList arg);
+    /// Call \a number, which may be empty.
+    void dial(QString number);
+    /// Call \a number through the modem with the object path \a modemPath.
+    void dialViaModem(QString modemPath, QString number);
+    /// Say that the cellular network cannot be used.
+    void showCellularErrorDialog();
+    /// Open the contact card of \a number.
+    void openContactCard(QString number);
+    /// Answer the incoming call, or end the ongoing one. Only trusted processes get this far.
+    void toggleCall();
+};
