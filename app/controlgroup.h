@@ -1,0 +1,10 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+#pragma once
+
+class QFile;
+
+/// Moves this process into the control group whose task file \a tasks is, and leaves the file
+/// closed. Logs a warning where it cannot be opened, as on every machine that is not a handset.
+void joinControlGroup(QFile &tasks);

@@ -1,0 +1,30 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+#include "translations.h"
+
+#include <QCoreApplication>
+#include <QLocale>
+#include <QTranslator>
+
+namespace {
+
+QString catalogueFolder()
+{
+    return QStringLiteral("/usr/share/translations");
+}
+
+} // namespace
+
+void installEngineeringEnglish(QTranslator &translator)
+{
+    // Delimiters that are empty, not null: nothing is cut off the name in search of a file.
+    translator.load(QStringLiteral("parley_eng_en"), catalogueFolder(), QStringLiteral(""));
+    QCoreApplication::installTranslator(&translator);
+}
+
+void installUserLanguage(QTranslator &translator)
+{
+    translator.load(QLocale(), QStringLiteral("parley"), QStringLiteral("-"), catalogueFolder());
+    QCoreApplication::installTranslator(&translator);
+}
