@@ -103,8 +103,8 @@ bool ParleyUiAdaptor::isPrivilegedCaller(const QStringList &exemptServices)
     if (group == QLatin1String("privileged") || owner == QLatin1String("root"))
         return true;
 
-    qWarning().noquote() << "A call to" << message().interface() + QLatin1Char('.') + message().member()
-                         << "from"
+    qWarning().noquote() << "A call to"
+                         << message().interface() + QLatin1Char('.') + message().member() << "from"
                          << "pid" << pid << "user" << owner << "group" << group << "was rejected";
     sendErrorReply(QDBusError::AccessDenied,
                    QStringLiteral("PID %1 is not in privileged group").arg(pid));
