@@ -9,7 +9,7 @@
 
 namespace {
 
-void insertIfSet(QJsonObject &object, const QString &member, const MGConfItem &item)
+void insertIfSet(QJsonObject &object, QLatin1String member, const MGConfItem &item)
 {
     const QVariant value = item.value();
     if (value.isValid())
@@ -29,8 +29,8 @@ SpecialSequences readSpecialSequences(const MGConfItem &supported)
         const MGConfItem url(base + QLatin1String("/url"));
 
         QJsonObject object;
-        insertIfSet(object, QStringLiteral("service"), service);
-        insertIfSet(object, QStringLiteral("url"), url);
+        insertIfSet(object, QLatin1String("service"), service);
+        insertIfSet(object, QLatin1String("url"), url);
         sequences.insert(sequence.value().toString(), object);
     }
     return sequences;
