@@ -1,0 +1,18 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+import QtQuick 2.15
+import "."
+
+Item {
+    property bool current: false
+    /// What this screen reports to show.
+    property string summary
+
+    anchors.fill: parent
+    enabled: current
+    opacity: current ? 1 : 0
+    visible: current || opacity > 0
+
+    Behavior on opacity { NumberAnimation { duration: Style.duration } }
+}

@@ -1,0 +1,53 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+import QtQuick 2.15
+import "text.js" as Words
+
+QtObject {
+    id: call
+
+    property bool watched: false
+    // Replaced as a whole, so that nothing ever sees a call that is half the one before.
+    property var current: null
+    readonly property bool active: current !== null
+    readonly property bool ongoing: active && current.since > 0
+    readonly property string number: active ? current.number : ""
+    readonly property string modem: active ? current.modem : ""
+    readonly property string state: ongoing ? Words.duration(now - current.since) : "Calling…"
+    readonly property string summary: {
+        if (current === null)
+            return "no call";
+        var state = current.since > 0 ? "ongoing " : "calling ";
+        return state + current.number + (current.modem === "" ? "" : " via " + current.modem);
+    }
+
+    property double now: 0
+
+    function start(number, modem) {
+        current = {number: number, modem: modem, since: 0};
+        if (connecting.running)
+            connecting.restart();
+    }
+
+    function end() {
+        current = null;
+    }
+
+    readonly property Timer connecting: Timer {
+        interval: 2000
+        running: call.watched && call.active && !call.ongoing
+        onTriggered: {
+            call.now = Date.now();
+            call.current = {number: call.number, modem: call.modem, since: call.now};
+        }
+    }
+
+    readonly property Timer ticking: Timer {
+        interval: 500
+        repeat: true
+        running: call.watched && call.ongoing
+        triggeredOnStart: true
+        onTriggered: call.now = Date.now()
+    }
+}

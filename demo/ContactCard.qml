@@ -1,0 +1,83 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+import QtQuick 2.15
+import "."
+import "text.js" as Words
+
+BaseScreen {
+    id: card
+
+    property string number
+
+    signal callRequested(string number)
+    signal closeRequested()
+
+    summary: number !== "" ? "contact " + number : "contact"
+
+    Keys.onPressed: {
+        if (event.key !== Qt.Key_Return && event.key !== Qt.Key_Enter)
+            return;
+        if (number !== "")
+            callRequested(number);
+        event.accepted = true;
+    }
+
+    Column {
+        anchors.left: parent.left
+        anchors.margins: Style.px(24)
+        anchors.right: parent.right
+        spacing: Style.px(6)
+        y: (buttons.y - height) * 0.45
+
+        Avatar {
+            anchors.horizontalCenter: parent.horizontalCenter
+            size: 132
+        }
+
+        Item {
+            height: Style.px(16)
+            width: 1
+        }
+
+        Label {
+            font.weight: Font.Light
+            fontSizeMode: Text.HorizontalFit
+            height: Style.px(46)
+            minimumPixelSize: Math.max(1, Style.px(18))
+            size: 34
+            text: card.number !== "" ? Words.display(card.number) : "No number"
+            width: parent.width
+        }
+
+        Label {
+            color: Style.dimText
+            size: 14
+            text: "Not in your contacts"
+            width: parent.width
+        }
+    }
+
+    Row {
+        id: buttons
+
+        anchors.bottom: parent.bottom
+        anchors.bottomMargin: Style.px(32)
+        anchors.horizontalCenter: parent.horizontalCenter
+        spacing: Style.px(72)
+
+        RoundButton {
+            enabled: card.number !== ""
+            fill: Style.green
+            icon: "call"
+            label: "Call"
+            onClicked: card.callRequested(card.number)
+        }
+
+        RoundButton {
+            icon: "close"
+            label: "Close"
+            onClicked: card.closeRequested()
+        }
+    }
+}

@@ -1,0 +1,134 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+import QtQuick 2.15
+import "."
+
+Canvas {
+    id: icon
+
+    property string name
+    property color color: Style.text
+    property real size: 24
+
+    height: width
+    width: Style.px(size)
+
+    onColorChanged: requestPaint()
+    onNameChanged: requestPaint()
+    onPaint: {
+        var pen = getContext("2d");
+        pen.reset();
+        pen.scale(width / 24, height / 24);
+        pen.fillStyle = color;
+        pen.strokeStyle = color;
+        pen.lineWidth = 1.8;
+        pen.lineCap = "round";
+        pen.lineJoin = "round";
+        if (shapes[name])
+            shapes[name](pen);
+    }
+
+    readonly property var shapes: ({
+        "call": function(pen) {
+            pen.translate(12.6, 11.4);
+            pen.rotate(-Math.PI * 3 / 4);
+            icon.handset(pen);
+        },
+        "end": function(pen) {
+            pen.translate(12, 12.8);
+            icon.handset(pen);
+        },
+        "backspace": function(pen) {
+            icon.line(pen, [2, 12, 8, 5.5, 21, 5.5, 21, 18.5, 8, 18.5, 2, 12]);
+            icon.line(pen, [11.5, 9.2, 17, 14.8]);
+            icon.line(pen, [17, 9.2, 11.5, 14.8]);
+        },
+        "mute": function(pen) {
+            pen.beginPath();
+            pen.roundedRect(9, 2.5, 6, 11.5, 3, 3);
+            pen.fill();
+            pen.beginPath();
+            pen.arc(12, 11, 6, 0, Math.PI, false);
+            pen.stroke();
+            icon.line(pen, [12, 17, 12, 21]);
+            icon.line(pen, [8.5, 21, 15.5, 21]);
+            icon.line(pen, [4, 3, 20, 21]);
+        },
+        "speaker": function(pen) {
+            icon.line(pen, [3.5, 9.5, 7, 9.5, 12, 5.5, 12, 18.5, 7, 14.5, 3.5, 14.5, 3.5, 9.5]);
+            pen.fill();
+            pen.beginPath();
+            pen.arc(12, 12, 4.5, -0.75, 0.75, false);
+            pen.stroke();
+            pen.beginPath();
+            pen.arc(12, 12, 8.5, -0.8, 0.8, false);
+            pen.stroke();
+        },
+        "keypad": function(pen) {
+            for (var i = 0; i < 9; ++i)
+                icon.dot(pen, 5.5 + 6.5 * (i % 3), 5.5 + 6.5 * Math.floor(i / 3), 1.7);
+        },
+        "close": function(pen) {
+            icon.line(pen, [6, 6, 18, 18]);
+            icon.line(pen, [18, 6, 6, 18]);
+        },
+        "person": function(pen) {
+            icon.dot(pen, 12, 8.3, 4.1);
+            pen.beginPath();
+            pen.moveTo(4, 20.5);
+            pen.bezierCurveTo(4, 11.7, 20, 11.7, 20, 20.5);
+            pen.closePath();
+            pen.fill();
+        },
+        "page": function(pen) {
+            pen.lineWidth = 1.5;
+            pen.beginPath();
+            pen.arc(12, 12, 9.3, 0, Math.PI * 2, false);
+            pen.stroke();
+            pen.beginPath();
+            pen.ellipse(8, 2.7, 8, 18.6);
+            pen.stroke();
+            icon.line(pen, [3.4, 9, 20.6, 9]);
+            icon.line(pen, [3.4, 15, 20.6, 15]);
+        },
+        "network": function(pen) {
+            for (var i = 0; i < 4; ++i) {
+                pen.beginPath();
+                pen.roundedRect(3 + 5 * i, 16.5 - 4 * i, 3, 4 + 4 * i, 1, 1);
+                pen.fill();
+            }
+            icon.line(pen, [3, 3.5, 8.5, 9]);
+            icon.line(pen, [8.5, 3.5, 3, 9]);
+        }
+    })
+
+    function line(pen, points) {
+        pen.beginPath();
+        pen.moveTo(points[0], points[1]);
+        for (var i = 2; i < points.length; i += 2)
+            pen.lineTo(points[i], points[i + 1]);
+        pen.stroke();
+    }
+
+    function dot(pen, x, y, radius) {
+        pen.beginPath();
+        pen.arc(x, y, radius, 0, Math.PI * 2, false);
+        pen.fill();
+    }
+
+    function handset(pen) {
+        pen.beginPath();
+        pen.moveTo(-10, 0.8);
+        pen.bezierCurveTo(-8.2, -6, 8.2, -6, 10, 0.8);
+        pen.lineTo(9.8, 3.4);
+        pen.lineTo(5.4, 2.6);
+        pen.lineTo(5, -0.6);
+        pen.bezierCurveTo(2, -1.6, -2, -1.6, -5, -0.6);
+        pen.lineTo(-5.4, 2.6);
+        pen.lineTo(-9.8, 3.4);
+        pen.closePath();
+        pen.fill();
+        pen.stroke();
+    }
+}
