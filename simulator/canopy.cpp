@@ -1,0 +1,145 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+#include "canopy.h"
+
+#include "childprocess.h"
+
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QElapsedTimer>
+
+#include <unistd.h>
+
+namespace {
+
+const QLatin1String uiService("com.nimbo.parley.ui");
+
+QString describe(const QDBusMessage &reply)
+{
+    const QVariantList values = reply.arguments();
+    return values.isEmpty() ? QStringLiteral("done") : values.constFirst().toString();
+}
+
+} // namespace
+
+Canopy::Canopy(const QDBusConnection &sessionBus, const QString &address, QObject *parent)
+    : QObject(parent)
+    , m_bus(sessionBus)
+    , m_address(address)
+{
+}
+
+bool Canopy::start()
+{
+    return m_bus.registerService(QStringLiteral("com.nimbo.canopy"));
+}
+
+QVector<Command> Canopy::commands()
+{
+    const auto plain = [this](const QString &method) {
+        return [this, method](const QStringList &arguments, const Finish &finish) {
+            QVariantList values;
+            for (const QString &argument : arguments)
+                values.append(argument);
+            request(method, values, finish);
+        };
+    };
+    const auto list = [this](const QString &method) {
+        return [this, method](const QStringList &arguments, const Finish &finish) {
+            request(method, {arguments}, finish);
+        };
+    };
+    return {
+        {QStringLiteral("show"),
+         {QStringLiteral("[ARGUMENT...]")},
+         QStringLiteral("bring the call UI to the front"),
+         list(QStringLiteral("show"))},
+        {QStringLiteral("ongoing"),
+         {},
+         QStringLiteral("bring the ongoing call to the front"),
+         plain(QStringLiteral("showOngoing"))},
+        {QStringLiteral("open"),
+         {QStringLiteral("[URL...]")},
+         QStringLiteral("open URLs; without one, as show"),
+         list(QStringLiteral("openUrl"))},
+        {QStringLiteral("dial"),
+         {QStringLiteral("NUMBER")},
+         QStringLiteral("call a number"),
+         plain(QStringLiteral("dial"))},
+        {QStringLiteral("dial-via"),
+         {QStringLiteral("MODEM"), QStringLiteral("NUMBER")},
+         QStringLiteral("call a number through a modem"),
+         plain(QStringLiteral("dialViaModem"))},
+        {QStringLiteral("error-dialog"),
+         {},
+         QStringLiteral("say that the cellular network cannot be used"),
+         plain(QStringLiteral("showCellularErrorDialog"))},
+        {QStringLiteral("contact"),
+         {QStringLiteral("NUMBER")},
+         QStringLiteral("open a contact card"),
+         plain(QStringLiteral("openContactCard"))},
+        {QStringLiteral("toggle"),
+         {},
+         QStringLiteral("answer or end a call, as the home screen may"),
+         plain(QStringLiteral("toggleCall"))},
+        {QStringLiteral("toggle-as"),
+         {QStringLiteral("UID"), QStringLiteral("GID")},
+         QStringLiteral("the same from a process of that user and group"),
+         [this](const QStringList &arguments, const Finish &finish) {
+             toggleAs(arguments.at(0), arguments.at(1), finish);
+         }},
+    };
+}
+
+void Canopy::request(const QString &method, const QVariantList &arguments, const Finish &finish)
+{
+    QDBusMessage call =
+        QDBusMessage::createMethodCall(uiService, QStringLiteral("/"), uiService, method);
+    call.setArguments(arguments);
+    QElapsedTimer timer;
+    timer.start();
+    auto *watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(call), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, [watcher, timer, finish] {
+        watcher->deleteLater();
+        if (watcher->isError()) {
+            const QDBusError error = watcher->error();
+            finish(Outcome::Failed, QStringLiteral("%1: %2").arg(error.name(), error.message()));
+            return;
+        }
+        const double milliseconds = static_cast<double>(timer.nsecsElapsed()) / 1e6;
+        finish(Outcome::Done,
+               QStringLiteral("%1 (%2 ms)")
+                   .arg(describe(watcher->reply()))
+                   .arg(milliseconds, 0, 'f', 1));
+    });
+}
+
+void Canopy::toggleAs(const QString &user, const QString &group, const Finish &finish)
+{
+    if (geteuid() != 0) {
+        finish(Outcome::Skipped, QStringLiteral("only root can act as another user"));
+        return;
+    }
+    auto *caller = new ChildProcess(this);
+    caller->setProcessChannelMode(QProcess::MergedChannels);
+    connect(caller, &QProcess::errorOccurred, this, [caller, finish](QProcess::ProcessError error) {
+        if (error == QProcess::FailedToStart) {
+            caller->deleteLater();
+            finish(Outcome::Failed, caller->errorString());
+        }
+    });
+    connect(caller, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this,
+            [caller, finish] {
+                caller->deleteLater();
+                const QString said = QString::fromLocal8Bit(caller->readAll()).trimmed();
+                finish(Outcome::Done, caller->exitCode() == 0 ? QStringLiteral("done") : said);
+            });
+    caller->start(QStringLiteral("setpriv"),
+                  {QStringLiteral("--reuid"), user, QStringLiteral("--regid"), group,
+                   QStringLiteral("--clear-groups"), QStringLiteral("dbus-send"),
+                   QStringLiteral("--bus=") + m_address, QStringLiteral("--print-reply"),
+                   QStringLiteral("--dest=") + uiService, QStringLiteral("/"),
+                   uiService + QStringLiteral(".toggleCall")});
+}

@@ -1,0 +1,64 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+#pragma once
+
+#include "canopy.h"
+#include "interpreter.h"
+#include "privatebus.h"
+#include "transcript.h"
+#include "uiprocess.h"
+
+#include <QElapsedTimer>
+#include <QTemporaryDir>
+#include <QTimer>
+
+#include <memory>
+
+/// A handset on a desktop: two private buses, the home screen, and the call UI between them.
+/// All of it goes when the object goes.
+class Handset : public QObject
+{
+    Q_OBJECT
+
+public:
+    struct Options
+    {
+        QString uiProgram;
+        QString qmlFile;
+        Interpreter::AtFailure atFailure = Interpreter::AtFailure::GoOn;
+    };
+
+    explicit Handset(const Options &options, QObject *parent = nullptr);
+    ~Handset() override;
+
+    /// Starts everything. Commands run as soon as the call UI is on the bus. Where something cannot
+    /// be started, says so and returns false.
+    bool start();
+
+    /// Takes command lines, from now on.
+    Interpreter &interpreter() { return m_interpreter; }
+
+Q_SIGNALS:
+    /// The commands are through, or a part of the handset has gone without being asked to.
+    void ended(bool succeeded);
+
+private:
+    bool startBus(PrivateBus &bus, const QString &name);
+    void startUi();
+    void uiIsUp();
+    void uiIsLate();
+    void recordLog(const QString &line);
+    void partDied(const QString &what);
+
+    const Options m_options;
+    Transcript m_transcript;
+    Interpreter m_interpreter;
+    QTemporaryDir m_folder;
+    PrivateBus m_sessionBus;
+    PrivateBus m_systemBus;
+    std::unique_ptr<Canopy> m_canopy;
+    std::unique_ptr<UiProcess> m_ui;
+    QElapsedTimer m_sinceUiStart;
+    QTimer m_uiPatience;
+};

@@ -1,0 +1,40 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+#pragma once
+
+#include "childprocess.h"
+
+/// A message bus of our own, which any user may connect to and own any name on. Nothing is
+/// activated on it.
+class PrivateBus : public QObject
+{
+    Q_OBJECT
+
+public:
+    using QObject::QObject;
+
+    /// Starts the bus daemon, with its configuration and its socket in \a folder, and waits until
+    /// it listens. \a name tells it from other buses in that folder.
+    bool start(const QString &folder, const QString &name);
+
+    /// Ends the bus daemon. No died() follows.
+    void stop() { m_daemon.stop(); }
+
+    /// For DBUS_SESSION_BUS_ADDRESS or DBUS_SYSTEM_BUS_ADDRESS. Empty until it has started.
+    QString address() const { return m_address; }
+
+    qint64 processId() const { return m_daemon.processId(); }
+
+    /// What the daemon said last, for where it did not start.
+    QString error() const { return m_error; }
+
+Q_SIGNALS:
+    /// The daemon has ended without being asked to.
+    void died();
+
+private:
+    ChildProcess m_daemon;
+    QString m_address;
+    QString m_error;
+};

@@ -1,0 +1,104 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+#include "uiprocess.h"
+
+#include <QDir>
+#include <QFile>
+
+namespace {
+
+bool hasDisplay(const QProcessEnvironment &environment)
+{
+    return environment.contains(QStringLiteral("DISPLAY"))
+        || environment.contains(QStringLiteral("WAYLAND_DISPLAY"));
+}
+
+QProcessEnvironment environmentOf(const UiProcess::World &world)
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    const QString home = world.folder + QLatin1String("/home");
+    const QString settingsProfile = world.folder + QLatin1String("/dconf-profile");
+
+    // The user's display stays within reach after the move to another home.
+    if (!environment.contains(QStringLiteral("XAUTHORITY")))
+        environment.insert(QStringLiteral("XAUTHORITY"),
+                           QDir::homePath() + QLatin1String("/.Xauthority"));
+    if (!environment.contains(QStringLiteral("WAYLAND_DISPLAY")))
+        environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), home);
+
+    for (const char *variable :
+         {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_STATE_HOME",
+          "QT_MESSAGE_PATTERN", "QT_LOGGING_RULES", "QT_LOGGING_CONF", "DBUS_STARTER_ADDRESS"})
+        environment.remove(QString::fromLatin1(variable));
+    environment.insert(QStringLiteral("HOME"), home);
+    environment.insert(QStringLiteral("DCONF_PROFILE"), settingsProfile);
+    environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), world.sessionBus);
+    environment.insert(QStringLiteral("DBUS_SYSTEM_BUS_ADDRESS"), world.systemBus);
+    environment.insert(QStringLiteral("QT_FORCE_STDERR_LOGGING"), QStringLiteral("1"));
+    if (!hasDisplay(environment)) {
+        environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        environment.insert(QStringLiteral("QT_QUICK_BACKEND"), QStringLiteral("software"));
+    }
+    return environment;
+}
+
+void makeHome(const QString &folder)
+{
+    QDir().mkpath(folder + QLatin1String("/home"));
+    QFile::setPermissions(folder + QLatin1String("/home"),
+                          QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    QFile profile(folder + QLatin1String("/dconf-profile"));
+    if (profile.open(QIODevice::WriteOnly))
+        profile.write("user-db:user\n");
+}
+
+} // namespace
+
+UiProcess::UiProcess(const World &world, QObject *parent)
+    : ChildProcess(parent)
+{
+    makeHome(world.folder);
+    setProcessEnvironment(environmentOf(world));
+    setReadChannel(QProcess::StandardError);
+    setStandardInputFile(QProcess::nullDevice());
+    connect(this, &QProcess::readyReadStandardError, this, &UiProcess::emitLines);
+    connect(this, &QProcess::errorOccurred, this, &UiProcess::reportError);
+    connect(this, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this,
+            &UiProcess::reportEnd);
+}
+
+void UiProcess::start(const QString &program, const QStringList &arguments)
+{
+    ChildProcess::start(program, arguments, QIODevice::ReadOnly);
+}
+
+void UiProcess::readLog()
+{
+    if (state() == Running)
+        waitForReadyRead(0);
+    emitLines();
+}
+
+void UiProcess::emitLines()
+{
+    while (canReadLine()) {
+        QByteArray line = readLine();
+        line.chop(1);
+        Q_EMIT logged(QString::fromUtf8(line));
+    }
+}
+
+void UiProcess::reportError(QProcess::ProcessError error)
+{
+    if (error == QProcess::FailedToStart)
+        Q_EMIT ended(QStringLiteral("The call UI could not be started: ") + errorString());
+}
+
+void UiProcess::reportEnd(int code, QProcess::ExitStatus status)
+{
+    emitLines();
+    Q_EMIT ended(status == QProcess::CrashExit
+                     ? QStringLiteral("The call UI was ended by signal %1").arg(code)
+                     : QStringLiteral("The call UI has ended with status %1").arg(code));
+}
