@@ -1,0 +1,144 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+// Loaded into the built call UI with LD_PRELOAD: prints every step of its start-up and of its end
+// as it is taken, and takes it. The functions are caught under their linker names, each with the
+// registers that it may have arguments in; what a step is called with is printed where it matters.
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QString>
+#include <QUrl>
+#include <QVariant>
+#include <QtQml/qqmlprivate.h>
+
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include <dlfcn.h>
+
+namespace {
+
+using Register = void *;
+using Function = Register (*)(Register, Register, Register, Register, Register, Register);
+
+Function next(const char *symbol)
+{
+    void *function = dlsym(RTLD_NEXT, symbol);
+    if (function == nullptr)
+        std::abort();
+    return reinterpret_cast<Function>(function);
+}
+
+const QString &string(Register r)
+{
+    return *static_cast<const QString *>(r);
+}
+
+QString boolean(Register r)
+{
+    return QString::number((reinterpret_cast<quintptr>(r) & 0xff) != 0);
+}
+
+void print(const char *step, const QString &detail)
+{
+    std::fprintf(stderr, "step: %s%s%s\n", step, detail.isEmpty() ? "" : " ",
+                 qUtf8Printable(detail));
+}
+
+bool isTaskFile(const char *path)
+{
+    return std::strncmp(path, "/sys/fs/cgroup/", 15) == 0;
+}
+
+} // namespace
+
+#define STEP(symbol, step, detail)                                                                 \
+    extern "C" Q_DECL_EXPORT Register symbol(Register a, [[maybe_unused]] Register b,              \
+                                             [[maybe_unused]] Register c, Register d, Register e,  \
+                                             Register f)                                           \
+    {                                                                                              \
+        print(step, detail);                                                                       \
+        return next(#symbol)(a, b, c, d, e, f);                                                    \
+    }
+
+STEP(_ZN12QQuickWindow21setDefaultAlphaBufferEb, "setDefaultAlphaBuffer", boolean(a))
+STEP(_ZN15QGuiApplicationC1ERiPPci, "QGuiApplication", {})
+STEP(_ZN16QCoreApplication18setApplicationNameERK7QString, "setApplicationName", string(a))
+STEP(_ZN16QCoreApplication21setApplicationVersionERK7QString, "setApplicationVersion", string(a))
+STEP(_ZN16QCoreApplication19setOrganizationNameERK7QString, "setOrganizationName", string(a))
+STEP(_ZN16QCoreApplication21setOrganizationDomainERK7QString, "setOrganizationDomain", string(a))
+STEP(_ZN15QGuiApplication25setQuitOnLastWindowClosedEb, "setQuitOnLastWindowClosed", boolean(a))
+STEP(_ZN11QTranslatorC1EP7QObject, "QTranslator", {})
+STEP(_ZN11QTranslatorD1Ev, "~QTranslator", {})
+STEP(_ZN11QTranslator4loadERK7QStringS2_S2_S2_, "load catalogue",
+     string(b) + QLatin1String(" from ") + string(c))
+STEP(_ZN11QTranslator4loadERK7QLocaleRK7QStringS5_S5_S5_, "load catalogue of locale",
+     string(c) + string(d) + QLatin1String(" from ") + string(e))
+STEP(_ZN16QCoreApplication17installTranslatorEP11QTranslator, "installTranslator", {})
+STEP(_ZN7QWindow8setTitleERK7QString, "setTitle", string(b))
+STEP(dconf_client_read, "read setting", QString::fromUtf8(static_cast<const char *>(b)))
+STEP(_ZN11QQmlContext18setContextPropertyERK7QStringRK8QVariant, "setContextProperty", string(b))
+STEP(_ZN11QQmlContext18setContextPropertyERK7QStringP7QObject, "setContextProperty", string(b))
+STEP(_ZN10QQuickView9setSourceERK4QUrl, "setSource", static_cast<const QUrl *>(b)->toString())
+STEP(_ZN7QWindow14showFullScreenEv, "showFullScreen", {})
+STEP(_ZN7QWindow15requestActivateEv, "requestActivate", {})
+STEP(_ZN7QWindow5raiseEv, "raise", {})
+STEP(_ZN15QGuiApplication4execEv, "exec", {})
+
+/// Its destructor is not called by name.
+extern "C" Q_DECL_EXPORT Register _ZN10QQuickViewC1EP7QWindow(Register a, Register b, Register c,
+                                                              Register d, Register e, Register f)
+{
+    print("QQuickView", {});
+    const Register result = next("_ZN10QQuickViewC1EP7QWindow")(a, b, c, d, e, f);
+    QObject::connect(static_cast<QObject *>(a), &QObject::destroyed,
+                     [] { print("~QQuickView", {}); });
+    QObject::connect(QCoreApplication::instance(), &QObject::destroyed,
+                     [] { print("~QGuiApplication", {}); });
+    return result;
+}
+
+extern "C" Q_DECL_EXPORT Register _ZN11QQmlPrivate11qmlregisterENS_16RegistrationTypeEPv(
+    Register a, Register b, Register c, Register d, Register e, Register f)
+{
+    const auto *type = static_cast<const QQmlPrivate::RegisterType *>(b);
+    const bool isType = reinterpret_cast<quintptr>(a) == QQmlPrivate::TypeRegistration;
+    if (isType && type->uri != nullptr && std::strcmp(type->uri, "com.nimbo.parley") == 0)
+        print("register", QString::fromLatin1(type->elementName));
+    return next("_ZN11QQmlPrivate11qmlregisterENS_16RegistrationTypeEPv")(a, b, c, d, e, f);
+}
+
+/// sender, signal, receiver, slot, type; the result is returned through the first register.
+extern "C" Q_DECL_EXPORT Register _ZN7QObject7connectEPKS_PKcS1_S3_N2Qt14ConnectionTypeE(
+    Register a, Register b, Register c, Register d, Register e, Register f)
+{
+    constexpr auto symbol = "_ZN7QObject7connectEPKS_PKcS1_S3_N2Qt14ConnectionTypeE";
+    const auto *signal = static_cast<const char *>(c);
+    if (std::strcmp(signal, SIGNAL(quit())) == 0)
+        print("connect quit to", QString::fromLatin1(static_cast<const char *>(e)));
+    return next(symbol)(a, b, c, d, e, f);
+}
+
+extern "C" Q_DECL_EXPORT Register _ZN5QFileD1Ev(Register a, Register b, Register c, Register d,
+                                                Register e, Register f)
+{
+    const QString name = static_cast<const QFile *>(a)->fileName();
+    if (isTaskFile(qUtf8Printable(name)))
+        print("~QFile", name);
+    return next("_ZN5QFileD1Ev")(a, b, c, d, e, f);
+}
+
+extern "C" Q_DECL_EXPORT int open64(const char *path, int flags, ...)
+{
+    if (isTaskFile(path))
+        std::fprintf(stderr, "step: open %s\n", path);
+    va_list arguments;
+    va_start(arguments, flags);
+    const auto mode = va_arg(arguments, unsigned);
+    va_end(arguments);
+    using Open = int (*)(const char *, int, ...);
+    return reinterpret_cast<Open>(dlsym(RTLD_NEXT, "open64"))(path, flags, mode);
+}

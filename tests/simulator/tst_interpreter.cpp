@@ -1,0 +1,257 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+#include "interpreter.h"
+#include "literals.h"
+#include "messagelog.h"
+#include "transcript.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+#include <chrono>
+#include <memory>
+
+class TestInterpreter : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void runsLinesInOrder();
+    void waitsForACommandToEnd();
+    void splitsArguments_data();
+    void splitsArguments();
+    void countsArguments_data();
+    void countsArguments();
+    void goesOnAfterAFailureOrStops_data();
+    void goesOnAfterAFailureOrStops();
+    void quitsBeforeTheRest();
+    void runsNothingBeforeItIsStarted();
+    void seesWhatHasHappened();
+    void seesWhatHappensLater();
+    void seesWholeLinesOnly();
+    void forgetsWhatEarlierCommandsDid();
+    void skipsWhatIsExpectedOfASkippedCommand();
+    void runsManyLines();
+
+private:
+    void make(Interpreter::AtFailure atFailure = Interpreter::AtFailure::GoOn);
+    /// Runs \a lines to the end; whether it succeeded.
+    bool run(const QStringList &lines);
+
+    std::unique_ptr<MessageLog> m_log;
+    std::unique_ptr<Transcript> m_transcript;
+    std::unique_ptr<Interpreter> m_interpreter;
+    QVector<QStringList> m_called;
+    Finish m_finish; ///< Of the command that is under way.
+};
+
+void TestInterpreter::init()
+{
+    m_log.reset();
+    m_log = std::make_unique<MessageLog>();
+    m_called.clear();
+    make();
+}
+
+void TestInterpreter::cleanup()
+{
+    QCOMPARE(m_log->take(), QStringList());
+}
+
+void TestInterpreter::make(Interpreter::AtFailure atFailure)
+{
+    m_interpreter.reset();
+    m_transcript = std::make_unique<Transcript>();
+    m_interpreter = std::make_unique<Interpreter>(*m_transcript, atFailure);
+    m_interpreter->setPatience(std::chrono::milliseconds(50));
+    const auto ending = [this](Outcome outcome) {
+        return [this, outcome](const QStringList &arguments, const Finish &finish) {
+            m_called << arguments;
+            finish(outcome, u"said "_s + arguments.join(u'|'));
+        };
+    };
+    m_interpreter->add({
+        {u"do"_s, {u"[WHAT...]"_s}, u"does"_s, ending(Outcome::Done)},
+        {u"fail"_s, {}, u"fails"_s, ending(Outcome::Failed)},
+        {u"skip"_s, {}, u"is skipped"_s, ending(Outcome::Skipped)},
+        {u"two"_s, {u"A"_s, u"[B]"_s}, u"takes one or two"_s, ending(Outcome::Done)},
+        {u"later"_s,
+         {},
+         u"takes its time"_s,
+         [this](const QStringList &arguments, const Finish &finish) {
+             m_called << arguments;
+             m_finish = finish;
+         }},
+    });
+}
+
+bool TestInterpreter::run(const QStringList &lines)
+{
+    QSignalSpy finished(m_interpreter.get(), &Interpreter::finished);
+    for (const QString &line : lines)
+        m_interpreter->enqueue(line);
+    m_interpreter->endInput();
+    m_interpreter->start();
+    return (!finished.isEmpty() || finished.wait(30000)) && finished.count() == 1
+        && finished.at(0).at(0).toBool();
+}
+
+void TestInterpreter::runsLinesInOrder()
+{
+    QVERIFY(run({u"do 1"_s, QString(), u"# do 2"_s, u"  do 3  "_s}));
+    QCOMPARE(m_called, QVector<QStringList>({{u"1"_s}, {u"3"_s}}));
+}
+
+void TestInterpreter::waitsForACommandToEnd()
+{
+    m_interpreter->enqueue(u"later"_s);
+    m_interpreter->enqueue(u"do 1"_s);
+    m_interpreter->start();
+    QTRY_COMPARE(m_called.size(), 1);
+    QCoreApplication::processEvents();
+    QCOMPARE(m_called.size(), 1);
+    m_finish(Outcome::Done, {});
+    QTRY_COMPARE(m_called.size(), 2);
+}
+
+void TestInterpreter::splitsArguments_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<QStringList>("arguments");
+
+    QTest::newRow("none") << u"do"_s << QStringList();
+    QTest::newRow("blanks") << u"do  a   b"_s << QStringList{u"a"_s, u"b"_s};
+    QTest::newRow("quotes") << u"do \"a b\" c"_s << QStringList{u"a b"_s, u"c"_s};
+    QTest::newRow("empty") << u"do \"\" c"_s << QStringList{QString(), u"c"_s};
+    QTest::newRow("number sign") << u"do *#06#"_s << QStringList{u"*#06#"_s};
+}
+
+void TestInterpreter::splitsArguments()
+{
+    QFETCH(QString, line);
+    QFETCH(QStringList, arguments);
+
+    QVERIFY(run({line}));
+    QCOMPARE(m_called, QVector<QStringList>{arguments});
+}
+
+void TestInterpreter::countsArguments_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<QString>("said");
+
+    QTest::newRow("one") << u"two a"_s << u"said a"_s;
+    QTest::newRow("two") << u"two a b"_s << u"said a|b"_s;
+    QTest::newRow("too few") << u"two"_s
+                             << u"usage: two A [B] (an argument with blanks in double quotes)"_s;
+    QTest::newRow("too many") << u"two a b c"_s
+                              << u"usage: two A [B] (an argument with blanks in double quotes)"_s;
+    QTest::newRow("none taken") << u"fail a"_s
+                                << u"usage: fail (an argument with blanks in double quotes)"_s;
+    QTest::newRow("unknown") << u"Do"_s << u"there is no command \"Do\"; help lists them"_s;
+}
+
+void TestInterpreter::countsArguments()
+{
+    QFETCH(QString, line);
+    QFETCH(QString, said);
+
+    run({line});
+    QCOMPARE(m_transcript->happened(), QStringList(said));
+}
+
+void TestInterpreter::goesOnAfterAFailureOrStops_data()
+{
+    QTest::addColumn<bool>("stops");
+    QTest::addColumn<QString>("failing");
+
+    for (const QString &failing : {u"fail"_s, u"unknown"_s, u"two"_s}) {
+        QTest::newRow(qUtf8Printable(failing + u", goes on"_s)) << false << failing;
+        QTest::newRow(qUtf8Printable(failing + u", stops"_s)) << true << failing;
+    }
+}
+
+void TestInterpreter::goesOnAfterAFailureOrStops()
+{
+    QFETCH(bool, stops);
+    QFETCH(QString, failing);
+
+    make(stops ? Interpreter::AtFailure::Stop : Interpreter::AtFailure::GoOn);
+    QCOMPARE(run({failing, u"do 1"_s}), !stops);
+    QCOMPARE(m_called.contains({u"1"_s}), !stops);
+}
+
+void TestInterpreter::quitsBeforeTheRest()
+{
+    QVERIFY(run({u"do 1"_s, u"quit"_s, u"do 2"_s}));
+    QCOMPARE(m_called, QVector<QStringList>({{u"1"_s}}));
+}
+
+void TestInterpreter::runsNothingBeforeItIsStarted()
+{
+    m_interpreter->enqueue(u"do 1"_s);
+    QCoreApplication::processEvents();
+    QVERIFY(m_called.isEmpty());
+    m_interpreter->start();
+    QTRY_COMPARE(m_called.size(), 1);
+}
+
+void TestInterpreter::seesWhatHasHappened()
+{
+    make(Interpreter::AtFailure::Stop);
+    QVERIFY(run({u"do 1 2"_s, u"expect said 1|2"_s, u"expect said *"_s, u"expect *2"_s,
+                 u"expect s*d*1*"_s}));
+}
+
+void TestInterpreter::seesWhatHappensLater()
+{
+    m_interpreter->enqueue(u"do 1"_s);
+    m_interpreter->enqueue(u"expect [a] (b) \"c\" .?"_s);
+    m_interpreter->enqueue(u"do 2"_s);
+    m_interpreter->start();
+    m_interpreter->setPatience(std::chrono::minutes(1));
+    QTRY_COMPARE(m_called.size(), 1);
+    m_transcript->record(u"ui"_s, u"[a] (b) \"c\" xx"_s);
+    QCoreApplication::processEvents();
+    QCOMPARE(m_called.size(), 1);
+    m_transcript->record(u"ui"_s, u"[a] (b) \"c\" .?"_s);
+    QTRY_COMPARE(m_called.size(), 2);
+}
+
+void TestInterpreter::seesWholeLinesOnly()
+{
+    make(Interpreter::AtFailure::Stop);
+    QVERIFY(!run({u"do 12"_s, u"expect said 1"_s}));
+}
+
+void TestInterpreter::forgetsWhatEarlierCommandsDid()
+{
+    make(Interpreter::AtFailure::Stop);
+    QVERIFY(!run({u"do 1"_s, u"do 2"_s, u"expect said 1"_s}));
+}
+
+void TestInterpreter::skipsWhatIsExpectedOfASkippedCommand()
+{
+    make(Interpreter::AtFailure::Stop);
+    QVERIFY(run({u"skip"_s, u"expect nothing like it"_s, u"expect nor this"_s, u"do 1"_s,
+                 u"expect said 1"_s}));
+    QCOMPARE(m_called.size(), 2);
+}
+
+void TestInterpreter::runsManyLines()
+{
+    QStringList lines;
+    for (int i = 0; i < 5000; ++i)
+        lines << u"do %1"_s.arg(i);
+    QVERIFY(run(lines));
+    QCOMPARE(m_called.size(), 5000);
+    QCOMPARE(m_called.constLast(), QStringList(u"4999"_s));
+}
+
+QTEST_GUILESS_MAIN(TestInterpreter)
+
+#include "tst_interpreter.moc"

@@ -1,0 +1,33 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+import QtQuick 2.15
+import com.nimbo.parley 1.0
+
+// Reports what reaches the QML, a line of JSON each, and evaluates what a test asks for.
+Item {
+    width: 100
+    height: 100
+
+    function report(what, value) {
+        console.info(what + " " + JSON.stringify(value));
+    }
+
+    ParleyUiAdaptor {
+        onShow: {
+            if (args[0] === "evaluate")
+                report("evaluated", eval(args[1]));
+            else
+                report("show", args);
+        }
+        onShowOngoing: report("showOngoing", [])
+        onOpenUrl: report("openUrl", arg)
+        onDial: report("dial", number)
+        onDialViaModem: report("dialViaModem", [modemPath, number])
+        onShowCellularErrorDialog: report("showCellularErrorDialog", [])
+        onOpenContactCard: report("openContactCard", number)
+        onToggleCall: report("toggleCall", [])
+    }
+
+    Component.onCompleted: console.info("loaded")
+}

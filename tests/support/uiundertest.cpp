@@ -1,0 +1,169 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+#include "uiundertest.h"
+
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDBusPendingCall>
+#include <QDBusReply>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QTest>
+
+#include <unistd.h>
+
+namespace {
+
+const QString service = QStringLiteral("com.nimbo.parley.ui");
+constexpr int patience = 30000;
+
+} // namespace
+
+QStringList UiUnderTest::controlGroupWarnings()
+{
+    return {
+        QStringLiteral(
+            "Could not open /sys/fs/cgroup/memory/noswapping/tasks for disabling caching"),
+        QStringLiteral(
+            "Could not open /sys/fs/cgroup/cpu,cpuacct/interactive/tasks for disabling caching")};
+}
+
+UiUnderTest::UiUnderTest()
+    : m_session(m_folder.path())
+{
+    QFile::setPermissions(folder(), QFile::Permissions(0x7111)); // other users call it too
+    m_sessionBus.start(folder(), QStringLiteral("session"));
+    m_systemBus.start(folder(), QStringLiteral("system"));
+    m_sessionBusAddress = m_sessionBus.address();
+    m_session = QDBusConnection::connectToBus(m_sessionBusAddress, folder());
+}
+
+UiUnderTest::~UiUnderTest()
+{
+    QDBusConnection::disconnectFromBus(folder());
+}
+
+bool UiUnderTest::isValid() const
+{
+    return m_session.isConnected() && !m_systemBus.address().isEmpty();
+}
+
+QString UiUnderTest::writeFile(const QString &name, const QByteArray &content) const
+{
+    QFile file(folder() + QLatin1Char('/') + name);
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+        qFatal("%s: %s", qUtf8Printable(file.fileName()), qUtf8Printable(file.errorString()));
+    return file.fileName();
+}
+
+void UiUnderTest::setEnvironment(const QString &name, const QString &value)
+{
+    m_environment.insert(name, value);
+}
+
+bool UiUnderTest::writeSettings(const Settings &settings) const
+{
+    return ::writeSettings(folder() + QLatin1String("/home/.config"), settings);
+}
+
+void UiUnderTest::start(const QStringList &arguments)
+{
+    m_process = std::make_unique<UiProcess>(
+        UiProcess::World{m_sessionBusAddress, m_systemBus.address(), folder()});
+    connect(m_process.get(), &UiProcess::logged, this, &UiUnderTest::readLog);
+
+    QProcessEnvironment environment = m_process->processEnvironment();
+    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    environment.insert(QStringLiteral("QT_QUICK_BACKEND"), QStringLiteral("software"));
+    environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
+    environment.remove(QStringLiteral("LANGUAGE"));
+    for (auto it = m_environment.cbegin(); it != m_environment.cend(); ++it)
+        environment.insert(it.key(), it.value());
+    m_process->setProcessEnvironment(environment);
+
+    QStringList command =
+        m_sandbox.wrap(m_prefix + QStringList(qEnvironmentVariable("PARLEY_UI")) + arguments);
+    const QString program = command.takeFirst();
+    m_process->start(program, command);
+}
+
+bool UiUnderTest::startProbe(const QStringList &arguments)
+{
+    start(arguments + QStringList{QStringLiteral("-qml"), QStringLiteral(PARLEY_PROBE_QML)});
+    const QStringList warnings = controlGroupWarnings();
+    return logs(QStringLiteral("qml: loaded")) && logs(warnings.at(0)) && logs(warnings.at(1));
+}
+
+qint64 UiUnderTest::processId() const
+{
+    return m_session.interface()->servicePid(service).value();
+}
+
+qint64 UiUnderTest::residentMemory() const
+{
+    QFile file(QStringLiteral("/proc/%1/statm").arg(processId()));
+    if (!file.open(QIODevice::ReadOnly))
+        return -1;
+    return file.readAll().split(' ').at(1).toLongLong() * sysconf(_SC_PAGESIZE) / 1024;
+}
+
+bool UiUnderTest::logs(const QString &line)
+{
+    return QTest::qWaitFor([&] { return m_log.removeOne(line); }, patience);
+}
+
+QString UiUnderTest::lineBeginning(const QString &prefix)
+{
+    QString found;
+    const bool seen = QTest::qWaitFor(
+        [&] {
+            for (int i = 0; i < m_log.size(); ++i) {
+                if (m_log.at(i).startsWith(prefix)) {
+                    found = m_log.takeAt(i);
+                    return true;
+                }
+            }
+            return false;
+        },
+        patience);
+    return seen ? found : QString();
+}
+
+QStringList UiUnderTest::takeLog()
+{
+    if (m_process)
+        m_process->readLog();
+    return std::exchange(m_log, {});
+}
+
+QJsonValue UiUnderTest::evaluate(const QString &expression)
+{
+    call(QStringLiteral("show"), {QStringList{QStringLiteral("evaluate"), expression}});
+    const QString prefix = QStringLiteral("qml: evaluated ");
+    const QString line = lineBeginning(prefix);
+    return QJsonDocument::fromJson('[' + line.mid(prefix.size()).toUtf8() + ']').array().at(0);
+}
+
+QDBusMessage UiUnderTest::call(const QString &method, const QVariantList &arguments)
+{
+    QDBusMessage message =
+        QDBusMessage::createMethodCall(service, QStringLiteral("/"), service, method);
+    message.setArguments(arguments);
+    // The log is read meanwhile: a process that cannot get rid of it does not answer.
+    const QDBusPendingCall call = m_session.asyncCall(message);
+    const bool answered = QTest::qWaitFor([&call] { return call.isFinished(); }, patience);
+    return answered ? call.reply() : QDBusMessage();
+}
+
+int UiUnderTest::waitForEnd()
+{
+    const bool ended = QTest::qWaitFor([this] { return !isRunning(); }, patience);
+    return ended && m_process->exitStatus() == QProcess::NormalExit ? m_process->exitCode() : -1;
+}
+
+void UiUnderTest::stop()
+{
+    m_process->stop();
+}
