@@ -10,6 +10,8 @@
 #include <QDBusPendingReply>
 #include <QElapsedTimer>
 
+#include <utility>
+
 #include <unistd.h>
 
 namespace {
@@ -24,10 +26,10 @@ QString describe(const QDBusMessage &reply)
 
 } // namespace
 
-Canopy::Canopy(const QDBusConnection &sessionBus, const QString &address, QObject *parent)
+Canopy::Canopy(QDBusConnection sessionBus, QString address, QObject *parent)
     : QObject(parent)
-    , m_bus(sessionBus)
-    , m_address(address)
+    , m_bus(std::move(sessionBus))
+    , m_address(std::move(address))
 {
 }
 

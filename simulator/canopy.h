@@ -18,7 +18,7 @@ class Canopy : public QObject
 
 public:
     /// \a sessionBus is a connection to the bus at \a address.
-    Canopy(const QDBusConnection &sessionBus, const QString &address, QObject *parent = nullptr);
+    Canopy(QDBusConnection sessionBus, QString address, QObject *parent = nullptr);
 
     /// Takes the name. False if another process has it.
     bool start();

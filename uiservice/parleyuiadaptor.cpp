@@ -28,20 +28,20 @@ public:
 
     // A handler may destroy both objects: nothing here touches a member after an emission.
 public Q_SLOTS:
-    void show(QStringList args) { Q_EMIT m_ui->show(args); }
+    void show(const QStringList &args) { Q_EMIT m_ui->show(args); }
     void showOngoing() { Q_EMIT m_ui->showOngoing(); }
-    void openUrl(QStringList arg);
-    bool dial(QString number);
-    bool dialViaModem(QString modemPath, QString number);
+    void openUrl(const QStringList &arg);
+    bool dial(const QString &number);
+    bool dialViaModem(const QString &modemPath, const QString &number);
     void showCellularErrorDialog() { Q_EMIT m_ui->showCellularErrorDialog(); }
-    void openContactCard(QString number) { Q_EMIT m_ui->openContactCard(number); }
+    void openContactCard(const QString &number) { Q_EMIT m_ui->openContactCard(number); }
     void toggleCall();
 
 private:
     ParleyUiAdaptor *const m_ui;
 };
 
-void Adaptor::openUrl(QStringList arg)
+void Adaptor::openUrl(const QStringList &arg)
 {
     if (arg.isEmpty())
         Q_EMIT m_ui->show(arg);
@@ -49,13 +49,13 @@ void Adaptor::openUrl(QStringList arg)
         Q_EMIT m_ui->openUrl(arg);
 }
 
-bool Adaptor::dial(QString number)
+bool Adaptor::dial(const QString &number)
 {
     Q_EMIT m_ui->dial(number);
     return true;
 }
 
-bool Adaptor::dialViaModem(QString modemPath, QString number)
+bool Adaptor::dialViaModem(const QString &modemPath, const QString &number)
 {
     Q_EMIT m_ui->dialViaModem(modemPath, number);
     return true;

@@ -9,19 +9,35 @@
 
 #include <cstring>
 
-namespace {
-
-/// Opening the store costs as much as a hundred reads, so items share it for as long as one lives.
-std::shared_ptr<DConfClient> sharedClient()
+/// The connection to dconf. Opening one costs as much as a hundred reads, so items share it.
+class MGConfItem::Store
 {
-    static std::weak_ptr<DConfClient> shared;
-    std::shared_ptr<DConfClient> client = shared.lock();
-    if (!client) {
-        client.reset(dconf_client_new(), g_object_unref);
-        shared = client;
+public:
+    static std::shared_ptr<Store> shared()
+    {
+        static std::weak_ptr<Store> current;
+        std::shared_ptr<Store> store = current.lock();
+        if (!store) {
+            store = std::make_shared<Store>();
+            current = store;
+        }
+        return store;
     }
-    return client;
-}
+
+    Store() = default;
+    ~Store() { g_object_unref(m_client); }
+    Q_DISABLE_COPY(Store)
+
+    GVariant *read(const QByteArray &key) const
+    {
+        return dconf_client_read(m_client, key.constData());
+    }
+
+private:
+    DConfClient *const m_client = dconf_client_new();
+};
+
+namespace {
 
 /// dconf aborts on a text that is not a key, so none gets that far.
 QByteArray dconfKey(const QString &text)
@@ -83,7 +99,7 @@ QVariant toQVariant(GVariant *value)
 
 MGConfItem::MGConfItem(const QString &key)
     : m_key(dconfKey(key))
-    , m_client(sharedClient())
+    , m_store(Store::shared())
 {
 }
 
@@ -92,7 +108,7 @@ QVariant MGConfItem::value() const
     if (m_key.isEmpty())
         return {};
 
-    const std::unique_ptr<GVariant, decltype(&g_variant_unref)> value(
-        dconf_client_read(m_client.get(), m_key.constData()), g_variant_unref);
+    const std::unique_ptr<GVariant, decltype(&g_variant_unref)> value(m_store->read(m_key),
+                                                                      g_variant_unref);
     return value ? toQVariant(value.get()) : QVariant();
 }

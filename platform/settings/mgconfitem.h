@@ -9,8 +9,6 @@
 
 #include <memory>
 
-using DConfClient = struct _DConfClient;
-
 /// One key of the handset's settings store, which is dconf.
 ///
 /// A key is absolute ("/desktop/..."). A text that is not a dconf key is an unset key.
@@ -28,6 +26,8 @@ public:
 private:
     Q_DISABLE_COPY(MGConfItem)
 
+    class Store;
+
     QByteArray m_key; ///< Empty if the text was not a dconf key.
-    std::shared_ptr<DConfClient> m_client;
+    std::shared_ptr<Store> m_store;
 };

@@ -55,6 +55,7 @@ bool isTaskFile(const char *path)
 
 } // namespace
 
+// NOLINTBEGIN(bugprone-reserved-identifier): these are the names that the linker knows.
 #define STEP(symbol, step, detail)                                                                 \
     extern "C" Q_DECL_EXPORT Register symbol(Register a, [[maybe_unused]] Register b,              \
                                              [[maybe_unused]] Register c, Register d, Register e,  \
@@ -93,7 +94,7 @@ extern "C" Q_DECL_EXPORT Register _ZN10QQuickViewC1EP7QWindow(Register a, Regist
                                                               Register d, Register e, Register f)
 {
     print("QQuickView", {});
-    const Register result = next("_ZN10QQuickViewC1EP7QWindow")(a, b, c, d, e, f);
+    auto *result = next("_ZN10QQuickViewC1EP7QWindow")(a, b, c, d, e, f);
     QObject::connect(static_cast<QObject *>(a), &QObject::destroyed,
                      [] { print("~QQuickView", {}); });
     QObject::connect(QCoreApplication::instance(), &QObject::destroyed,
@@ -142,3 +143,4 @@ extern "C" Q_DECL_EXPORT int open64(const char *path, int flags, ...)
     using Open = int (*)(const char *, int, ...);
     return reinterpret_cast<Open>(dlsym(RTLD_NEXT, "open64"))(path, flags, mode);
 }
+// NOLINTEND(bugprone-reserved-identifier)
