@@ -116,7 +116,6 @@ void TestStartup::takesItsStepsInOrder()
         {u"/desktop/nimbo/specials/one/sequence"_s, u"'*#1#'"_s},
     }));
     m_ui->setEnvironment(u"LD_PRELOAD"_s, QStringLiteral(PARLEY_STARTUP_PROBE));
-    m_ui->setEnvironment(u"ASAN_OPTIONS"_s, u"verify_asan_link_order=0"_s);
     const QString screens = m_ui->writeFile(u"screens.qml"_s, screensSaying("step: loaded"));
     QStringList arguments{u"-qml"_s, screens};
     if (prestart)
@@ -176,7 +175,6 @@ void TestStartup::takesItsStepsInOrder()
 void TestStartup::undoesItsStepsInReverse()
 {
     m_ui->setEnvironment(u"LD_PRELOAD"_s, QStringLiteral(PARLEY_STARTUP_PROBE));
-    m_ui->setEnvironment(u"ASAN_OPTIONS"_s, u"verify_asan_link_order=0"_s);
     QVERIFY(m_ui->startProbe({u"-devel"_s}));
     QVERIFY(m_ui->logs(u"step: exec"_s));
     m_ui->takeLog();
@@ -455,7 +453,6 @@ void TestStartup::outlivesBadScreens()
     complaint.replace(u"FOLDER"_s, m_ui->folder());
 
     m_ui->setEnvironment(u"LD_PRELOAD"_s, QStringLiteral(PARLEY_STARTUP_PROBE));
-    m_ui->setEnvironment(u"ASAN_OPTIONS"_s, u"verify_asan_link_order=0"_s);
     m_ui->start({u"-prestart"_s, u"-qml"_s, path});
     QVERIFY(m_ui->logs(u"step: exec"_s));
     const QStringList log = m_ui->takeLog();
