@@ -12,6 +12,7 @@
 
 #include <memory>
 
+#include <elf.h>
 #include <unistd.h>
 
 namespace {
@@ -75,6 +76,7 @@ private Q_SLOTS:
     void outlivesArgumentsItDoesNotKnow();
 
     void exportsMain();
+    void isPositionIndependent();
 
 private:
     void makeCatalogue(const QString &folder, const QString &name, const QString &text);
@@ -495,6 +497,15 @@ void TestStartup::exportsMain()
     QVERIFY(nm.waitForFinished());
     const QList<QByteArray> symbols = nm.readAllStandardOutput().trimmed().split('\n');
     QVERIFY(symbols.contains("main"));
+}
+
+void TestStartup::isPositionIndependent()
+{
+    QFile program(qEnvironmentVariable("PARLEY_UI"));
+    QVERIFY(program.open(QIODevice::ReadOnly));
+    Elf64_Ehdr header = {};
+    QCOMPARE(program.read(reinterpret_cast<char *>(&header), sizeof header), qint64(sizeof header));
+    QCOMPARE(header.e_type, Elf64_Half(ET_DYN)); // at the same place in 32-bit programs
 }
 
 QTEST_GUILESS_MAIN(TestStartup)

@@ -77,6 +77,8 @@ void UiUnderTest::start(const QStringList &arguments)
     QProcessEnvironment environment = m_process->processEnvironment();
     environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     environment.insert(QStringLiteral("QT_QUICK_BACKEND"), QStringLiteral("software"));
+    environment.insert(QStringLiteral("XDG_RUNTIME_DIR"),
+                       environment.value(QStringLiteral("HOME")));
     environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
     environment.remove(QStringLiteral("LANGUAGE"));
     // For a sanitized process: a probe may be loaded before the sanitizer, and whoever lets the
@@ -85,8 +87,9 @@ void UiUnderTest::start(const QStringList &arguments)
     if (arguments.contains(QLatin1String("-devel")))
         sanitizer += QLatin1String(":fast_unwind_on_malloc=0");
     environment.insert(QStringLiteral("ASAN_OPTIONS"), sanitizer);
-    environment.insert(QStringLiteral("LSAN_OPTIONS"),
-                       QStringLiteral("print_suppressions=0:suppressions=" PARLEY_LEAK_SUPPRESSIONS));
+    environment.insert(
+        QStringLiteral("LSAN_OPTIONS"),
+        QStringLiteral("print_suppressions=0:suppressions=" PARLEY_LEAK_SUPPRESSIONS));
     for (auto it = m_environment.cbegin(); it != m_environment.cend(); ++it)
         environment.insert(it.key(), it.value());
     m_process->setProcessEnvironment(environment);
