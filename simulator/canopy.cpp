@@ -18,6 +18,9 @@ namespace {
 
 const QLatin1String uiService("com.nimbo.parley.ui");
 
+/// How dbus-send tells that the call UI does not trust the caller: an answer, not a failure.
+const QLatin1String refusal("Error org.freedesktop.DBus.Error.AccessDenied");
+
 QString describe(const QDBusMessage &reply)
 {
     const QVariantList values = reply.arguments();
@@ -136,7 +139,11 @@ void Canopy::toggleAs(const QString &user, const QString &group, const Finish &f
             [caller, finish] {
                 caller->deleteLater();
                 const QString said = QString::fromLocal8Bit(caller->readAll()).trimmed();
-                finish(Outcome::Done, caller->exitCode() == 0 ? QStringLiteral("done") : said);
+                const bool refused = said.startsWith(refusal);
+                if (caller->exitStatus() == QProcess::NormalExit && caller->exitCode() == 0)
+                    finish(Outcome::Done, QStringLiteral("done"));
+                else
+                    finish(refused ? Outcome::Done : Outcome::Failed, said);
             });
     caller->start(QStringLiteral("setpriv"),
                   {QStringLiteral("--reuid"), user, QStringLiteral("--regid"), group,

@@ -9,8 +9,6 @@
 #include <QObject>
 #include <QVector>
 
-class QDBusPendingCall;
-
 /// The handset's home screen: the process that owns "com.nimbo.canopy" and asks for the call UI.
 class Canopy : public QObject
 {

@@ -14,7 +14,7 @@ namespace {
 
 const QLatin1String sessionConnection("handset-session");
 const QLatin1String uiService("com.nimbo.parley.ui");
-constexpr std::chrono::seconds uiPatience(10);
+constexpr std::chrono::seconds uiPatience(30);
 
 } // namespace
 
@@ -104,7 +104,7 @@ void Handset::uiIsUp()
 void Handset::uiIsLate()
 {
     m_transcript.say(
-        QStringLiteral("The call UI is not on the bus: the screens have made no ParleyUiAdaptor."));
+        QStringLiteral("The call UI is not on the bus yet; its screens may lack a ParleyUiAdaptor."));
     m_interpreter.start();
 }
 

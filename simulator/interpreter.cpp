@@ -57,7 +57,7 @@ Interpreter::Interpreter(Transcript &transcript, AtFailure atFailure, QObject *p
     , m_atFailure(atFailure)
 {
     m_patience.setSingleShot(true);
-    m_patience.setInterval(std::chrono::seconds(10));
+    m_patience.setInterval(std::chrono::seconds(30));
     connect(&m_patience, &QTimer::timeout, this,
             [this] { ended(Outcome::Failed, QStringLiteral("not seen: ") + m_expected); });
     connect(&m_transcript, &Transcript::recorded, this, &Interpreter::checkExpectation);
@@ -98,7 +98,7 @@ void Interpreter::endInput()
 
 void Interpreter::start()
 {
-    m_busy = false;
+    m_started = true;
     wake();
 }
 
@@ -110,13 +110,15 @@ void Interpreter::wake()
 
 void Interpreter::runNext()
 {
-    if (m_busy)
+    if (!m_started || m_busy)
         return;
     if (!m_lines.isEmpty()) {
         m_busy = true;
         run(m_lines.dequeue());
     } else if (m_inputEnded) {
         m_busy = true;
+        if (m_skipped > 0)
+            m_transcript.say(QStringLiteral("%1 skipped.").arg(m_skipped));
         Q_EMIT finished(true);
     }
 }
@@ -128,8 +130,8 @@ void Interpreter::run(const QString &line)
         ended(Outcome::Done, {});
         return;
     }
-    const QLatin1String expectation("expect ");
-    if (line.startsWith(expectation)) {
+    const QLatin1String expectation("expect");
+    if (line.section(QLatin1Char(' '), 0, 0) == expectation) {
         expect(line.mid(expectation.size()).trimmed());
         return;
     }
@@ -168,6 +170,7 @@ void Interpreter::ended(Outcome outcome, const QString &text)
         break;
     case Outcome::Skipped:
         m_lastWasSkipped = true;
+        ++m_skipped;
         m_transcript.record(QStringLiteral("skipped"), text);
         break;
     }

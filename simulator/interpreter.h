@@ -32,7 +32,7 @@ public:
 
     void add(const QVector<Command> &commands);
 
-    /// How long "expect" waits; ten seconds if not set.
+    /// How long "expect" waits; thirty seconds if not set.
     void setPatience(std::chrono::milliseconds patience) { m_patience.setInterval(patience); }
 
     /// Runs \a line when all earlier ones are through and the interpreter has been started.
@@ -63,7 +63,9 @@ private:
     QQueue<QString> m_lines;
     QString m_expected;
     QTimer m_patience;
-    bool m_busy = true; ///< A command runs, or the interpreter has not been started, or is done.
+    bool m_started = false;
+    bool m_busy = false; ///< A command runs, or the last one has.
+    int m_skipped = 0;
     bool m_inputEnded = false;
     bool m_lastWasSkipped = false;
 };

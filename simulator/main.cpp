@@ -73,8 +73,10 @@ int main(int argc, char *argv[])
     LineReader lines(script.isOpen() ? script.handle() : STDIN_FILENO);
     QObject::connect(&lines, &LineReader::lineRead, &handset.interpreter(), &Interpreter::enqueue);
     QObject::connect(&lines, &LineReader::ended, &handset.interpreter(), &Interpreter::endInput);
-    QObject::connect(&handset, &Handset::ended, &application, [](bool succeeded) {
+    const auto end = [](bool succeeded) {
         QCoreApplication::exit(succeeded ? EXIT_SUCCESS : EXIT_FAILURE);
-    });
+    };
+    // Queued: it may come before there is an event loop to leave.
+    QObject::connect(&handset, &Handset::ended, &application, end, Qt::QueuedConnection);
     return handset.start() ? QCoreApplication::exec() : EXIT_FAILURE;
 }

@@ -16,7 +16,7 @@ sigset_t terminationSet()
 {
     sigset_t set;
     sigemptyset(&set);
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE})
+    for (const int signal : {SIGINT, SIGQUIT, SIGTERM, SIGHUP, SIGPIPE})
         sigaddset(&set, signal);
     return set;
 }

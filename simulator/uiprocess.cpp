@@ -10,8 +10,7 @@ namespace {
 
 bool hasDisplay(const QProcessEnvironment &environment)
 {
-    return environment.contains(QStringLiteral("DISPLAY"))
-        || environment.contains(QStringLiteral("WAYLAND_DISPLAY"));
+    return !environment.value(QStringLiteral("DISPLAY")).isEmpty();
 }
 
 QProcessEnvironment environmentOf(const UiProcess::World &world)
@@ -24,8 +23,7 @@ QProcessEnvironment environmentOf(const UiProcess::World &world)
     if (!environment.contains(QStringLiteral("XAUTHORITY")))
         environment.insert(QStringLiteral("XAUTHORITY"),
                            QDir::homePath() + QLatin1String("/.Xauthority"));
-    if (!environment.contains(QStringLiteral("WAYLAND_DISPLAY")))
-        environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), home);
+    environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), home);
 
     for (const char *variable :
          {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_STATE_HOME",
@@ -98,6 +96,8 @@ void UiProcess::reportError(QProcess::ProcessError error)
 void UiProcess::reportEnd(int code, QProcess::ExitStatus status)
 {
     emitLines();
+    if (const QByteArray rest = readAll(); !rest.isEmpty())
+        Q_EMIT logged(QString::fromUtf8(rest));
     Q_EMIT ended(status == QProcess::CrashExit
                      ? QStringLiteral("The call UI was ended by signal %1").arg(code)
                      : QStringLiteral("The call UI has ended with status %1").arg(code));

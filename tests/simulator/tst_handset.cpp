@@ -293,6 +293,7 @@ void TestHandset::takesAHangingUiDown()
     start({});
     QVERIFY(says(u"The call UI is on the bus after .*"_s));
     const pid_t ui = processNamed("parley-ui");
+    QVERIFY(ui > 0);
     QCOMPARE(kill(ui, SIGSTOP), 0);
     m_handset->terminate();
     QVERIFY(ends(128 + SIGTERM));
