@@ -4,6 +4,7 @@
 #include "privatebus.h"
 
 #include <QFile>
+#include <QUrl>
 
 namespace {
 
@@ -30,6 +31,12 @@ const char configuration[] =
 </busconfig>
 )";
 
+/// As a value in a D-Bus address.
+QString escaped(const QString &path)
+{
+    return QString::fromLatin1(QUrl::toPercentEncoding(path, "/", "~"));
+}
+
 } // namespace
 
 bool PrivateBus::start(const QString &folder, const QString &name)
@@ -39,7 +46,7 @@ bool PrivateBus::start(const QString &folder, const QString &name)
         m_error = file.errorString();
         return false;
     }
-    file.write(QString::fromLatin1(configuration).arg(folder.toHtmlEscaped()).toUtf8());
+    file.write(QString::fromLatin1(configuration).arg(escaped(folder)).toUtf8());
     file.close();
 
     m_daemon.start(QStringLiteral("dbus-daemon"),

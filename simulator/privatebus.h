@@ -24,8 +24,6 @@ public:
     /// For DBUS_SESSION_BUS_ADDRESS or DBUS_SYSTEM_BUS_ADDRESS. Empty until it has started.
     QString address() const { return m_address; }
 
-    qint64 processId() const { return m_daemon.processId(); }
-
     /// What the daemon said last, for where it did not start.
     QString error() const { return m_error; }
 
