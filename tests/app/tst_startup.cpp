@@ -113,6 +113,9 @@ void TestStartup::takesItsStepsInOrder()
     QFETCH(bool, prestart);
     QFETCH(bool, devel);
 
+#ifndef Q_PROCESSOR_X86_64
+    QSKIP("the probe knows how x86-64 passes arguments");
+#endif
     QVERIFY(m_ui->writeSettings({
         {u"/desktop/nimbo/specials/supported"_s, u"['one']"_s},
         {u"/desktop/nimbo/specials/one/sequence"_s, u"'*#1#'"_s},
@@ -176,6 +179,9 @@ void TestStartup::takesItsStepsInOrder()
 
 void TestStartup::undoesItsStepsInReverse()
 {
+#ifndef Q_PROCESSOR_X86_64
+    QSKIP("the probe knows how x86-64 passes arguments");
+#endif
     m_ui->setEnvironment(u"LD_PRELOAD"_s, QStringLiteral(PARLEY_STARTUP_PROBE));
     QVERIFY(m_ui->startProbe({u"-devel"_s}));
     QVERIFY(m_ui->logs(u"step: exec"_s));
@@ -457,23 +463,23 @@ void TestStartup::outlivesBadScreens()
     m_ui->setEnvironment(u"LD_PRELOAD"_s, QStringLiteral(PARLEY_STARTUP_PROBE));
     m_ui->start({u"-prestart"_s, u"-qml"_s, path});
     QVERIFY(m_ui->logs(u"step: exec"_s));
-    const QStringList log = m_ui->takeLog();
     if (!complaint.isEmpty())
-        QVERIFY2(!log.filter(complaint).isEmpty(), qPrintable(log.join(u'\n')));
+        QVERIFY(!m_ui->lineBeginning(complaint).isNull());
     QVERIFY(m_ui->isRunning());
+    m_ui->takeLog(); // the probe's steps, and more of Qt's complaint
 }
 
 void TestStartup::outlivesScreensThatItMayNotRead()
 {
-    if (geteuid() != 0)
-        QSKIP("needs root, to run as a user who may not read the file");
     const QString screens = m_ui->writeFile(u"secret.qml"_s, screensSaying("read"));
-    QVERIFY(QFile::setPermissions(screens, QFile::ReadOwner));
-    const QString home = m_ui->folder() + u"/home"_s;
-    QVERIFY(QDir().mkpath(home));
-    QCOMPARE(chown(qUtf8Printable(home), nobody, nobody), 0);
-    const QString id = QString::number(nobody);
-    m_ui->setPrefix({u"setpriv"_s, u"--reuid"_s, id, u"--regid"_s, id, u"--clear-groups"_s});
+    QVERIFY(QFile::setPermissions(screens, {}));
+    if (geteuid() == 0) { // which may read everything, and so becomes somebody else
+        const QString home = m_ui->folder() + u"/home"_s;
+        QVERIFY(QDir().mkpath(home));
+        QCOMPARE(chown(qUtf8Printable(home), nobody, nobody), 0);
+        const QString id = QString::number(nobody);
+        m_ui->setPrefix({u"setpriv"_s, u"--reuid"_s, id, u"--regid"_s, id, u"--clear-groups"_s});
+    }
     m_ui->start({u"-prestart"_s, u"-qml"_s, screens});
     QVERIFY(m_ui->logs(u"file://"_s + screens + u": Permission denied"_s));
     QVERIFY(m_ui->logs(UiUnderTest::controlGroupWarnings().at(0)));

@@ -176,5 +176,6 @@ int UiUnderTest::waitForEnd()
 
 void UiUnderTest::stop()
 {
-    m_process->stop();
+    if (m_process)
+        m_process->stop();
 }

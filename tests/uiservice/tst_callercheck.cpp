@@ -221,6 +221,7 @@ void TestCallerCheck::rejectsACallerThatHasGone()
     if (homeScreenIsThere)
         QVERIFY(m_ui->session().registerService(canopy));
     const auto uiProcess = static_cast<pid_t>(m_ui->processId());
+    QVERIFY(uiProcess > 0);
     QCOMPARE(kill(uiProcess, SIGSTOP), 0);
     const Answer answer = callAs(user, ordinaryGroup, {u"send"_s});
     QDBusConnectionInterface *bus = m_ui->session().interface();
