@@ -10,12 +10,12 @@
 /// The service through which other processes of the handset drive the call UI.
 ///
 /// While an object of this class exists, it offers the interface "com.nimbo.parley.ui" at the path
-/// "/" of the session bus, under the name "com.nimbo.parley.ui". Every method call becomes the
-/// signal of the same name, emitted before the caller gets its reply; what "show" or "dial" means
-/// on the screen is for the receiver to decide.
+/// "/" of the session bus; with the first one the process takes the name "com.nimbo.parley.ui".
+/// Every method call becomes the signal of the same name, emitted before the caller gets its reply;
+/// what "show" or "dial" means on the screen is for the receiver to decide.
 ///
-/// Where the path or the name cannot be had, a warning is logged and the object stays a working
-/// QObject whose signals do not fire from the bus. Nothing is retried.
+/// Where the path or the name cannot be had, a warning is logged, and the object is a working
+/// QObject that requests under the name do not reach. Nothing is retried.
 ///
 /// A handler may destroy the object.
 class ParleyUiAdaptor : public QObject, protected QDBusContext
