@@ -4,11 +4,15 @@
 #include "qmltypes.h"
 
 #include "parleyuiadaptor.h"
+#include "reminder.h"
+#include "reminders.h"
 
 #include <QtQml>
 
 void registerQmlTypes()
 {
     constexpr auto uri = "com.nimbo.parley";
+    qmlRegisterType<Reminder>(uri, 1, 0, "Reminder");
+    qmlRegisterType<Reminders>(uri, 1, 0, "RemindersBase");
     qmlRegisterType<ParleyUiAdaptor>(uri, 1, 0, "ParleyUiAdaptor");
 }

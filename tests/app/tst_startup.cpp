@@ -147,6 +147,8 @@ void TestStartup::takesItsStepsInOrder()
     if (!devel)
         expected << u"step: setQuitOnLastWindowClosed 0"_s;
     expected += QStringList{
+        u"step: register Reminder"_s,
+        u"step: register RemindersBase"_s,
         u"step: register ParleyUiAdaptor"_s,
         u"step: QTranslator"_s,
         u"step: load catalogue parley_eng_en from /usr/share/translations"_s,

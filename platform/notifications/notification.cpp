@@ -1,0 +1,55 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+#include "notification.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+
+#include <chrono>
+
+namespace {
+
+const QLatin1String service("org.freedesktop.Notifications");
+const QLatin1String path("/org/freedesktop/Notifications");
+constexpr std::chrono::milliseconds patience = std::chrono::seconds(5);
+
+/// An action as the service gets it, as a hint beside the standard ones.
+QVariantMap remoteCall(const QVariantMap &action)
+{
+    QVariantMap call;
+    for (const char *key : {"service", "path", "iface", "method"})
+        call.insert(QLatin1String(key), action.value(QLatin1String(key)).toString());
+    call.insert(QStringLiteral("arguments"), action.value(QStringLiteral("arguments")).toList());
+    return call;
+}
+
+} // namespace
+
+Notification::Notification(QObject *parent)
+    : QObject(parent)
+{
+}
+
+void Notification::publish()
+{
+    QVariantMap hints = m_data.hints;
+    hints.insert(QStringLiteral("urgency"), QVariant::fromValue(static_cast<uchar>(m_urgency)));
+    hints.insert(QStringLiteral("category"), m_category);
+    QStringList actions;
+    for (const QVariant &remoteAction : qAsConst(m_remoteActions)) {
+        const QVariantMap action = remoteAction.toMap();
+        const QString name = action.value(QStringLiteral("name")).toString();
+        actions << name << action.value(QStringLiteral("displayName")).toString();
+        hints.insert(QLatin1String("x-nimbo-remote-action-") + name, remoteCall(action));
+    }
+
+    QDBusMessage notify =
+        QDBusMessage::createMethodCall(service, path, service, QStringLiteral("Notify"));
+    notify.setArguments(
+        {m_data.appName, m_data.id, QString(), m_data.summary, m_data.body, actions, hints, -1});
+    const QDBusMessage reply = QDBusConnection::sessionBus().call(
+        notify, QDBus::Block, static_cast<int>(patience.count()));
+    if (reply.type() == QDBusMessage::ReplyMessage && reply.signature() == QLatin1String("u"))
+        m_data.id = reply.arguments().constFirst().toUInt();
+}

@@ -1,0 +1,64 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+#pragma once
+
+#include "reminderalarms.h"
+#include "remindernotifications.h"
+#include "reminderstore.h"
+
+#include <QDateTime>
+#include <QObject>
+#include <QString>
+
+#include <functional>
+
+class Reminder;
+
+/// The call reminders of this handset: for each phone number an alarm of the time daemon, and a
+/// notification that shows it. Both outlive this process; when an object is created, it reads them
+/// back.
+///
+/// Reminder objects show QML what there is for a number, and are the ones that report changes.
+/// Their handlers may call back, rebind or destroy any of them, and this object too.
+class Reminders : public QObject
+{
+    Q_OBJECT
+    Q_DISABLE_COPY(Reminders)
+
+public:
+    explicit Reminders(QObject *parent = nullptr);
+
+    /// Reminds the user at \a when of calling \a phoneNumber: adds an alarm named \a contactName,
+    /// or replaces the one that the number has, and then shows a notification with \a
+    /// applicationName, \a title and \a description. Returns at once; a reminder that could not be
+    /// made is logged.
+    Q_INVOKABLE void createWithStrings(const QString &phoneNumber, const QDateTime &when,
+                                       const QString &applicationName, const QString &contactName,
+                                       const QString &title, const QString &description);
+
+    // For Reminder.
+
+    /// Binds \a reminder, whose number is not empty, to the record of its number.
+    void attachReminder(Reminder *reminder);
+    /// Unbinds \a reminder where the store unbinds it; it shows no reminder any more.
+    void detachReminder(Reminder *reminder);
+    /// Takes the alarm and the notification away that \a reminder shows.
+    void removeReminder(const Reminder *reminder);
+
+private Q_SLOTS:
+    void notificationClosed(uint id, uint reason);
+
+private:
+    void alarmAdded(const PhoneNumberKeys &keys, const QDateTime &due, const ReminderText &text,
+                    uint cookie);
+    void mergeAlarms(const QVector<ReminderAlarm> &alarms);
+    void matchNotifications(const QVector<ReminderNotification> &notifications);
+    void dropGoneAlarms(const Maemo::Timed::Event::Triggers &triggers);
+    static void closeNotification(ReminderRecord &record);
+    void forEachBound(const ReminderRecord &record, const std::function<void(Reminder &)> &change);
+
+    ReminderStore m_store;
+    ReminderAlarms m_alarms;
+    ReminderNotifications m_notifications;
+};
