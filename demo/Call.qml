@@ -2,12 +2,14 @@
 // SPDX-License-Identifier: BSD-3-Clause
 
 import QtQuick 2.15
+import com.nimbo.parley 1.0
 import "text.js" as Words
 
 QtObject {
     id: call
 
     property bool watched: false
+    property RemindersBase reminders
     // Replaced as a whole, so that nothing ever sees a call that is half the one before.
     property var current: null
     readonly property bool active: current !== null
@@ -19,19 +21,36 @@ QtObject {
         if (current === null)
             return "no call";
         var state = current.since > 0 ? "ongoing " : "calling ";
-        return state + current.number + (current.modem === "" ? "" : " via " + current.modem);
+        var mark = current.reminded ? " (reminder)" : "";
+        return state + current.number + mark + (current.modem === "" ? "" : " via " + current.modem);
     }
 
     property double now: 0
 
+    /// Another call than before, or none.
+    signal renewed()
+
+    // The reminder comes first, and speaks up for the number of the current call alone.
     function start(number, modem) {
-        current = {number: number, modem: modem, since: 0};
+        reminder.phoneNumber = number;
+        current = {number: number, modem: modem, since: 0, reminded: reminder.exists};
+        renewed();
         if (connecting.running)
             connecting.restart();
     }
 
     function end() {
         current = null;
+        reminder.phoneNumber = "";
+        renewed();
+    }
+
+    readonly property Reminder reminder: Reminder {
+        _reminders: call.reminders
+        onExistsChanged: {
+            if (call.active && call.number === phoneNumber && call.current.reminded !== exists)
+                call.current = Object.assign({}, call.current, {reminded: exists});
+        }
     }
 
     readonly property Timer connecting: Timer {
@@ -39,7 +58,7 @@ QtObject {
         running: call.watched && call.active && !call.ongoing
         onTriggered: {
             call.now = Date.now();
-            call.current = {number: call.number, modem: call.modem, since: call.now};
+            call.current = Object.assign({}, call.current, {since: call.now});
         }
     }
 

@@ -9,12 +9,14 @@ BaseScreen {
     id: screen
 
     property Call call
+    property date now
     property bool muted: false
     property bool loud: false
     property bool keypad: false
     property string tones
 
     signal endRequested()
+    signal remindRequested(string number)
 
     function reset() {
         muted = false;
@@ -39,9 +41,8 @@ BaseScreen {
 
     Connections {
         target: screen.call
-        function onCurrentChanged() {
-            if (!screen.call.ongoing)
-                screen.reset();
+        function onRenewed() {
+            screen.reset();
         }
     }
 
@@ -75,12 +76,22 @@ BaseScreen {
             width: parent.width
         }
 
+        ReminderMark {
+            id: mark
+
+            anchors.horizontalCenter: parent.horizontalCenter
+            now: screen.now
+            reminder: screen.call.reminder
+            visible: marked
+        }
+
         Label {
             color: Style.dimText
             elide: Text.ElideMiddle
             size: 13
             text: "via " + screen.call.modem
-            visible: screen.call.modem !== ""
+            // Above the keys there is room for one of the two.
+            visible: screen.call.modem !== "" && !(screen.keypad && mark.marked)
             width: parent.width
         }
 
@@ -129,7 +140,7 @@ BaseScreen {
         anchors.bottom: endButton.top
         anchors.bottomMargin: Style.px(22)
         anchors.horizontalCenter: parent.horizontalCenter
-        spacing: Style.px(36)
+        spacing: Style.px(22)
 
         RoundButton {
             checked: screen.muted
@@ -153,6 +164,13 @@ BaseScreen {
             label: "Speaker"
             size: 60
             onClicked: screen.loud = !screen.loud
+        }
+
+        RoundButton {
+            icon: "bell"
+            label: "Remind me"
+            size: 60
+            onClicked: screen.remindRequested(screen.call.number)
         }
     }
 

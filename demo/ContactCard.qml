@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 
 import QtQuick 2.15
+import com.nimbo.parley 1.0
 import "."
 import "text.js" as Words
 
@@ -9,11 +10,20 @@ BaseScreen {
     id: card
 
     property string number
+    property RemindersBase reminders
+    property date now
+    readonly property alias reminder: reminder
 
     signal callRequested(string number)
     signal closeRequested()
+    signal remindRequested(string number)
 
-    summary: number !== "" ? "contact " + number : "contact"
+    // The reminder's number, which changes together with whether it exists.
+    summary: {
+        if (reminder.phoneNumber === "")
+            return "contact";
+        return "contact " + reminder.phoneNumber + (reminder.exists ? " (reminder)" : "");
+    }
 
     Keys.onPressed: {
         if (event.key !== Qt.Key_Return && event.key !== Qt.Key_Enter)
@@ -21,6 +31,13 @@ BaseScreen {
         if (number !== "")
             callRequested(number);
         event.accepted = true;
+    }
+
+    Reminder {
+        id: reminder
+
+        _reminders: card.reminders
+        phoneNumber: card.number
     }
 
     Column {
@@ -56,6 +73,12 @@ BaseScreen {
             text: "Not in your contacts"
             width: parent.width
         }
+
+        ReminderMark {
+            anchors.horizontalCenter: parent.horizontalCenter
+            now: card.now
+            reminder: reminder
+        }
     }
 
     Row {
@@ -64,7 +87,7 @@ BaseScreen {
         anchors.bottom: parent.bottom
         anchors.bottomMargin: Style.px(32)
         anchors.horizontalCenter: parent.horizontalCenter
-        spacing: Style.px(72)
+        spacing: Style.px(44)
 
         RoundButton {
             enabled: card.number !== ""
@@ -72,6 +95,13 @@ BaseScreen {
             icon: "call"
             label: "Call"
             onClicked: card.callRequested(card.number)
+        }
+
+        RoundButton {
+            enabled: card.number !== ""
+            icon: "bell"
+            label: "Remind me"
+            onClicked: card.remindRequested(card.number)
         }
 
         RoundButton {

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 
 import QtQuick 2.15
+import com.nimbo.parley 1.0
 import "."
 import "text.js" as Words
 
@@ -12,6 +13,8 @@ BaseScreen {
     property string note
     property var specials
     property bool watched: false
+    property RemindersBase reminders
+    property date now
 
     signal callRequested(string number)
 
@@ -59,7 +62,14 @@ BaseScreen {
             callRequested(number);
     }
 
-    summary: note !== "" ? "dial pad: " + note : number !== "" ? "dial pad " + number : "dial pad"
+    // The reminder's number, which changes together with whether it exists.
+    summary: {
+        if (note !== "")
+            return "dial pad: " + note;
+        if (reminder.phoneNumber === "")
+            return "dial pad";
+        return "dial pad " + reminder.phoneNumber + (reminder.exists ? " (reminder)" : "");
+    }
 
     Keys.onPressed: {
         if (event.key === Qt.Key_Backspace) {
@@ -73,6 +83,13 @@ BaseScreen {
             return;
         }
         event.accepted = true;
+    }
+
+    Reminder {
+        id: reminder
+
+        _reminders: pad.reminders
+        phoneNumber: pad.number
     }
 
     Timer {
@@ -104,6 +121,13 @@ BaseScreen {
             minimumPixelSize: Math.max(1, Style.px(20))
             size: 38
             text: Words.display(pad.number)
+        }
+
+        ReminderMark {
+            anchors.horizontalCenter: parent.horizontalCenter
+            anchors.top: eraseButton.bottom
+            now: pad.now
+            reminder: reminder
         }
 
         RoundButton {

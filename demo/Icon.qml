@@ -73,6 +73,19 @@ Canvas {
             icon.line(pen, [6, 6, 18, 18]);
             icon.line(pen, [18, 6, 6, 18]);
         },
+        "bell": function(pen) {
+            pen.beginPath();
+            pen.moveTo(4, 17);
+            pen.bezierCurveTo(6.2, 15, 6.3, 13, 6.3, 10.2);
+            pen.bezierCurveTo(6.3, 2.4, 17.7, 2.4, 17.7, 10.2);
+            pen.bezierCurveTo(17.7, 13, 17.8, 15, 20, 17);
+            pen.closePath();
+            pen.stroke();
+            icon.line(pen, [12, 2.6, 12, 4]);
+            pen.beginPath();
+            pen.arc(12, 18.6, 2.4, 0.25, Math.PI - 0.25, false);
+            pen.stroke();
+        },
         "person": function(pen) {
             icon.dot(pen, 12, 8.3, 4.1);
             pen.beginPath();

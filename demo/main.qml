@@ -13,7 +13,7 @@ Rectangle {
     readonly property string shown: {
         if (!__window.visible)
             return "hidden";
-        return dialog.open ? dialog.summary : current.summary;
+        return dialog.open ? dialog.summary : sheet.open ? sheet.summary : current.summary;
     }
     property Item current: dialPad
     property bool loaded: false
@@ -27,6 +27,7 @@ Rectangle {
         current = screen;
         if (screen !== dialPad)
             dialPad.note = "";
+        sheet.open = false;
         dialog.open = false;
         bringToFront();
     }
@@ -39,6 +40,40 @@ Rectangle {
     function presentNote(note) {
         dialPad.notify(note);
         present(dialPad);
+    }
+
+    function presentContact(number) {
+        contactCard.number = number;
+        present(contactCard);
+    }
+
+    // The sheet comes first, so that the contact card is not shown without it.
+    function presentSheet(number) {
+        sheet.show(number);
+        contactCard.number = number;
+        current = contactCard;
+        dialPad.note = "";
+        dialog.open = false;
+        bringToFront();
+    }
+
+    function openReminderUrl(url) {
+        var number = Words.urlNumber(url);
+        var seconds = Words.reminderSeconds(url);
+        if (number !== "" && !Words.isForgetUrl(url) && seconds < 0) {
+            presentSheet(number);
+            return;
+        }
+        presentContact(number);
+        if (Words.isForgetUrl(url))
+            contactCard.reminder.remove();
+        else if (number !== "")
+            remind(number, Words.secondsLater(new Date(), seconds));
+    }
+
+    function remind(number, when) {
+        base.createWithStrings(number, when, "Phone", number, "Call back " + number,
+                               Qt.formatDateTime(when, "ddd d MMM yyyy, hh:mm"));
     }
 
     function bringToFront() {
@@ -93,7 +128,7 @@ Rectangle {
             report();
     }
 
-    Keys.forwardTo: dialog.open ? [dialog] : [current]
+    Keys.forwardTo: dialog.open ? [dialog] : sheet.open ? [sheet] : [current]
     Keys.onEscapePressed: __window.hide()
 
     Binding {
@@ -121,7 +156,9 @@ Rectangle {
         }
         onOpenUrl: {
             if (arg.length === 1 && Words.isTelephoneUrl(arg[0])) {
-                root.presentPad(Words.telephoneNumber(arg[0]));
+                root.presentPad(Words.urlNumber(arg[0]));
+            } else if (arg.length === 1 && Words.isReminderUrl(arg[0])) {
+                root.openReminderUrl(arg[0]);
             } else {
                 pageScreen.open(arg);
                 root.present(pageScreen);
@@ -131,13 +168,11 @@ Rectangle {
         onDialViaModem: root.place(Words.clean(number), Words.clean(modemPath))
         onShowCellularErrorDialog: {
             dialog.open = true;
+            sheet.open = false;
             dialPad.note = "";
             root.bringToFront();
         }
-        onOpenContactCard: {
-            contactCard.number = Words.clean(number);
-            root.present(contactCard);
-        }
+        onOpenContactCard: root.presentContact(Words.clean(number))
         onToggleCall: {
             if (line.active) {
                 root.endCall();
@@ -148,8 +183,13 @@ Rectangle {
         }
     }
 
+    RemindersBase {
+        id: base
+    }
+
     Call {
         id: line
+        reminders: base
         watched: __window.visible
     }
 
@@ -189,6 +229,8 @@ Rectangle {
                 id: dialPad
 
                 current: root.current === dialPad
+                now: statusBar.now
+                reminders: base
                 watched: __window.visible
                 onCallRequested: root.place(number, "")
             }
@@ -198,15 +240,20 @@ Rectangle {
 
                 call: line
                 current: root.current === callScreen
+                now: statusBar.now
                 onEndRequested: root.endCall()
+                onRemindRequested: sheet.show(number)
             }
 
             ContactCard {
                 id: contactCard
 
                 current: root.current === contactCard
+                now: statusBar.now
+                reminders: base
                 onCallRequested: root.place(number, "")
                 onCloseRequested: root.leave()
+                onRemindRequested: sheet.show(number)
             }
 
             PageScreen {
@@ -216,6 +263,15 @@ Rectangle {
                 onCloseRequested: root.leave()
             }
         }
+    }
+
+    RemindSheet {
+        id: sheet
+
+        anchors.fill: parent
+        now: statusBar.now
+        reminders: base
+        onChosen: root.remind(number, when)
     }
 
     ErrorDialog {

@@ -16,8 +16,22 @@ function isTelephoneUrl(url) {
     return /^tel:/i.test(url);
 }
 
-function telephoneNumber(url) {
-    var number = url.slice(0, longest).replace(/^tel:(\/\/)?/i, "").replace(/[;?].*$/, "");
+function isReminderUrl(url) {
+    return /^(remind|forget):/i.test(url);
+}
+
+function isForgetUrl(url) {
+    return /^forget:/i.test(url);
+}
+
+// In how many seconds a URL asks to be reminded; -1 if it leaves that open.
+function reminderSeconds(url) {
+    var found = /\?seconds=(\d{1,9})$/i.exec(url.slice(0, longest));
+    return found !== null ? Number(found[1]) : -1;
+}
+
+function urlNumber(url) {
+    var number = url.slice(0, longest).replace(/^[a-z]+:(\/\/)?/i, "").replace(/[;?].*$/, "");
     try {
         number = decodeURIComponent(number);
     } catch (malformed) {
@@ -29,6 +43,59 @@ function telephoneNumber(url) {
 // The plain asterisk hangs too high beside digits.
 function display(number) {
     return number.replace(/\*/g, "\u2217");
+}
+
+function secondsLater(now, seconds) {
+    return new Date(now.getTime() + seconds * 1000);
+}
+
+function onDay(now, daysLater, hour) {
+    return new Date(now.getFullYear(), now.getMonth(), now.getDate() + daysLater, hour);
+}
+
+function always() {
+    return true;
+}
+
+var reminderChoices = [
+    {
+        text: "In 1 minute",
+        offered: always,
+        when: function(now) { return secondsLater(now, 60); }
+    },
+    {
+        text: "In 30 minutes",
+        offered: always,
+        when: function(now) { return secondsLater(now, 30 * 60); }
+    },
+    {
+        text: "In 1 hour",
+        offered: always,
+        when: function(now) { return secondsLater(now, 60 * 60); }
+    },
+    {
+        text: "This evening",
+        offered: function(now) { return now.getHours() < 17; },
+        when: function(now) { return onDay(now, 0, 18); }
+    },
+    {
+        text: "Tomorrow morning",
+        offered: always,
+        when: function(now) { return onDay(now, 1, 9); }
+    }
+];
+
+// When something is due, as short as it can be said now.
+function due(when, now) {
+    if (isNaN(when.getTime()))
+        return "";
+    var time = twoDigits(when.getHours()) + ":" + twoDigits(when.getMinutes());
+    for (var days = 0; days < 2; ++days) {
+        if (onDay(when, 0, 0).getTime() === onDay(now, days, 0).getTime())
+            return (days === 0 ? "today " : "tomorrow ") + time;
+    }
+    var year = when.getFullYear() === now.getFullYear() ? "" : " yyyy";
+    return Qt.formatDate(when, "ddd d MMM" + year) + " " + time;
 }
 
 function duration(milliseconds) {

@@ -1,0 +1,170 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+import QtQuick 2.15
+import com.nimbo.parley 1.0
+import "."
+import "text.js" as Words
+
+Item {
+    id: sheet
+
+    property bool open: false
+    // Its own, so that it keeps what it shows while it goes and the screen below changes.
+    property string number
+    property RemindersBase reminders
+    property date now
+    readonly property string summary: "remind " + number
+
+    /// How far it is up, from 0 to 1.
+    property real rise: open ? 1 : 0
+
+    signal chosen(date when)
+
+    function show(text) {
+        number = text;
+        open = true;
+    }
+
+    function choose(choice) {
+        chosen(choice.when(new Date()));
+        open = false;
+    }
+
+    enabled: open
+    visible: rise > 0
+
+    Behavior on rise { NumberAnimation { duration: Style.duration; easing.type: Easing.OutCubic } }
+
+    Keys.onPressed: {
+        if (event.key === Qt.Key_Escape)
+            open = false;
+        event.accepted = true;
+    }
+
+    Reminder {
+        id: reminder
+
+        _reminders: sheet.reminders
+        phoneNumber: sheet.number
+    }
+
+    Rectangle {
+        anchors.fill: parent
+        color: "#b8000000"
+        opacity: sheet.rise
+
+        MouseArea {
+            anchors.fill: parent
+            onClicked: sheet.open = false
+        }
+    }
+
+    Rectangle {
+        id: panel
+
+        anchors.horizontalCenter: parent.horizontalCenter
+        border.color: Style.outline
+        border.width: Math.max(1, Style.px(1))
+        color: Style.surface
+        height: content.height + Style.px(40) + radius
+        radius: Style.px(20)
+        width: Math.min(parent.width, Style.px(360))
+        // The lower corners stay below the edge.
+        y: parent.height - (height - radius) * sheet.rise
+
+        MouseArea {
+            anchors.fill: parent
+        }
+
+        Column {
+            id: content
+
+            anchors.left: parent.left
+            anchors.margins: Style.px(20)
+            anchors.right: parent.right
+            spacing: Style.px(8)
+            y: Style.px(20)
+
+            Label {
+                font.bold: true
+                size: 17
+                text: "Remind me to call back"
+                width: parent.width
+            }
+
+            Label {
+                color: Style.dimText
+                elide: Text.ElideMiddle
+                text: Words.display(sheet.number)
+                width: parent.width
+            }
+
+            ReminderMark {
+                id: mark
+
+                anchors.horizontalCenter: parent.horizontalCenter
+                now: sheet.now
+                reminder: reminder
+                visible: marked
+            }
+
+            Item {
+                height: Style.px(2)
+                width: 1
+            }
+
+            Repeater {
+                model: Words.reminderChoices.length
+
+                SheetRow {
+                    // Not the model's own data, which would lose its functions.
+                    readonly property var choice: Words.reminderChoices[index]
+
+                    detail: Qt.formatTime(choice.when(sheet.now), "hh:mm")
+                    text: choice.text
+                    visible: choice.offered(sheet.now)
+                    width: content.width
+                    onClicked: sheet.choose(choice)
+                }
+            }
+
+            SheetRow {
+                ink: Style.red
+                text: "Remove reminder"
+                visible: mark.marked
+                width: parent.width
+                onClicked: {
+                    reminder.remove();
+                    sheet.open = false;
+                }
+            }
+
+            Item {
+                height: Style.px(2)
+                width: 1
+            }
+
+            Rectangle {
+                color: area.pressed ? Style.outline : Style.raised
+                height: Style.px(46)
+                radius: height / 2
+                width: parent.width
+
+                Label {
+                    anchors.centerIn: parent
+                    color: Style.accent
+                    font.bold: true
+                    text: "Close"
+                }
+
+                MouseArea {
+                    id: area
+
+                    anchors.fill: parent
+                    onClicked: sheet.open = false
+                }
+            }
+        }
+    }
+}
