@@ -9,10 +9,12 @@
 #include <QFile>
 
 #include <chrono>
+#include <utility>
 
 namespace {
 
 const QLatin1String sessionConnection("handset-session");
+const QLatin1String systemConnection("handset-system");
 const QLatin1String uiService("com.nimbo.parley.ui");
 constexpr std::chrono::seconds uiPatience(30);
 
@@ -35,7 +37,9 @@ Handset::~Handset()
 {
     m_ui.reset();
     m_canopy.reset();
+    m_services.reset();
     QDBusConnection::disconnectFromBus(sessionConnection);
+    QDBusConnection::disconnectFromBus(systemConnection);
 }
 
 bool Handset::start()
@@ -55,14 +59,9 @@ bool Handset::start()
 
     const QDBusConnection session =
         QDBusConnection::connectToBus(m_sessionBus.address(), sessionConnection);
-    m_canopy = std::make_unique<Canopy>(session, m_sessionBus.address());
-    if (!m_canopy->start()) {
-        m_transcript.say(QStringLiteral("The home screen is not on the session bus: ")
-                         + session.lastError().message());
+    if (!startCanopy(session))
         return false;
-    }
-    m_interpreter.add(m_canopy->commands());
-    startUi();
+    startServices(session);
     return true;
 }
 
@@ -74,38 +73,88 @@ bool Handset::startBus(PrivateBus &bus, const QString &name)
     return false;
 }
 
-void Handset::startUi()
+bool Handset::startCanopy(const QDBusConnection &session)
 {
+    m_canopy = std::make_unique<Canopy>(session, m_sessionBus.address());
+    if (!m_canopy->start()) {
+        m_transcript.say(QStringLiteral("The home screen is not on the session bus: ")
+                         + session.lastError().message());
+        return false;
+    }
+    m_interpreter.add(m_canopy->commands());
+    return true;
+}
+
+/// The call UI comes when they are there, as on a handset.
+void Handset::startServices(const QDBusConnection &session)
+{
+    const QDBusConnection system =
+        QDBusConnection::connectToBus(m_systemBus.address(), systemConnection);
+    const QString stateFolder = m_options.stateFolder.isEmpty()
+        ? m_folder.filePath(QStringLiteral("state"))
+        : m_options.stateFolder;
+    m_services = std::make_unique<Services>(
+        Services::World{m_sessionBus.address(), m_systemBus.address(), stateFolder}, session,
+        system, m_transcript);
+    m_interpreter.add(m_services->commands());
+    m_interpreter.add({restartCommand()});
+
+    auto *watcher = new QDBusServiceWatcher(uiService, session,
+                                            QDBusServiceWatcher::WatchForRegistration, this);
+    connect(watcher, &QDBusServiceWatcher::serviceRegistered, this, [this] {
+        uiSettled(
+            Outcome::Done,
+            QStringLiteral("The call UI is on the bus after %1 ms.").arg(m_sinceUiStart.elapsed()));
+    });
+    connect(&m_uiPatience, &QTimer::timeout, this, [this] {
+        uiSettled(
+            Outcome::Failed,
+            QStringLiteral(
+                "The call UI is not on the bus yet; its screens may lack a ParleyUiAdaptor."));
+    });
+    m_uiPatience.setSingleShot(true);
+    m_uiPatience.setInterval(uiPatience);
+
+    m_services->start([this] {
+        startUi([this](Outcome, const QString &text) {
+            m_transcript.say(text);
+            m_interpreter.start();
+        });
+    });
+}
+
+void Handset::startUi(const Finish &finish)
+{
+    m_uiFinish = finish;
     m_ui = std::make_unique<UiProcess>(
         UiProcess::World{m_sessionBus.address(), m_systemBus.address(), m_folder.path()});
     connect(m_ui.get(), &UiProcess::logged, this, &Handset::recordLog);
     connect(m_ui.get(), &UiProcess::ended, this, &Handset::partDied);
 
-    auto *watcher = new QDBusServiceWatcher(uiService, QDBusConnection(sessionConnection),
-                                            QDBusServiceWatcher::WatchForRegistration, this);
-    connect(watcher, &QDBusServiceWatcher::serviceRegistered, this, &Handset::uiIsUp);
-    connect(&m_uiPatience, &QTimer::timeout, this, &Handset::uiIsLate);
-    m_uiPatience.setSingleShot(true);
-    m_uiPatience.start(uiPatience);
-
+    m_uiPatience.start();
     m_sinceUiStart.start();
     m_ui->start(m_options.uiProgram,
                 {QStringLiteral("-prestart"), QStringLiteral("-qml"), m_options.qmlFile});
 }
 
-void Handset::uiIsUp()
+void Handset::uiSettled(Outcome outcome, const QString &text)
 {
     m_uiPatience.stop();
-    m_transcript.say(
-        QStringLiteral("The call UI is on the bus after %1 ms.").arg(m_sinceUiStart.elapsed()));
-    m_interpreter.start();
+    if (const Finish finish = std::exchange(m_uiFinish, nullptr))
+        finish(outcome, text);
+    else
+        m_transcript.say(text);
 }
 
-void Handset::uiIsLate()
+Command Handset::restartCommand()
 {
-    m_transcript.say(
-        QStringLiteral("The call UI is not on the bus yet; its screens may lack a ParleyUiAdaptor."));
-    m_interpreter.start();
+    return {QStringLiteral("restart"),
+            {},
+            QStringLiteral("end the call UI and start it again"),
+            [this](const QStringList &, const Finish &finish) {
+                m_ui.reset();
+                startUi(finish);
+            }};
 }
 
 void Handset::recordLog(const QString &line)

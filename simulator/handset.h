@@ -6,6 +6,7 @@
 #include "canopy.h"
 #include "interpreter.h"
 #include "privatebus.h"
+#include "services.h"
 #include "transcript.h"
 #include "uiprocess.h"
 
@@ -15,8 +16,8 @@
 
 #include <memory>
 
-/// A handset on a desktop: two private buses, the home screen, and the call UI between them.
-/// All of it goes when the object goes.
+/// A handset on a desktop: two private buses, the services on them, the home screen, and the call
+/// UI. All of it goes when the object goes.
 class Handset : public QObject
 {
     Q_OBJECT
@@ -26,6 +27,7 @@ public:
     {
         QString uiProgram;
         QString qmlFile;
+        QString stateFolder; ///< Keeps what outlives the session; empty to keep nothing.
         Interpreter::AtFailure atFailure = Interpreter::AtFailure::GoOn;
     };
 
@@ -45,9 +47,11 @@ Q_SIGNALS:
 
 private:
     bool startBus(PrivateBus &bus, const QString &name);
-    void startUi();
-    void uiIsUp();
-    void uiIsLate();
+    bool startCanopy(const QDBusConnection &session);
+    void startServices(const QDBusConnection &session);
+    void startUi(const Finish &finish);
+    void uiSettled(Outcome outcome, const QString &text);
+    Command restartCommand();
     void recordLog(const QString &line);
     void partDied(const QString &what);
 
@@ -57,8 +61,10 @@ private:
     QTemporaryDir m_folder;
     PrivateBus m_sessionBus;
     PrivateBus m_systemBus;
+    std::unique_ptr<Services> m_services;
     std::unique_ptr<Canopy> m_canopy;
     std::unique_ptr<UiProcess> m_ui;
     QElapsedTimer m_sinceUiStart;
     QTimer m_uiPatience;
+    Finish m_uiFinish; ///< Of a start of the call UI that is under way.
 };

@@ -3,6 +3,7 @@
 
 #include "handset.h"
 #include "linereader.h"
+#include "service.h"
 #include "terminationsignals.h"
 
 #include <QCommandLineParser>
@@ -20,6 +21,7 @@ struct Arguments
 {
     Handset::Options handset;
     QString script; ///< Empty for standard input.
+    QString service; ///< The one to be run instead of a handset; empty for none.
 };
 
 Arguments parse(const QCoreApplication &application)
@@ -34,18 +36,29 @@ Arguments parse(const QCoreApplication &application)
         QStringLiteral("tour"),
         QStringLiteral("Plays the tour: what a handset does with its call UI, each step checked."));
 
+    const QCommandLineOption state(
+        QStringLiteral("state"),
+        QStringLiteral("Keeps alarms in a folder, for the next time; else they go in the end."),
+        QStringLiteral("folder"));
+    const QCommandLineOption qml(QStringLiteral("qml"), QStringLiteral("The screens to show."),
+                                 QStringLiteral("file"), QStringLiteral(PARLEY_DEMO_QML));
+    QCommandLineOption service(QStringLiteral("service"), QString(), QStringLiteral("name"));
+    service.setFlags(QCommandLineOption::HiddenFromHelp);
+
     QCommandLineParser parser;
     parser.setApplicationDescription(
         QStringLiteral("A handset on a desktop: runs the call UI with the demo screens on private "
                        "buses, and takes commands\n"
                        "from standard input. The command \"help\" lists them."));
     parser.addHelpOption();
-    parser.addOptions({ui, script, tour});
+    parser.addOptions({ui, qml, script, tour, state, service});
     parser.process(application);
 
     Arguments arguments;
     arguments.handset.uiProgram = parser.value(ui);
-    arguments.handset.qmlFile = QStringLiteral(PARLEY_DEMO_QML);
+    arguments.handset.qmlFile = parser.value(qml);
+    arguments.handset.stateFolder = parser.value(state);
+    arguments.service = parser.value(service);
     arguments.script = parser.isSet(tour) ? QStringLiteral(PARLEY_TOUR) : parser.value(script);
     if (!arguments.script.isEmpty())
         arguments.handset.atFailure = Interpreter::AtFailure::Stop;
@@ -58,6 +71,9 @@ int main(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);
     const Arguments arguments = parse(application);
+    if (!arguments.service.isEmpty())
+        return runService(arguments.service, arguments.handset.stateFolder);
+
     TerminationSignals terminationSignals;
     QObject::connect(&terminationSignals, &TerminationSignals::received, &application,
                      [](int signal) { QCoreApplication::exit(128 + signal); });

@@ -5,8 +5,8 @@
 
 #include <QObject>
 
-/// Turns SIGINT, SIGQUIT, SIGTERM, SIGHUP and SIGPIPE into a Qt signal, so that what was started can be
-/// taken down in the ordinary way. One object in a process, for as long as it runs.
+/// Turns SIGINT, SIGQUIT, SIGTERM, SIGHUP and SIGPIPE into a Qt signal, so that what was started
+/// can be taken down in the ordinary way. One object in a process, for as long as it runs.
 class TerminationSignals : public QObject
 {
     Q_OBJECT

@@ -51,6 +51,9 @@ private Q_SLOTS:
     void playsTheTour();
     void runsCommandsFromStandardInput();
     void runsAScript();
+    void controlsTheServices();
+    void keepsAlarmsInAFolder();
+    void goesOnWithoutAService();
     void endsAScriptAtItsFirstFailure();
     void ignoresTheUsersOwnWorld();
     void listsItsCommands();
@@ -61,6 +64,7 @@ private Q_SLOTS:
     void leavesNothingBehind();
     void takesAHangingUiDown();
     void leavesNoProcessWhenItIsKilled();
+    void leavesNoFrozenServiceWhenItIsKilled();
 
 private:
     void start(const QStringList &arguments);
@@ -68,6 +72,8 @@ private:
     bool ends(int status);
     QString writeScript(const QByteArray &commands);
     pid_t processNamed(const QByteArray &program);
+    pid_t serviceNamed(const QByteArray &service);
+    void hasLeftAFolderOnly();
 
     std::unique_ptr<QTemporaryDir> m_folder;
     std::unique_ptr<QProcess> m_handset;
@@ -148,6 +154,17 @@ pid_t TestHandset::processNamed(const QByteArray &program)
     return 0;
 }
 
+pid_t TestHandset::serviceNamed(const QByteArray &service)
+{
+    const QList<pid_t> processes = processesMarked(m_mark);
+    for (const pid_t process : processes) {
+        QFile command(u"/proc/%1/cmdline"_s.arg(process));
+        if (command.open(QIODevice::ReadOnly) && command.readAll().split('\0').contains(service))
+            return process;
+    }
+    return 0;
+}
+
 void TestHandset::playsTheTour()
 {
     start({u"--tour"_s});
@@ -191,6 +208,63 @@ void TestHandset::runsAScript()
     QVERIFY2(ends(0), qUtf8Printable(m_output));
 }
 
+void TestHandset::controlsTheServices()
+{
+    // Screens without reminders of their own: the call UI leaves the services alone.
+    QFile screens(m_folder->filePath(u"screens.qml"_s));
+    QVERIFY(screens.open(QIODevice::WriteOnly));
+    screens.write(
+        "import QtQuick 2.15\nimport com.nimbo.parley 1.0\nItem { ParleyUiAdaptor {} }\n");
+    screens.close();
+    start({u"--qml"_s, screens.fileName(), u"--script"_s,
+           writeScript("remind \"+49 30 12\" 1000 \"Ada L\"\n"
+                       "expect alarm 1 is set\nexpect 1 shown: Call Ada L: +49 30 12\n"
+                       "expect alarm 1, notification 1\n"
+                       "alarms\nexpect 1, in * s, Ada L, +493012\n"
+                       "notifications\nexpect 1, Phone, Call Ada L, +49 30 12, alarm 1\n"
+                       "time-daemon stop\nexpect stopped\ntime-daemon start\nexpect started\n"
+                       "alarms\nexpect 1, in * s, Ada L, +493012\n"
+                       "time-daemon hang\ntime-daemon continue\n"
+                       "fire 1\nexpect alarm 1 has fired\nalarms\nexpect no alarms\n"
+                       "click 1 app\nexpect 1 chosen: app\nexpect launched with callHistory\n"
+                       "expect 1 closed (dismissed)\n"
+                       "remind 555 1000\ncancel 2\nexpect alarm 2 is cancelled\n"
+                       "dismiss 2\nexpect 2 closed (dismissed)\n"
+                       "remind 556 1000\nnotification-service stop\n"
+                       "notification-service start\nnotifications\nexpect no notifications\n"
+                       "notification-service hang\n")});
+    const bool succeeded = ends(0);
+    QVERIFY(screens.remove());
+    QVERIFY2(succeeded, qUtf8Printable(m_output));
+}
+
+void TestHandset::keepsAlarmsInAFolder()
+{
+    const QString folder = m_folder->filePath(u"kept"_s);
+    start({u"--state"_s, folder, u"--script"_s, writeScript("remind 555 1000 Ada\n")});
+    QVERIFY2(ends(0), qUtf8Printable(m_output));
+    start({u"--state"_s, folder, u"--script"_s,
+           writeScript("alarms\nexpect 1, in * s, Ada, 555\nremind 556 1000\n"
+                       "expect alarm 2, notification 1\n")});
+    QVERIFY2(ends(0), qUtf8Printable(m_output));
+    QVERIFY(QDir(folder).removeRecursively());
+}
+
+void TestHandset::goesOnWithoutAService()
+{
+    start({});
+    QVERIFY(says(u"The call UI is on the bus after .*"_s));
+    const pid_t service = serviceNamed("time-daemon");
+    QVERIFY(service > 0);
+    QCOMPARE(kill(service, SIGKILL), 0);
+    QVERIFY(says(u"time daemon: was ended by signal 9"_s));
+    m_handset->write("alarms\ntime-daemon hang\ntime-daemon start\nremind 555 1000\n");
+    QVERIFY(says(u"failed: it does not run"_s));
+    QVERIFY2(says(u"reply: alarm 1, notification 1"_s), qUtf8Printable(m_output));
+    m_handset->closeWriteChannel();
+    QVERIFY(ends(0));
+}
+
 void TestHandset::endsAScriptAtItsFirstFailure()
 {
     start({u"--script"_s, writeScript("show\nbogus\ndial 1\n")});
@@ -217,10 +291,28 @@ void TestHandset::listsItsCommands()
 {
     start({u"--script"_s, writeScript("help\n")});
     QVERIFY(ends(0));
-    for (const QString &command :
-         {u"show \\[ARGUMENT\\.\\.\\.\\]"_s, u"ongoing"_s, u"open \\[URL\\.\\.\\.\\]"_s,
-          u"dial NUMBER"_s, u"dial-via MODEM NUMBER"_s, u"error-dialog"_s, u"contact NUMBER"_s,
-          u"toggle"_s, u"toggle-as UID GID"_s, u"help"_s, u"quit"_s, u"expect TEXT"_s})
+    for (const QString &command : {u"show \\[ARGUMENT\\.\\.\\.\\]"_s,
+                                   u"ongoing"_s,
+                                   u"open \\[URL\\.\\.\\.\\]"_s,
+                                   u"dial NUMBER"_s,
+                                   u"dial-via MODEM NUMBER"_s,
+                                   u"error-dialog"_s,
+                                   u"contact NUMBER"_s,
+                                   u"toggle"_s,
+                                   u"toggle-as UID GID"_s,
+                                   u"remind NUMBER SECONDS \\[NAME\\]"_s,
+                                   u"alarms"_s,
+                                   u"fire COOKIE"_s,
+                                   u"cancel COOKIE"_s,
+                                   u"notifications"_s,
+                                   u"click ID \\[ACTION\\]"_s,
+                                   u"dismiss ID"_s,
+                                   u"restart"_s,
+                                   u"time-daemon stop\\|start\\|hang\\|continue"_s,
+                                   u"notification-service stop\\|start\\|hang\\|continue"_s,
+                                   u"help"_s,
+                                   u"quit"_s,
+                                   u"expect TEXT"_s})
         QVERIFY2(says(command + u" {2,}\\S.*"_s), qUtf8Printable(command));
 }
 
@@ -280,7 +372,8 @@ void TestHandset::leavesNothingBehind()
 
     start({});
     QVERIFY(says(u"The call UI is on the bus after .*"_s));
-    const pid_t process = processNamed(victim);
+    const pid_t process = victim == "parley-handset" ? static_cast<pid_t>(m_handset->processId())
+                                                     : processNamed(victim);
     QVERIFY(process > 0);
     QCOMPARE(kill(process, signal), 0);
     QVERIFY2(ends(status), qUtf8Printable(m_output));
@@ -304,9 +397,24 @@ void TestHandset::leavesNoProcessWhenItIsKilled()
     start({});
     QVERIFY(says(u"The call UI is on the bus after .*"_s));
     m_handset->kill();
+    hasLeftAFolderOnly();
+}
+
+void TestHandset::leavesNoFrozenServiceWhenItIsKilled()
+{
+    start({});
+    QVERIFY(says(u"The call UI is on the bus after .*"_s));
+    m_handset->write("time-daemon hang\n");
+    QVERIFY(says(u"reply: done"_s));
+    m_handset->kill();
+    hasLeftAFolderOnly();
+}
+
+/// Its folder is all that nobody was left to remove.
+void TestHandset::hasLeftAFolderOnly()
+{
     QVERIFY(m_handset->waitForFinished());
     QTRY_COMPARE(processesMarked(m_mark), QList<pid_t>());
-    // Its folder is all that nobody was left to remove.
     const QStringList folders =
         QDir(m_folder->path()).entryList({u"parley-handset-*"_s}, QDir::Dirs);
     QCOMPARE(folders.size(), 1);

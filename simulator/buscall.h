@@ -1,0 +1,16 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+#pragma once
+
+#include "command.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+
+class QObject;
+
+/// Sends \a call for a command. Calls \a answered with what the answer holds; where there is none,
+/// or an error, the command fails with it instead. Neither happens once \a context has gone.
+void callBus(const QDBusConnection &bus, const QDBusMessage &call, QObject *context,
+             const Finish &finish, const std::function<void(const QVariantList &values)> &answered);

@@ -1,0 +1,42 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+#pragma once
+
+#include <QMap>
+#include <QMetaType>
+#include <QString>
+
+class QDBusArgument;
+
+using AlarmAttributes = QMap<QString, QString>;
+
+/// An alarm as the time daemon is given it. On the bus (uxa{ss}).
+struct Alarm
+{
+    uint flags = 0;
+    qlonglong ticker = 0; ///< When it fires, in seconds since 1970-01-01 00:00 UTC.
+    AlarmAttributes attributes;
+
+    bool operator==(const Alarm &other) const
+    {
+        return flags == other.flags && ticker == other.ticker && attributes == other.attributes;
+    }
+};
+
+/// By cookie. On the bus a{u(uxa{ss})}.
+using AlarmsByCookie = QMap<uint, Alarm>;
+
+/// By cookie. On the bus a{ua{ss}}.
+using AttributesByCookie = QMap<uint, AlarmAttributes>;
+
+QDBusArgument &operator<<(QDBusArgument &argument, const Alarm &alarm);
+const QDBusArgument &operator>>(const QDBusArgument &argument, Alarm &alarm);
+
+/// Makes the types above known to the bus library.
+void registerAlarmTypes();
+
+Q_DECLARE_METATYPE(Alarm)
+Q_DECLARE_METATYPE(AlarmAttributes)
+Q_DECLARE_METATYPE(AlarmsByCookie)
+Q_DECLARE_METATYPE(AttributesByCookie)

@@ -1,0 +1,23 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+#pragma once
+
+#include <QDBusAbstractAdaptor>
+#include <QStringList>
+
+class CallHistory;
+
+/// Tells a simulated handset what becomes of its call history.
+class CallHistoryControl : public QDBusAbstractAdaptor
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "com.nimbo.simulator.CallHistory")
+
+public:
+    /// Stands beside the interface of \a history, which owns it.
+    explicit CallHistoryControl(CallHistory &history);
+
+Q_SIGNALS:
+    void Launched(const QStringList &arguments);
+};

@@ -1,0 +1,13 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+#pragma once
+
+#include <notification.h>
+
+#include <QVector>
+
+/// On the bus a(susssasa{sv}i).
+using NotificationList = QVector<NotificationData>;
+
+Q_DECLARE_METATYPE(NotificationList)

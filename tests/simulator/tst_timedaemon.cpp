@@ -1,0 +1,409 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+#include "alarm.h"
+#include "literals.h"
+#include "serviceundertest.h"
+
+#include <timed/event.h>
+
+#include <QDBusArgument>
+#include <QDBusMetaType>
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QTest>
+
+#include <csignal>
+#include <limits>
+#include <memory>
+
+using Triggers = Maemo::Timed::Event::Triggers;
+
+namespace {
+
+constexpr qlonglong farAhead = 99999999999;
+
+/// What the daemon tells everybody.
+Triggers triggersOf(const QDBusMessage &message)
+{
+    return message.signature() == u"a{ux}"_s ? qdbus_cast<Triggers>(message.arguments().at(0))
+                                             : Triggers{{0, 0}};
+}
+
+} // namespace
+
+class TestTimeDaemon : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void offersItsInterfaces();
+    void servesAnotherClient();
+    void tellsWhatIsStillToFire();
+    void replacesAnAlarm();
+    void findsAlarmsByAttributes();
+    void givesAttributes();
+    void firesAtItsTime();
+    void firesWhatIsPastDueAtOnce_data();
+    void firesWhatIsPastDueAtOnce();
+    void keepsWhatIsFarAhead();
+    void firesEarlyOnDemand();
+    void outlivesItsProcess_data();
+    void outlivesItsProcess();
+    void neverGivesACookieTwice();
+    void firesAtStartWhatCameDueMeanwhile();
+    void putsABrokenFileAside_data();
+    void putsABrokenFileAside();
+    void keepsEveryBrokenFile();
+    void goesOnWhereNothingCanBeKept();
+    void refusesOtherArguments();
+
+private:
+    QDBusMessage timed(const QString &method, const QVariantList &arguments) const;
+    uint add(qlonglong ticker, const AlarmAttributes &attributes = {}) const;
+    AlarmsByCookie alarms() const;
+
+    std::unique_ptr<ServiceUnderTest> m_daemon;
+};
+
+void TestTimeDaemon::initTestCase()
+{
+    registerAlarmTypes();
+    qDBusRegisterMetaType<Triggers>();
+}
+
+void TestTimeDaemon::init()
+{
+    m_daemon = std::make_unique<ServiceUnderTest>(ServiceUnderTest::Place{
+        u"time-daemon"_s,
+        ServiceUnderTest::Bus::System,
+        u"com.nimbo.timed"_s,
+        u"/com/nimbo/timed"_s,
+        {u"com.nimbo.timed.alarm_triggers_changed"_s, u"com.nimbo.simulator.TimeDaemon.Fired"_s}});
+    QVERIFY(m_daemon->start());
+}
+
+/// It is still there, and said nothing that was not expected.
+void TestTimeDaemon::cleanup()
+{
+    QVERIFY(m_daemon->isRunning());
+    QCOMPARE(timed(u"cancel"_s, {4000000000U}).type(), QDBusMessage::ReplyMessage);
+    QCOMPARE(m_daemon->takeLog(), QStringList());
+    m_daemon.reset();
+}
+
+QDBusMessage TestTimeDaemon::timed(const QString &method, const QVariantList &arguments) const
+{
+    return m_daemon->call(u"com.nimbo.timed"_s, method, arguments);
+}
+
+/// The cookie of a new alarm; 0 if the answer is none.
+uint TestTimeDaemon::add(qlonglong ticker, const AlarmAttributes &attributes) const
+{
+    const QDBusMessage reply =
+        timed(u"add_event"_s, {QVariant::fromValue(Alarm{3, ticker, attributes})});
+    return reply.signature() == u"u"_s ? reply.arguments().at(0).toUInt() : 0;
+}
+
+AlarmsByCookie TestTimeDaemon::alarms() const
+{
+    const QDBusMessage reply = m_daemon->call(u"com.nimbo.simulator.TimeDaemon"_s, u"List"_s);
+    return qdbus_cast<AlarmsByCookie>(reply.arguments().value(0));
+}
+
+void TestTimeDaemon::offersItsInterfaces()
+{
+    const QStringList lines = m_daemon->busctl(u"introspect"_s, {u"com.nimbo.timed"_s});
+    const QStringList expected{
+        u"NAME TYPE SIGNATURE RESULT/VALUE FLAGS"_s,
+        u".add_event method (uxa{ss}) u -"_s,
+        u".cancel method u b -"_s,
+        u".get_attributes_by_cookies method au a{ua{ss}} -"_s,
+        u".query method a{sv} av -"_s,
+        u".replace_event method (uxa{ss})u u -"_s,
+        u".alarm_triggers_changed signal a{ux} - -"_s,
+    };
+    QCOMPARE(lines, expected);
+}
+
+void TestTimeDaemon::servesAnotherClient()
+{
+    const QString interface = u"com.nimbo.timed"_s;
+    QCOMPARE(m_daemon->busctl(u"call"_s,
+                              {interface, u"add_event"_s, u"(uxa{ss})"_s, u"3"_s, u"99999999999"_s,
+                               u"1"_s, u"TITLE"_s, u"Ada"_s}),
+             QStringList(u"u 1"_s));
+    QCOMPARE(
+        m_daemon->busctl(u"call"_s,
+                         {interface, u"query"_s, u"a{sv}"_s, u"1"_s, u"TITLE"_s, u"s"_s, u"Ada"_s}),
+        QStringList(u"av 1 u 1"_s));
+    QCOMPARE(m_daemon->busctl(
+                 u"call"_s,
+                 {interface, u"get_attributes_by_cookies"_s, u"au"_s, u"2"_s, u"1"_s, u"7"_s}),
+             QStringList(u"a{ua{ss}} 1 1 1 \"TITLE\" \"Ada\""_s));
+    QCOMPARE(m_daemon->busctl(u"call"_s, {interface, u"cancel"_s, u"u"_s, u"1"_s}),
+             QStringList(u"b true"_s));
+    QCOMPARE(m_daemon->busctl(u"call"_s, {interface, u"cancel"_s, u"u"_s, u"1"_s}),
+             QStringList(u"b false"_s));
+}
+
+void TestTimeDaemon::tellsWhatIsStillToFire()
+{
+    const QString changed = u"alarm_triggers_changed"_s;
+    QCOMPARE(add(farAhead), 1U);
+    QCOMPARE(triggersOf(m_daemon->nextSignal(changed)), Triggers({{1, farAhead}}));
+    QCOMPARE(add(farAhead - 1), 2U);
+    QCOMPARE(triggersOf(m_daemon->nextSignal(changed)),
+             Triggers({{1, farAhead}, {2, farAhead - 1}}));
+
+    QVERIFY(timed(u"cancel"_s, {1U}).arguments().at(0).toBool());
+    QCOMPARE(triggersOf(m_daemon->nextSignal(changed)), Triggers({{2, farAhead - 1}}));
+    QVERIFY(!timed(u"cancel"_s, {1U}).arguments().at(0).toBool());
+    QVERIFY(!timed(u"cancel"_s, {0U}).arguments().at(0).toBool());
+    QVERIFY(!m_daemon->pendingSignals().contains(changed));
+}
+
+void TestTimeDaemon::replacesAnAlarm()
+{
+    const QString changed = u"alarm_triggers_changed"_s;
+    const QVariant alarm = QVariant::fromValue(Alarm{3, farAhead, {}});
+    QCOMPARE(add(farAhead - 1), 1U);
+    m_daemon->nextSignal(changed);
+
+    const QDBusMessage reply = timed(u"replace_event"_s, {alarm, 1U});
+    QCOMPARE(reply.signature(), u"u"_s);
+    QCOMPARE(reply.arguments().at(0).toUInt(), 2U);
+    QCOMPARE(triggersOf(m_daemon->nextSignal(changed)), Triggers({{2, farAhead}}));
+
+    for (const uint unknown : {1U, 0U, 77U})
+        timed(u"replace_event"_s, {alarm, unknown});
+    for (int i = 0; i < 2; ++i)
+        m_daemon->nextSignal(changed);
+    QCOMPARE(triggersOf(m_daemon->nextSignal(changed)),
+             Triggers({{2, farAhead}, {3, farAhead}, {4, farAhead}, {5, farAhead}}));
+    QVERIFY(!m_daemon->pendingSignals().contains(changed));
+}
+
+void TestTimeDaemon::findsAlarmsByAttributes()
+{
+    add(farAhead, {{u"APPLICATION"_s, u"a"_s}, {u"type"_s, u"reminder"_s}});
+    add(farAhead, {{u"APPLICATION"_s, u"a"_s}});
+    add(farAhead, {{u"APPLICATION"_s, u"b"_s}, {u"type"_s, u"5"_s}});
+    add(farAhead);
+    const auto found = [this](const QVariantMap &criteria) {
+        const QDBusMessage reply = timed(u"query"_s, {criteria});
+        return reply.signature() == u"av"_s ? qdbus_cast<QVariantList>(reply.arguments().at(0))
+                                            : QVariantList{-1};
+    };
+    QCOMPARE(found({}), QVariantList({1U, 2U, 3U, 4U}));
+    QCOMPARE(found({{u"APPLICATION"_s, u"a"_s}}), QVariantList({1U, 2U}));
+    QCOMPARE(found({{u"APPLICATION"_s, u"a"_s}, {u"type"_s, u"reminder"_s}}), QVariantList({1U}));
+    QCOMPARE(found({{u"type"_s, u"5"_s}}), QVariantList({3U}));
+    QCOMPARE(found({{u"type"_s, QString()}}), QVariantList());
+    QCOMPARE(found({{u"type"_s, QStringList(u"reminder"_s)}}), QVariantList());
+    QCOMPARE(found({{u"type"_s, QVariantMap{{u"type"_s, u"reminder"_s}}}}), QVariantList());
+    QCOMPARE(found({{u"other"_s, u"a"_s}}), QVariantList());
+}
+
+void TestTimeDaemon::givesAttributes()
+{
+    const AlarmAttributes attributes{{u"TITLE"_s, u"Ада \"\n\U0001F600"_s}, {QString(), QString()}};
+    add(farAhead, attributes);
+    add(farAhead);
+    const auto given = [this](const QList<uint> &cookies) {
+        const QDBusMessage reply =
+            timed(u"get_attributes_by_cookies"_s, {QVariant::fromValue(cookies)});
+        return reply.signature() == u"a{ua{ss}}"_s
+            ? qdbus_cast<AttributesByCookie>(reply.arguments().at(0))
+            : AttributesByCookie{{0, {}}};
+    };
+    QCOMPARE(given({}), AttributesByCookie());
+    QCOMPARE(given({2, 9, 1, 1}), AttributesByCookie({{1, attributes}, {2, {}}}));
+}
+
+void TestTimeDaemon::firesAtItsTime()
+{
+    const qint64 due = QDateTime::currentSecsSinceEpoch() + 1;
+    QCOMPARE(add(farAhead), 1U);
+    QCOMPARE(add(due), 2U);
+    QCOMPARE(m_daemon->nextSignal(u"Fired"_s).arguments(), QVariantList{2U});
+    QVERIFY(QDateTime::currentSecsSinceEpoch() >= due);
+    for (int i = 0; i < 2; ++i)
+        m_daemon->nextSignal(u"alarm_triggers_changed"_s);
+    QCOMPARE(triggersOf(m_daemon->nextSignal(u"alarm_triggers_changed"_s)),
+             Triggers({{1, farAhead}}));
+}
+
+void TestTimeDaemon::firesWhatIsPastDueAtOnce_data()
+{
+    QTest::addColumn<qlonglong>("ticker");
+
+    QTest::newRow("just now") << QDateTime::currentSecsSinceEpoch();
+    QTest::newRow("epoch") << qlonglong{0};
+    QTest::newRow("before it") << qlonglong{-1};
+    QTest::newRow("long before it") << std::numeric_limits<qlonglong>::min();
+}
+
+void TestTimeDaemon::firesWhatIsPastDueAtOnce()
+{
+    QFETCH(qlonglong, ticker);
+
+    QCOMPARE(add(ticker), 1U);
+    QCOMPARE(triggersOf(m_daemon->nextSignal(u"alarm_triggers_changed"_s)),
+             Triggers({{1, ticker}}));
+    QCOMPARE(triggersOf(m_daemon->nextSignal(u"alarm_triggers_changed"_s)), Triggers());
+    QCOMPARE(alarms(), AlarmsByCookie());
+}
+
+void TestTimeDaemon::keepsWhatIsFarAhead()
+{
+    const qlonglong largest = std::numeric_limits<qlonglong>::max();
+    QCOMPARE(add(largest), 1U);
+    QCOMPARE(add(largest / 1000), 2U);
+    QCOMPARE(add(0), 3U);
+    QCOMPARE(m_daemon->nextSignal(u"Fired"_s).arguments(), QVariantList{3U});
+    QCOMPARE(alarms().keys(), QList<uint>({1U, 2U}));
+    QVERIFY(m_daemon->end(SIGKILL));
+    QVERIFY(m_daemon->start());
+    QCOMPARE(alarms().value(1).ticker, largest);
+}
+
+void TestTimeDaemon::firesEarlyOnDemand()
+{
+    add(farAhead);
+    const QString control = u"com.nimbo.simulator.TimeDaemon"_s;
+    QCOMPARE(m_daemon->call(control, u"Fire"_s, {1U}).type(), QDBusMessage::ReplyMessage);
+    m_daemon->nextSignal(u"alarm_triggers_changed"_s);
+    QCOMPARE(triggersOf(m_daemon->nextSignal(u"alarm_triggers_changed"_s)), Triggers());
+    QCOMPARE(m_daemon->call(control, u"Fire"_s, {1U}).errorMessage(), u"there is no alarm 1"_s);
+}
+
+void TestTimeDaemon::outlivesItsProcess_data()
+{
+    QTest::addColumn<int>("signal");
+
+    QTest::newRow("SIGTERM") << SIGTERM;
+    QTest::newRow("SIGKILL") << SIGKILL;
+}
+
+void TestTimeDaemon::outlivesItsProcess()
+{
+    QFETCH(int, signal);
+
+    add(farAhead, {{u"TITLE"_s, u"Ада \"\n\U0001F600"_s}});
+    add(farAhead + 1);
+    const AlarmsByCookie before = alarms();
+    QCOMPARE(before.size(), 2);
+    QVERIFY(m_daemon->end(signal));
+    QVERIFY(m_daemon->start());
+    QCOMPARE(alarms(), before);
+}
+
+void TestTimeDaemon::neverGivesACookieTwice()
+{
+    QCOMPARE(add(farAhead), 1U);
+    QCOMPARE(add(farAhead), 2U);
+    timed(u"cancel"_s, {2U});
+    QCOMPARE(add(farAhead), 3U);
+    timed(u"cancel"_s, {3U});
+    QVERIFY(m_daemon->end(SIGKILL));
+    QVERIFY(m_daemon->start());
+    QCOMPARE(add(farAhead), 4U);
+}
+
+void TestTimeDaemon::firesAtStartWhatCameDueMeanwhile()
+{
+    QVERIFY(m_daemon->end(SIGTERM));
+    QVERIFY(m_daemon->writeState(u"alarms.json"_s,
+                                 R"({"lastCookie": 7, "alarms": [
+        {"cookie": 3, "flags": 3, "ticker": "5", "attributes": {}},
+        {"cookie": 5, "flags": 3, "ticker": "99999999999", "attributes": {}},
+        {"cookie": 6, "flags": 3, "ticker": "1500000000", "attributes": {}}]})"));
+    QVERIFY(m_daemon->start());
+    QCOMPARE(m_daemon->nextSignal(u"Fired"_s).arguments(), QVariantList{3U});
+    QCOMPARE(m_daemon->nextSignal(u"Fired"_s).arguments(), QVariantList{6U});
+    m_daemon->nextSignal(u"alarm_triggers_changed"_s);
+    QCOMPARE(triggersOf(m_daemon->nextSignal(u"alarm_triggers_changed"_s)),
+             Triggers({{5, farAhead}}));
+    QCOMPARE(add(farAhead), 8U);
+}
+
+void TestTimeDaemon::putsABrokenFileAside_data()
+{
+    QTest::addColumn<QByteArray>("content");
+
+    QTest::newRow("empty") << QByteArray();
+    QTest::newRow("no JSON") << QByteArray("\x00\xff{", 3);
+    QTest::newRow("cut off") << QByteArray(R"({"lastCookie": 7, "alarms": [{"cookie")");
+    QTest::newRow("a list") << QByteArray("[]");
+    QTest::newRow("no alarms") << QByteArray(R"({"lastCookie": 7})");
+    QTest::newRow("no last cookie") << QByteArray(R"({"alarms": []})");
+    QTest::newRow("last cookie too large")
+        << QByteArray(R"({"lastCookie": 4294967295, "alarms": []})");
+    const QByteArray alarm = R"({"lastCookie": 7, "alarms": [%]})";
+    for (const char *broken :
+         {"5", "{}", R"({"cookie": 8, "flags": 3, "ticker": "5", "attributes": {}})",
+          R"({"cookie": 0, "flags": 3, "ticker": "5", "attributes": {}})",
+          R"({"cookie": 1.5, "flags": 3, "ticker": "5", "attributes": {}})",
+          R"({"cookie": 1, "flags": -3, "ticker": "5", "attributes": {}})",
+          R"({"cookie": 1, "flags": 3, "ticker": "soon", "attributes": {}})",
+          R"({"cookie": 1, "flags": 3, "ticker": "5"})",
+          R"({"cookie": 1, "flags": 3, "ticker": "5", "attributes": {"TITLE": 5}})",
+          R"({"cookie": 1, "flags": 3, "ticker": "5", "attributes": {}}, {"cookie": 1})"})
+        QTest::newRow(broken) << QByteArray(alarm).replace('%', broken);
+}
+
+void TestTimeDaemon::putsABrokenFileAside()
+{
+    QFETCH(QByteArray, content);
+
+    QVERIFY(m_daemon->end(SIGTERM));
+    QVERIFY(m_daemon->writeState(u"alarms.json"_s, content));
+    QVERIFY(m_daemon->start());
+    QVERIFY(m_daemon->logs(u"The alarms cannot be read from "_s));
+    QCOMPARE(alarms(), AlarmsByCookie());
+    QFile aside(m_daemon->stateFolder() + u"/alarms.json.broken"_s);
+    QVERIFY(aside.open(QIODevice::ReadOnly));
+    QCOMPARE(aside.readAll(), content);
+    QCOMPARE(add(farAhead), 1U);
+}
+
+void TestTimeDaemon::keepsEveryBrokenFile()
+{
+    for (int i = 0; i < 3; ++i) {
+        QVERIFY(m_daemon->end(SIGTERM));
+        QVERIFY(m_daemon->writeState(u"alarms.json"_s, QByteArray::number(i)));
+        QVERIFY(m_daemon->start());
+        QVERIFY(m_daemon->logs(u"The alarms cannot be read from "_s));
+    }
+    QCOMPARE(QDir(m_daemon->stateFolder()).entryList(QDir::Files),
+             QStringList(
+                 {u"alarms.json.broken"_s, u"alarms.json.broken-2"_s, u"alarms.json.broken-3"_s}));
+}
+
+void TestTimeDaemon::goesOnWhereNothingCanBeKept()
+{
+    QFile inTheWay(m_daemon->stateFolder());
+    QVERIFY(inTheWay.open(QIODevice::WriteOnly));
+    QCOMPARE(add(farAhead), 1U);
+    QVERIFY(m_daemon->logs(u"The alarms cannot be kept in "_s));
+    QCOMPARE(alarms().keys(), QList<uint>{1U});
+}
+
+void TestTimeDaemon::refusesOtherArguments()
+{
+    QCOMPARE(timed(u"add_event"_s, {u"soon"_s}).type(), QDBusMessage::ErrorMessage);
+    QCOMPARE(timed(u"add_event"_s, {}).type(), QDBusMessage::ErrorMessage);
+    QCOMPARE(timed(u"query"_s, {QStringList()}).type(), QDBusMessage::ErrorMessage);
+    QCOMPARE(timed(u"cancel"_s, {-1}).type(), QDBusMessage::ErrorMessage);
+    QCOMPARE(alarms(), AlarmsByCookie());
+}
+
+QTEST_GUILESS_MAIN(TestTimeDaemon)
+
+#include "tst_timedaemon.moc"
