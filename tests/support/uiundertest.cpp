@@ -100,11 +100,16 @@ void UiUnderTest::start(const QStringList &arguments)
     m_process->start(program, command);
 }
 
-bool UiUnderTest::startProbe(const QStringList &arguments)
+bool UiUnderTest::startScreens(const QString &screens, const QStringList &arguments)
 {
-    start(arguments + QStringList{QStringLiteral("-qml"), QStringLiteral(PARLEY_PROBE_QML)});
+    start(arguments + QStringList{QStringLiteral("-qml"), screens});
     const QStringList warnings = controlGroupWarnings();
     return logs(QStringLiteral("qml: loaded")) && logs(warnings.at(0)) && logs(warnings.at(1));
+}
+
+bool UiUnderTest::startProbe(const QStringList &arguments)
+{
+    return startScreens(QStringLiteral(PARLEY_PROBE_QML), arguments);
 }
 
 qint64 UiUnderTest::processId() const

@@ -38,6 +38,7 @@ public:
     QString writeFile(const QString &name, const QByteArray &content) const;
 
     PrivateBus &sessionBus() { return m_sessionBus; }
+    PrivateBus &systemBus() { return m_systemBus; }
     /// A connection to the session bus, of this process.
     QDBusConnection session() const { return m_session; }
     /// What the process may find at fixed places.
@@ -51,8 +52,10 @@ public:
 
     /// Starts the process with \a arguments.
     void start(const QStringList &arguments);
-    /// Starts it with the probe as its screens and \a arguments before that; waits until they are
-    /// loaded, and claims the two control-group warnings.
+    /// Starts it with \a screens (QML that says "loaded") and \a arguments before that; waits until
+    /// they are loaded, and claims the two control-group warnings.
+    bool startScreens(const QString &screens, const QStringList &arguments = {});
+    /// Starts it with the probe as its screens and \a arguments before that, as startScreens().
     bool startProbe(const QStringList &arguments = {});
 
     bool isRunning() const { return m_process && m_process->state() == QProcess::Running; }

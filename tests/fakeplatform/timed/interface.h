@@ -1,0 +1,28 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+#pragma once
+
+#include "event.h"
+
+#include <QDBusAbstractInterface>
+#include <QDBusPendingCall>
+
+namespace Maemo::Timed {
+
+/// Hands an event over as the list of what was done to it.
+class Interface : public QDBusAbstractInterface
+{
+    Q_OBJECT
+
+public:
+    explicit Interface(QObject *parent = nullptr);
+
+    QDBusPendingCall add_event_async(const Event &event);
+    QDBusPendingCall replace_event_async(const Event &event, uint32_t cookie);
+
+Q_SIGNALS:
+    void alarm_triggers_changed(Maemo::Timed::Event::Triggers triggers);
+};
+
+} // namespace Maemo::Timed
