@@ -1,0 +1,34 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+import QtQuick 2.15
+import com.nimbo.parley 1.0
+
+// One number that is watched. What a test asks for is evaluated here.
+Item {
+    height: 100
+    width: 100
+
+    function create(number, seconds) {
+        base.createWithStrings(number, new Date(seconds * 1000), "app", "contact", "title", "text");
+    }
+
+    RemindersBase {
+        id: base
+    }
+
+    Reminder {
+        id: reminder
+
+        _reminders: base
+        phoneNumber: "+1 (555) 010-0"
+        onExistsChanged: console.info("exists " + exists)
+        onWhenChanged: console.info("when " + when.getTime() / 1000)
+    }
+
+    ParleyUiAdaptor {
+        onShow: console.info("evaluated " + JSON.stringify(eval(args[1])))
+    }
+
+    Component.onCompleted: console.info("loaded")
+}

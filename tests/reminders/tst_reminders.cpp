@@ -1,0 +1,1317 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+#include "fakeplatform.h"
+#include "literals.h"
+#include "messagelog.h"
+#include "privatebus.h"
+#include "reminder.h"
+#include "reminders.h"
+#include "scriptedservice.h"
+
+#include <notification.h>
+
+#include <QDBusArgument>
+#include <QDBusMetaType>
+#include <QDBusVariant>
+#include <QMetaMethod>
+#include <QMetaProperty>
+#include <QPointer>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimeZone>
+
+#include <memory>
+#include <utility>
+#include <vector>
+
+using Attributes = QMap<QString, QString>;
+using AttributesByCookie = QMap<uint, Attributes>;
+
+Q_DECLARE_METATYPE(AttributesByCookie)
+Q_DECLARE_METATYPE(QVector<NotificationData>)
+
+namespace {
+
+const QDateTime noon(QDate(2030, 1, 2), QTime(12, 0), Qt::UTC);
+
+/// A number for each alarm, the way the daemon tells it.
+Attributes attributes(const QString &number, const QString &triggerTime = u"1000"_s)
+{
+    return {{u"phoneNumber"_s, number}, {u"triggerTime"_s, triggerTime}};
+}
+
+NotificationData notification(uint id, const QVariant &cookie)
+{
+    NotificationData data;
+    data.id = id;
+    if (cookie.isValid())
+        data.hints.insert(u"x-nimbo-alarm-cookie"_s, cookie);
+    return data;
+}
+
+} // namespace
+
+/// The reminders on a scripted platform. A number is written "prefix/rest": its exact key is what
+/// is left when blanks go, its loose key is the rest.
+class TestReminders : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void declareWhatQmlUses();
+
+    void startInOrder();
+    void stopWhenTheAlarmsCannotBeHad_data();
+    void stopWhenTheAlarmsCannotBeHad();
+    void keepTheirAlarmsWhenTheNotificationsCannotBeHad();
+    void readCookiesOfAnyShape_data();
+    void readCookiesOfAnyShape();
+    void toleratesAttributesOfAnotherShape_data();
+    void toleratesAttributesOfAnotherShape();
+    void toleratesNotificationsOfAnotherShape_data();
+    void toleratesNotificationsOfAnotherShape();
+    void mergeAlarmsByTheirRawNumbers();
+    void mergeAlarmsByTheFirstLookupRule();
+    void readTheTriggerTime_data();
+    void readTheTriggerTime();
+    void matchNotificationsByTheirCookies();
+    void dropBothOfTwoRecordsWithOneCookie();
+    void showNothingBeforeTheRebuild();
+
+    void buildTheEventInOrder();
+    void scheduleAtTheGivenTime_data();
+    void scheduleAtTheGivenTime();
+    void publishTheNotificationInOrder();
+    void reportACreatedReminder();
+    void chooseTheCookieToReplace_data();
+    void chooseTheCookieToReplace();
+    void readTheCookieOfAReply_data();
+    void readTheCookieOfAReply();
+    void warnOfAnAlarmThatIsNotMade_data();
+    void warnOfAnAlarmThatIsNotMade();
+    void warnOfAnException_data();
+    void warnOfAnException();
+    void lookTheRecordUpAgainWhenTheReplyComes();
+    void takeRepliesInAnyOrder();
+    void ignoreRepliesOnceTheyAreGone();
+    void keepTheIdWithoutAnAnswer();
+    void replaceTheNotification();
+    void publishAnewAfterTheNotificationWasClosed();
+
+    void bindToTheExactNumber();
+    void bindToTheFirstLooseNumber();
+    void bindToANewRecord();
+    void reportOnlyWhatDiffersWhenBinding();
+    void keepWhenForANewNumber();
+    void eraseRecordsThatNobodyUses();
+    void takeAReminderOutOfOtherRecords();
+    void listAReminderTwice();
+    void setTheSameNumberSilently();
+    void clearTheNumber();
+    void detachFromTheFirstRecordAlone();
+    void eraseTheFirstRecordWhenNobodyUsesIt_data();
+    void eraseTheFirstRecordWhenNobodyUsesIt();
+    void setTheStoreSilently();
+    void forgetADestroyedStore();
+    void neverTouchADestroyedReminder();
+
+    void removeAReminder();
+    void removeNothingThatDoesNotExist();
+    void removeWithoutANotification();
+    void dropAlarmsThatHaveGone();
+    void followTriggersOfOthers();
+    void clearTheNotificationThatWasClosed();
+
+    void surviveTheirHandlers_data();
+    void surviveTheirHandlers();
+
+private:
+    void startEmpty();
+    void start(const AttributesByCookie &alarms, const QVector<NotificationData> &notifications);
+    Reminder *watch(const QString &name, const QString &number);
+    QDBusMessage create(const QString &number, const QDateTime &when = noon);
+    void createReminder(const QString &number, uint cookie, const QDateTime &when = noon);
+    QStringList takeEvents();
+    QStringList log() { return m_log->take(); }
+
+    QTemporaryDir m_folder;
+    PrivateBus m_bus;
+    std::unique_ptr<MessageLog> m_log;
+    std::unique_ptr<FakePlatform> m_platform;
+    std::unique_ptr<ScriptedService> m_daemon;
+    std::unique_ptr<ScriptedService> m_notifications;
+    std::unique_ptr<Reminders> m_reminders;
+    std::vector<std::unique_ptr<Reminder>> m_watching;
+    QStringList m_events;
+};
+
+void TestReminders::initTestCase()
+{
+    QVERIFY(m_bus.start(m_folder.path(), u"bus"_s));
+    qputenv("DBUS_SESSION_BUS_ADDRESS", m_bus.address().toUtf8());
+    qputenv("DBUS_SYSTEM_BUS_ADDRESS", m_bus.address().toUtf8());
+    QVERIFY(QDBusConnection::sessionBus().isConnected());
+    QVERIFY(QDBusConnection::systemBus().isConnected());
+    qDBusRegisterMetaType<NotificationData>();
+    qDBusRegisterMetaType<QVector<NotificationData>>();
+    qDBusRegisterMetaType<Attributes>();
+    qDBusRegisterMetaType<AttributesByCookie>();
+}
+
+void TestReminders::init()
+{
+    m_log.reset();
+    m_log = std::make_unique<MessageLog>();
+    m_platform.reset();
+    m_platform = std::make_unique<FakePlatform>();
+    m_platform->normalize = [](QString number) { return number.remove(u' '); };
+    m_platform->minimize = [](const QString &number) { return number.section(u'/', -1); };
+    m_daemon = std::make_unique<ScriptedService>(m_bus.address(), u"com.nimbo.timed"_s,
+                                                 u"/com/nimbo/timed"_s);
+    m_notifications = std::make_unique<ScriptedService>(
+        m_bus.address(), u"org.freedesktop.Notifications"_s, u"/org/freedesktop/Notifications"_s);
+    m_events.clear();
+}
+
+void TestReminders::cleanup()
+{
+    m_daemon->settle();
+    m_watching.clear();
+    m_reminders.reset();
+    m_daemon->settle();
+    QCOMPARE(m_daemon->waiting(), 0);
+    QCOMPARE(m_notifications->waiting(), 0);
+    m_daemon.reset();
+    m_notifications.reset();
+    QCOMPARE(log(), QStringList());
+}
+
+void TestReminders::start(const AttributesByCookie &alarms,
+                          const QVector<NotificationData> &notifications)
+{
+    m_reminders = std::make_unique<Reminders>();
+    QVariantList cookies;
+    for (auto it = alarms.cbegin(); it != alarms.cend(); ++it)
+        cookies << it.key();
+    m_daemon->reply(m_daemon->next(u"query"_s), {QVariant(cookies)});
+    m_daemon->reply(m_daemon->next(u"get_attributes_by_cookies"_s), {QVariant::fromValue(alarms)});
+    m_notifications->reply(m_notifications->next(u"GetNotificationsByCategory"_s),
+                           {QVariant::fromValue(notifications)});
+    m_daemon->settle();
+    m_platform->takeCalls();
+}
+
+void TestReminders::startEmpty()
+{
+    start({}, {});
+}
+
+Reminder *TestReminders::watch(const QString &name, const QString &number)
+{
+    m_watching.push_back(std::make_unique<Reminder>());
+    Reminder *reminder = m_watching.back().get();
+    reminder->setReminders(m_reminders.get());
+    reminder->setPhoneNumber(number);
+    const auto report = [this, name, reminder](const char *what) {
+        m_events << u"%1 %2: %3 %4"_s.arg(name, QLatin1String(what),
+                                          reminder->exists() ? u"yes"_s : u"no"_s,
+                                          reminder->when().toUTC().toString(Qt::ISODate));
+    };
+    connect(reminder, &Reminder::phoneNumberChanged, this, [report] { report("number"); });
+    connect(reminder, &Reminder::whenChanged, this, [report] { report("when"); });
+    connect(reminder, &Reminder::existsChanged, this, [report] { report("exists"); });
+    connect(reminder, &Reminder::remindersChanged, this, [report] { report("reminders"); });
+    return reminder;
+}
+
+/// The call that the daemon gets.
+QDBusMessage TestReminders::create(const QString &number, const QDateTime &when)
+{
+    m_reminders->createWithStrings(number, when, u"app"_s, u"contact"_s, u"title"_s, u"text"_s);
+    return m_daemon->next();
+}
+
+void TestReminders::createReminder(const QString &number, uint cookie, const QDateTime &when)
+{
+    m_daemon->reply(create(number, when), {cookie});
+    m_daemon->settle();
+    m_platform->takeCalls();
+}
+
+QStringList TestReminders::takeEvents()
+{
+    return std::exchange(m_events, {});
+}
+
+void TestReminders::declareWhatQmlUses()
+{
+    const auto declared = [](const QMetaObject &meta) {
+        QStringList members;
+        for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
+            const QMetaMethod method = meta.method(i);
+            members << u"%1 %2 %3 %4(%5)"_s.arg(method.access())
+                           .arg(method.methodType())
+                           .arg(QString::fromLatin1(method.typeName()),
+                                QString::fromLatin1(method.methodSignature()),
+                                QString::fromLatin1(method.parameterNames().join(',')));
+        }
+        for (int i = meta.propertyOffset(); i < meta.propertyCount(); ++i) {
+            const QMetaProperty property = meta.property(i);
+            members << u"%1 %2%3 %4"_s.arg(QString::fromLatin1(property.typeName()),
+                                           QString::fromLatin1(property.name()),
+                                           property.isWritable() ? u" writable"_s : QString(),
+                                           QString::fromLatin1(property.notifySignal().name()));
+        }
+        return members;
+    };
+    const int isPublic = QMetaMethod::Public;
+    const int isPrivate = QMetaMethod::Private;
+    QCOMPARE(declared(Reminder::staticMetaObject),
+             QStringList({
+                 u"%1 %2 void phoneNumberChanged()()"_s.arg(isPublic).arg(QMetaMethod::Signal),
+                 u"%1 %2 void whenChanged()()"_s.arg(isPublic).arg(QMetaMethod::Signal),
+                 u"%1 %2 void existsChanged()()"_s.arg(isPublic).arg(QMetaMethod::Signal),
+                 u"%1 %2 void remindersChanged()()"_s.arg(isPublic).arg(QMetaMethod::Signal),
+                 u"%1 %2 void remove()()"_s.arg(isPublic).arg(QMetaMethod::Method),
+                 u"QString phoneNumber writable phoneNumberChanged"_s,
+                 u"QDateTime when whenChanged"_s,
+                 u"bool exists existsChanged"_s,
+                 u"Reminders* _reminders writable remindersChanged"_s,
+             }));
+    QCOMPARE(declared(Reminders::staticMetaObject),
+             QStringList({
+                 u"%1 %2 void notificationClosed(uint,uint)(id,reason)"_s.arg(isPrivate).arg(
+                     QMetaMethod::Slot),
+                 u"%1 %2 void createWithStrings(QString,QDateTime,QString,QString,QString,QString)"
+                 "(phoneNumber,when,applicationName,contactName,title,description)"_s.arg(isPublic)
+                     .arg(QMetaMethod::Method),
+             }));
+}
+
+void TestReminders::startInOrder()
+{
+    m_reminders = std::make_unique<Reminders>();
+    const QDBusMessage query = m_daemon->next(u"query"_s);
+    QCOMPARE(query.signature(), u"a{sv}"_s);
+    QCOMPARE(qdbus_cast<QVariantMap>(query.arguments().constFirst()),
+             QVariantMap({{u"APPLICATION"_s, u"nimbo_parley_ui"_s}, {u"type"_s, u"reminder"_s}}));
+    m_daemon->settle();
+    QCOMPARE(m_daemon->waiting() + m_notifications->waiting(), 0);
+
+    m_daemon->reply(query, {QVariant(QVariantList())});
+    const QDBusMessage details = m_daemon->next(u"get_attributes_by_cookies"_s);
+    QCOMPARE(details.signature(), u"au"_s);
+    QCOMPARE(qdbus_cast<QList<uint>>(details.arguments().constFirst()), QList<uint>());
+    m_daemon->settle();
+    QCOMPARE(m_daemon->waiting() + m_notifications->waiting(), 0);
+
+    m_daemon->reply(details, {QVariant::fromValue(AttributesByCookie())});
+    const QDBusMessage shown = m_notifications->next(u"GetNotificationsByCategory"_s);
+    QCOMPARE(shown.signature(), u"s"_s);
+    QCOMPARE(shown.interface(), u"org.freedesktop.Notifications"_s);
+    QCOMPARE(shown.arguments(), QVariantList{u"x-nimbo-call-reminder"_s});
+    m_notifications->reply(shown, {QVariant::fromValue(QVector<NotificationData>())});
+}
+
+void TestReminders::stopWhenTheAlarmsCannotBeHad_data()
+{
+    QTest::addColumn<bool>("cookiesComeFirst");
+    QTest::newRow("no cookies") << false;
+    QTest::newRow("no attributes") << true;
+}
+
+void TestReminders::stopWhenTheAlarmsCannotBeHad()
+{
+    QFETCH(bool, cookiesComeFirst);
+
+    m_reminders = std::make_unique<Reminders>();
+    QDBusMessage call = m_daemon->next(u"query"_s);
+    if (cookiesComeFirst) {
+        m_daemon->reply(call, {QVariant(QVariantList{1U})});
+        call = m_daemon->next(u"get_attributes_by_cookies"_s);
+    }
+    m_daemon->fail(call, u"com.example.Error"_s, u"no alarms today"_s);
+    m_daemon->settle();
+    QCOMPARE(m_daemon->waiting() + m_notifications->waiting(), 0);
+    QCOMPARE(
+        log(),
+        QStringList(u"warning: Unable to query reminder alarms QDBusError(\"com.example.Error\", "
+                    "\"no alarms today\")"_s));
+}
+
+void TestReminders::keepTheirAlarmsWhenTheNotificationsCannotBeHad()
+{
+    m_reminders = std::make_unique<Reminders>();
+    const Reminder *a = watch(u"a"_s, u"1"_s);
+    m_daemon->reply(m_daemon->next(u"query"_s), {QVariant(QVariantList{5U})});
+    m_daemon->reply(m_daemon->next(u"get_attributes_by_cookies"_s),
+                    {QVariant::fromValue(AttributesByCookie{{5, attributes(u"1"_s)}})});
+    m_notifications->fail(m_notifications->next(u"GetNotificationsByCategory"_s),
+                          u"com.example.Error"_s, u"none"_s);
+    m_daemon->settle();
+    QCOMPARE(
+        log(),
+        QStringList(
+            u"warning: Unable to query reminder notifications QDBusError(\"com.example.Error\", "
+            "\"none\")"_s));
+    QVERIFY(!a->exists());
+    QCOMPARE(takeEvents(), QStringList());
+    QCOMPARE(create(u"1"_s).member(), u"replace_event"_s);
+}
+
+void TestReminders::readCookiesOfAnyShape_data()
+{
+    QTest::addColumn<QVariant>("reply");
+    QTest::addColumn<QList<uint>>("cookies");
+
+    QTest::newRow("variants, in their order")
+        << QVariant(QVariantList{9U, 2U, 5U}) << QList<uint>{9, 2, 5};
+    QTest::newRow("texts in variants")
+        << QVariant(QVariantList{u"7"_s, u"x"_s}) << QList<uint>{7, 0};
+    QTest::newRow("numbers in variants")
+        << QVariant(QVariantList{qlonglong{7}, -1}) << QList<uint>{7, 4294967295U};
+    QTest::newRow("a list in a variant")
+        << QVariant(QVariantList{QVariant(QVariantList{1U})}) << QList<uint>{0};
+    QTest::newRow("an array of numbers") << QVariant::fromValue(QList<uint>{1, 2}) << QList<uint>();
+    QTest::newRow("a number") << QVariant(3U) << QList<uint>();
+    QTest::newRow("a text") << QVariant(u"3"_s) << QList<uint>{};
+    QTest::newRow("a map") << QVariant(QVariantMap{{u"a"_s, 1}}) << QList<uint>();
+    QTest::newRow("nothing") << QVariant() << QList<uint>();
+}
+
+void TestReminders::readCookiesOfAnyShape()
+{
+    QFETCH(QVariant, reply);
+    QFETCH(QList<uint>, cookies);
+
+    m_reminders = std::make_unique<Reminders>();
+    m_daemon->reply(m_daemon->next(u"query"_s),
+                    reply.isValid() ? QVariantList{reply} : QVariantList());
+    const QDBusMessage details = m_daemon->next(u"get_attributes_by_cookies"_s);
+    QCOMPARE(qdbus_cast<QList<uint>>(details.arguments().constFirst()), cookies);
+}
+
+void TestReminders::toleratesAttributesOfAnotherShape_data()
+{
+    QTest::addColumn<QVariant>("reply");
+
+    QTest::newRow("nothing") << QVariant();
+    QTest::newRow("a number") << QVariant(3U);
+    QTest::newRow("a list") << QVariant(QVariantList{1U});
+    QTest::newRow("a map of variants") << QVariant(QVariantMap{{u"1"_s, u"a"_s}});
+    QTest::newRow("attributes alone") << QVariant::fromValue(attributes(u"1"_s));
+}
+
+void TestReminders::toleratesAttributesOfAnotherShape()
+{
+    QFETCH(QVariant, reply);
+
+    m_reminders = std::make_unique<Reminders>();
+    m_daemon->reply(m_daemon->next(u"query"_s), {QVariant(QVariantList{1U})});
+    m_daemon->reply(m_daemon->next(u"get_attributes_by_cookies"_s),
+                    reply.isValid() ? QVariantList{reply} : QVariantList());
+    QVERIFY(m_notifications->next(u"GetNotificationsByCategory"_s).type()
+            == QDBusMessage::MethodCallMessage);
+    QCOMPARE(m_platform->takeCalls(), QStringList()); // there was no alarm
+}
+
+void TestReminders::toleratesNotificationsOfAnotherShape_data()
+{
+    toleratesAttributesOfAnotherShape_data();
+}
+
+void TestReminders::toleratesNotificationsOfAnotherShape()
+{
+    QFETCH(QVariant, reply);
+
+    m_reminders = std::make_unique<Reminders>();
+    m_daemon->reply(m_daemon->next(u"query"_s), {QVariant(QVariantList())});
+    m_daemon->reply(m_daemon->next(u"get_attributes_by_cookies"_s),
+                    {QVariant::fromValue(AttributesByCookie())});
+    m_notifications->reply(m_notifications->next(u"GetNotificationsByCategory"_s),
+                           reply.isValid() ? QVariantList{reply} : QVariantList());
+    m_daemon->settle();
+    QCOMPARE(m_notifications->waiting(), 0);
+}
+
+void TestReminders::mergeAlarmsByTheirRawNumbers()
+{
+    m_reminders = std::make_unique<Reminders>();
+    m_daemon->reply(m_daemon->next(u"query"_s), {QVariant(QVariantList{1U, 2U})});
+    m_daemon->reply(m_daemon->next(u"get_attributes_by_cookies"_s),
+                    {QVariant::fromValue(AttributesByCookie{{2, attributes(u" 2"_s)},
+                                                            {1, attributes(u"1 "_s)},
+                                                            {3, attributes(QString())},
+                                                            {4, {}}})});
+    m_notifications->next(u"GetNotificationsByCategory"_s);
+    // In the order of their cookies, each key of the text itself, and none without a number.
+    QCOMPARE(m_platform->takeCalls(),
+             QStringList({u"normalize(1 , 0)"_s, u"minimize(1 , 0)"_s, u"normalize( 2, 0)"_s,
+                          u"minimize( 2, 0)"_s}));
+
+    watch(u"a"_s, u"1 "_s);
+    QCOMPARE(m_platform->takeCalls(), QStringList({u"normalize(1 , 0)"_s, u"minimize(1, 0)"_s}));
+    create(u" 2"_s);
+    QCOMPARE(m_platform->takeCalls(), QStringList({u"normalize( 2, 0)"_s, u"minimize(2, 0)"_s}));
+}
+
+void TestReminders::mergeAlarmsByTheFirstLookupRule()
+{
+    // 3 and 4 are one number; 5 matches 1 and 2 loosely, and takes over the last; 6 has a record of
+    // its own.
+    start({{1, attributes(u"a/1"_s)},
+           {2, attributes(u"b/1"_s)},
+           {3, attributes(u"x"_s)},
+           {4, attributes(u"x"_s)},
+           {6, attributes(u"y"_s)}},
+          {});
+    QCOMPARE(create(u"a/1"_s).arguments().at(1), QVariant(2U)); // b/1 took over the record of a/1
+    QCOMPARE(create(u"x"_s).arguments().at(1), QVariant(4U));
+    QCOMPARE(create(u"y"_s).arguments().at(1), QVariant(6U));
+}
+
+void TestReminders::readTheTriggerTime_data()
+{
+    QTest::addColumn<Attributes>("alarm");
+    QTest::addColumn<qint64>("seconds");
+
+    QTest::newRow("a number") << attributes(u"1"_s, u"1893585600"_s) << qint64{1893585600};
+    QTest::newRow("missing") << Attributes{{u"phoneNumber"_s, u"1"_s}} << qint64{0};
+    QTest::newRow("empty") << attributes(u"1"_s, QString()) << qint64{0};
+    QTest::newRow("a word") << attributes(u"1"_s, u"soon"_s) << qint64{0};
+    QTest::newRow("negative") << attributes(u"1"_s, u"-5"_s) << qint64{0};
+    QTest::newRow("hexadecimal") << attributes(u"1"_s, u"0x10"_s) << qint64{0};
+    QTest::newRow("the largest") << attributes(u"1"_s, u"4294967295"_s) << qint64{4294967295};
+    QTest::newRow("too large") << attributes(u"1"_s, u"4294967296"_s) << qint64{0};
+}
+
+void TestReminders::readTheTriggerTime()
+{
+    QFETCH(Attributes, alarm);
+    QFETCH(qint64, seconds);
+
+    start({{1, alarm}}, {notification(7, 1U)});
+    const Reminder *a = watch(u"a"_s, u"1"_s);
+    QVERIFY(a->exists());
+    QCOMPARE(a->when(), QDateTime::fromSecsSinceEpoch(seconds));
+    QCOMPARE(a->when().timeSpec(), Qt::LocalTime);
+}
+
+void TestReminders::matchNotificationsByTheirCookies()
+{
+    m_reminders = std::make_unique<Reminders>();
+    const Reminder *a = watch(u"a"_s, u"1"_s);
+    const Reminder *b = watch(u"b"_s, u"1"_s);
+    const Reminder *c = watch(u"c"_s, u"2"_s);
+    QCOMPARE(takeEvents(), QStringList());
+    m_daemon->reply(m_daemon->next(u"query"_s), {QVariant(QVariantList{1U, 2U})});
+    m_daemon->reply(m_daemon->next(u"get_attributes_by_cookies"_s),
+                    {QVariant::fromValue(
+                        AttributesByCookie{{1, attributes(u"1"_s)}, {2, attributes(u"2"_s)}})});
+    const QDBusMessage query = m_notifications->next(u"GetNotificationsByCategory"_s);
+    QCOMPARE(takeEvents(), QStringList()); // the merge alone reports nothing
+    m_notifications->reply(
+        query,
+        {QVariant::fromValue(QVector<NotificationData>{
+            notification(20, {}), notification(21, 9U), notification(22, 1U),
+            notification(23, u"none"_s), notification(24, u"2"_s), notification(25, 0U)})});
+    for (const uint leftover : {20U, 21U, 23U, 25U})
+        QCOMPARE(m_notifications->next(u"CloseNotification"_s).arguments(), QVariantList{leftover});
+    QVERIFY(a->exists() && b->exists() && c->exists());
+    const QString due = u"yes 1970-01-01T00:16:40Z"_s;
+    QCOMPARE(takeEvents(),
+             QStringList({u"a when: "_s + due, u"a exists: "_s + due, u"b when: "_s + due,
+                          u"b exists: "_s + due, u"c when: "_s + due, u"c exists: "_s + due}));
+}
+
+void TestReminders::dropBothOfTwoRecordsWithOneCookie()
+{
+    startEmpty();
+    createReminder(u"1"_s, 5);
+    createReminder(u"2"_s, 5);
+    const Reminder *a = watch(u"a"_s, u"1"_s);
+    const Reminder *b = watch(u"b"_s, u"2"_s);
+    QVERIFY(a->exists() && b->exists());
+    m_daemon->emitSignal(u"com.nimbo.timed"_s, u"alarm_triggers_changed"_s,
+                         {QVariant::fromValue(Maemo::Timed::Event::Triggers())});
+    for (const uint id : {1U, 2U})
+        QCOMPARE(m_notifications->next(u"CloseNotification"_s).arguments(), QVariantList{id});
+    QVERIFY(!a->exists() && !b->exists());
+}
+
+void TestReminders::showNothingBeforeTheRebuild()
+{
+    m_reminders = std::make_unique<Reminders>();
+    const Reminder *a = watch(u"a"_s, u"1"_s);
+    QVERIFY(!a->exists());
+    QVERIFY(!a->when().isValid());
+    m_daemon->next(u"query"_s);
+}
+
+void TestReminders::buildTheEventInOrder()
+{
+    startEmpty();
+    m_reminders->createWithStrings(u" 1 2"_s, noon, u"app"_s, u"contact"_s, u"title"_s, u"text"_s);
+    QCOMPARE(m_platform->takeCalls(), QStringList({u"normalize( 1 2, 0)"_s, u"minimize(12, 0)"_s}));
+    const QDBusMessage call = m_daemon->next(u"add_event"_s);
+    QCOMPARE(call.arguments(),
+             QVariantList{
+                 QStringList({u"reminder"_s, u"alarm"_s, u"ticker 1893585600"_s, u"TITLE=contact"_s,
+                              u"APPLICATION=nimbo_parley_ui"_s, u"type=reminder"_s,
+                              u"phoneNumber=12"_s, u"triggerTime=1893585600"_s})});
+}
+
+void TestReminders::scheduleAtTheGivenTime_data()
+{
+    QTest::addColumn<QDateTime>("when");
+    QTest::addColumn<QString>("seconds");
+
+    QTest::newRow("UTC") << noon << u"1893585600"_s;
+    QTest::newRow("elsewhere") << QDateTime(QDate(2030, 1, 2), QTime(12, 0), QTimeZone(3600))
+                               << u"1893582000"_s;
+    QTest::newRow("here") << QDateTime::fromSecsSinceEpoch(1893585600) << u"1893585600"_s;
+    QTest::newRow("a fraction") << noon.addMSecs(999) << u"1893585600"_s;
+    QTest::newRow("the epoch") << QDateTime::fromSecsSinceEpoch(0) << u"0"_s;
+    QTest::newRow("the last second")
+        << QDateTime::fromSecsSinceEpoch(4294967294) << u"4294967294"_s;
+    QTest::newRow("too late") << QDateTime::fromSecsSinceEpoch(4294967296) << u"4294967295"_s;
+    QTest::newRow("too early") << QDateTime::fromSecsSinceEpoch(-1) << u"4294967295"_s;
+    QTest::newRow("invalid") << QDateTime() << u"4294967295"_s;
+}
+
+void TestReminders::scheduleAtTheGivenTime()
+{
+    QFETCH(QDateTime, when);
+    QFETCH(QString, seconds);
+
+    startEmpty();
+    const Reminder *a = watch(u"a"_s, u"1"_s);
+    const QDBusMessage call = create(u"1"_s, when);
+    const QStringList steps = call.arguments().constFirst().toStringList();
+    QCOMPARE(steps.value(2), u"ticker "_s + seconds);
+    QCOMPARE(steps.value(7), u"triggerTime="_s + seconds);
+    m_daemon->reply(call, {1U});
+    QTRY_VERIFY(a->exists());
+    QCOMPARE(a->when(), when);
+    QCOMPARE(a->when().timeSpec(), when.isValid() ? Qt::UTC : a->when().timeSpec());
+}
+
+void TestReminders::publishTheNotificationInOrder()
+{
+    startEmpty();
+    const QDBusMessage call = create(u"1"_s);
+    m_platform->takeCalls();
+    m_platform->nextNotificationId = 7;
+    m_daemon->reply(call, {3000000000U});
+    m_daemon->settle();
+    const QString action =
+        u"{\"arguments\":[[\"callHistory\"]],\"iface\":\"com.nokia.MApplicationIf\",\"method\":"
+        u"\"launch\","
+        "\"name\":\"%1\",\"path\":\"/org/maemo/m\",\"service\":\"com.nokia.telephony.callhistory\"}"_s;
+    QCOMPARE(m_platform->takeCalls(),
+             QStringList({u"Notification()"_s, u"setAppName(app)"_s,
+                          u"setCategory(x-nimbo-call-reminder)"_s, u"setSummary(title)"_s,
+                          u"setBody(text)"_s, u"setUrgency(0)"_s, u"setReplacesId(0)"_s,
+                          u"setHintValue(x-nimbo-alarm-cookie, uint 3000000000)"_s,
+                          u"setRemoteActions(["_s + action.arg(u"default"_s) + u','
+                              + action.arg(u"app"_s) + u"])"_s,
+                          u"publish()"_s, u"~Notification()"_s}));
+}
+
+void TestReminders::reportACreatedReminder()
+{
+    startEmpty();
+    watch(u"a"_s, u"1"_s);
+    watch(u"b"_s, u"2"_s);
+    watch(u"c"_s, u" 1"_s);
+    createReminder(u"1"_s, 5);
+    const QString due = u"yes 2030-01-02T12:00:00Z"_s;
+    const QStringList expected{u"a when: "_s + due, u"a exists: "_s + due, u"c when: "_s + due,
+                               u"c exists: "_s + due};
+    QCOMPARE(takeEvents(), expected);
+    createReminder(u"1"_s, 6); // the same once more: reported in any case
+    QCOMPARE(takeEvents(), expected);
+}
+
+void TestReminders::chooseTheCookieToReplace_data()
+{
+    QTest::addColumn<QStringList>("numbers"); // with an alarm each, unless they begin with '!'
+    QTest::addColumn<QString>("number");
+    QTest::addColumn<uint>("cookie"); // the place in numbers, from 1; 0 to add
+
+    QTest::newRow("none") << QStringList() << u"1"_s << 0U;
+    QTest::newRow("another") << QStringList{u"2"_s} << u"1"_s << 0U;
+    QTest::newRow("exact") << QStringList{u"2"_s, u"1"_s} << u"1"_s << 2U;
+    QTest::newRow("exact, written otherwise") << QStringList{u"12"_s} << u"1 2"_s << 1U;
+    QTest::newRow("loose") << QStringList{u"a/1"_s, u"2"_s} << u"b/1"_s << 1U;
+    QTest::newRow("exact without an alarm") << QStringList{u"!a/1"_s, u"2"_s} << u"a/1"_s << 0U;
+    QTest::newRow("loose without an alarm") << QStringList{u"!a/1"_s, u"2"_s} << u"b/1"_s << 0U;
+}
+
+void TestReminders::chooseTheCookieToReplace()
+{
+    QFETCH(QStringList, numbers);
+    QFETCH(QString, number);
+    QFETCH(uint, cookie);
+
+    startEmpty();
+    uint next = 0;
+    for (const QString &known : numbers) {
+        ++next;
+        if (known.startsWith(u'!'))
+            watch(known, known.mid(1));
+        else
+            createReminder(known, next);
+    }
+    const QDBusMessage call = create(number);
+    QCOMPARE(call.member(), cookie == 0 ? u"add_event"_s : u"replace_event"_s);
+    QCOMPARE(call.arguments().value(1).toUInt(), cookie);
+}
+
+void TestReminders::readTheCookieOfAReply_data()
+{
+    QTest::addColumn<QVariant>("reply");
+    QTest::addColumn<uint>("cookie");
+
+    QTest::newRow("a number") << QVariant(5U) << 5U;
+    QTest::newRow("the largest") << QVariant(4294967295U) << 4294967295U;
+    QTest::newRow("a signed number") << QVariant(5) << 5U;
+    QTest::newRow("a long number") << QVariant(qulonglong{5}) << 5U;
+    QTest::newRow("a text") << QVariant(u"5"_s) << 5U;
+    QTest::newRow("a variant") << QVariant::fromValue(QDBusVariant(5U)) << 0U;
+}
+
+void TestReminders::readTheCookieOfAReply()
+{
+    QFETCH(QVariant, reply);
+    QFETCH(uint, cookie);
+
+    startEmpty();
+    const Reminder *a = watch(u"a"_s, u"1"_s);
+    m_daemon->reply(create(u"1"_s), {reply});
+    m_daemon->settle();
+    QCOMPARE(a->exists(), cookie != 0);
+    if (cookie == 0)
+        QCOMPARE(log(), QStringList(u"warning: Failed to create alarm"_s));
+    else
+        QCOMPARE(create(u"1"_s).arguments().value(1), QVariant(cookie));
+}
+
+void TestReminders::warnOfAnAlarmThatIsNotMade_data()
+{
+    QTest::addColumn<QVariantList>("reply");
+
+    QTest::newRow("an error") << QVariantList{QVariant()};
+    QTest::newRow("0") << QVariantList{0U};
+    QTest::newRow("a word") << QVariantList{u"five"_s};
+    QTest::newRow("nothing") << QVariantList();
+    QTest::newRow("a list") << QVariantList{QVariant(QVariantList{5U})};
+    QTest::newRow("a map") << QVariantList{QVariantMap{{u"a"_s, 5}}};
+    QTest::newRow("an array") << QVariantList{QVariant::fromValue(QList<uint>{5})};
+}
+
+void TestReminders::warnOfAnAlarmThatIsNotMade()
+{
+    QFETCH(QVariantList, reply);
+
+    startEmpty();
+    const Reminder *a = watch(u"a"_s, u"1"_s);
+    const QDBusMessage call = create(u"1"_s);
+    m_platform->takeCalls();
+    if (reply.size() == 1 && !reply.constFirst().isValid())
+        m_daemon->fail(call, u"com.example.Error"_s, u"no"_s);
+    else
+        m_daemon->reply(call, reply);
+    m_daemon->settle();
+    QCOMPARE(log(), QStringList(u"warning: Failed to create alarm"_s));
+    QCOMPARE(m_platform->takeCalls(), QStringList());
+    QVERIFY(!a->exists());
+    QVERIFY(!a->when().isValid());
+    QCOMPARE(takeEvents(), QStringList());
+    QCOMPARE(create(u"1"_s).member(), u"add_event"_s);
+}
+
+void TestReminders::warnOfAnException_data()
+{
+    QTest::addColumn<bool>("building");
+    QTest::addColumn<bool>("replacing");
+
+    QTest::newRow("building") << true << false;
+    QTest::newRow("sending") << false << false;
+    QTest::newRow("replacing") << false << true;
+}
+
+void TestReminders::warnOfAnException()
+{
+    QFETCH(bool, building);
+    QFETCH(bool, replacing);
+
+    startEmpty();
+    if (replacing)
+        createReminder(u"1"_s, 1);
+    (building ? m_platform->throwFromSetAttribute : m_platform->throwFromSending) = true;
+    m_reminders->createWithStrings(u"1"_s, noon, u"app"_s, u"contact"_s, u"title"_s, u"text"_s);
+    QCOMPARE(log(), QStringList(u"warning:  Timed triggered an exception"_s));
+    m_daemon->settle();
+    QCOMPARE(m_daemon->waiting(), 0);
+    QCOMPARE(create(u"1"_s).member(), replacing ? u"replace_event"_s : u"add_event"_s);
+}
+
+void TestReminders::lookTheRecordUpAgainWhenTheReplyComes()
+{
+    startEmpty();
+    const QDBusMessage call = create(u"a/1"_s);
+    watch(u"b"_s, u"b/1"_s); // the record that the number will find loosely
+    m_daemon->reply(call, {5U});
+    m_daemon->settle();
+    QCOMPARE(takeEvents(),
+             QStringList(
+                 {u"b when: yes 2030-01-02T12:00:00Z"_s, u"b exists: yes 2030-01-02T12:00:00Z"_s}));
+    QCOMPARE(create(u"b/1"_s).arguments().value(1), QVariant(5U));
+}
+
+void TestReminders::takeRepliesInAnyOrder()
+{
+    startEmpty();
+    const Reminder *a = watch(u"a"_s, u"1"_s);
+    const QDBusMessage first = create(u"1"_s, noon);
+    const QDBusMessage second = create(u"1"_s, noon.addSecs(60));
+    QCOMPARE(second.member(), u"add_event"_s); // it could not know of the first
+    m_daemon->reply(second, {8U});
+    m_daemon->settle();
+    QCOMPARE(a->when(), noon.addSecs(60));
+    m_daemon->reply(first, {7U});
+    m_daemon->settle();
+    QCOMPARE(a->when(), noon);
+    QCOMPARE(create(u"1"_s).arguments().value(1), QVariant(7U));
+}
+
+void TestReminders::ignoreRepliesOnceTheyAreGone()
+{
+    startEmpty();
+    const Reminder *a = watch(u"a"_s, u"1"_s);
+    const QDBusMessage call = create(u"1"_s);
+    m_platform->takeCalls();
+    m_reminders.reset();
+    m_daemon->reply(call, {5U});
+    m_daemon->settle();
+    QCOMPARE(m_platform->takeCalls(), QStringList());
+    QVERIFY(!a->exists());
+    QCOMPARE(a->reminders(), nullptr);
+}
+
+void TestReminders::keepTheIdWithoutAnAnswer()
+{
+    startEmpty();
+    const Reminder *a = watch(u"a"_s, u"1"_s);
+    m_platform->nextNotificationId = 0;
+    createReminder(u"1"_s, 5);
+    QVERIFY(a->exists()); // it is not known that there is none
+    m_platform->nextNotificationId = 3;
+    createReminder(u"1"_s, 6);
+    m_platform->nextNotificationId = 0;
+    createReminder(u"1"_s, 7);
+    m_notifications->emitSignal(u"org.freedesktop.Notifications"_s, u"NotificationClosed"_s,
+                                {3U, 1U});
+    m_daemon->settle();
+    watch(u"b"_s, u"1"_s);
+    QVERIFY(!m_watching.back()->exists()); // the id was still 3, and is gone now
+}
+
+void TestReminders::replaceTheNotification()
+{
+    startEmpty();
+    m_platform->nextNotificationId = 7;
+    createReminder(u"1"_s, 5);
+    m_daemon->reply(create(u"1"_s), {6U});
+    m_daemon->settle();
+    QVERIFY(m_platform->takeCalls().contains(u"setReplacesId(7)"_s));
+}
+
+void TestReminders::publishAnewAfterTheNotificationWasClosed()
+{
+    startEmpty();
+    m_platform->nextNotificationId = 7;
+    createReminder(u"1"_s, 5);
+    m_notifications->emitSignal(u"org.freedesktop.Notifications"_s, u"NotificationClosed"_s,
+                                {7U, 2U});
+    m_daemon->settle();
+    const QDBusMessage call = create(u"1"_s);
+    QCOMPARE(call.member(), u"replace_event"_s);
+    m_daemon->reply(call, {6U});
+    m_daemon->settle();
+    QVERIFY(m_platform->takeCalls().contains(u"setReplacesId(0)"_s));
+}
+
+void TestReminders::bindToTheExactNumber()
+{
+    startEmpty();
+    createReminder(u"2"_s, 2);
+    createReminder(u"1"_s, 5);
+    Reminder *a = watch(u"a"_s, QString());
+    a->setPhoneNumber(u" 1"_s);
+    const QString due = u"yes 2030-01-02T12:00:00Z"_s;
+    QCOMPARE(takeEvents(),
+             QStringList({u"a when: "_s + due, u"a exists: "_s + due, u"a number: "_s + due}));
+    QCOMPARE(a->phoneNumber(), u" 1"_s);
+}
+
+void TestReminders::bindToTheFirstLooseNumber()
+{
+    startEmpty();
+    createReminder(u"a/1"_s, 5);
+    createReminder(u"2"_s, 6);
+    QVERIFY(watch(u"b"_s, u"b/1"_s)->exists());
+    QVERIFY(!watch(u"c"_s, u"b/3"_s)->exists());
+}
+
+void TestReminders::bindToANewRecord()
+{
+    startEmpty();
+    const Reminder *a = watch(u"a"_s, u"1"_s);
+    QVERIFY(!a->exists());
+    QVERIFY(!a->when().isValid());
+    createReminder(u"1"_s, 5);
+    QVERIFY(a->exists());
+}
+
+void TestReminders::reportOnlyWhatDiffersWhenBinding()
+{
+    startEmpty();
+    createReminder(u"1"_s, 5);
+    createReminder(u"2"_s, 6);
+    createReminder(u"3"_s, 7, noon.addSecs(60));
+    Reminder *a = watch(u"a"_s, u"1"_s);
+    a->setPhoneNumber(u"2"_s); // due at the same time
+    QCOMPARE(takeEvents(), QStringList(u"a number: yes 2030-01-02T12:00:00Z"_s));
+    a->setPhoneNumber(u"3"_s);
+    QCOMPARE(takeEvents(),
+             QStringList(
+                 {u"a when: yes 2030-01-02T12:01:00Z"_s, u"a number: yes 2030-01-02T12:01:00Z"_s}));
+}
+
+void TestReminders::keepWhenForANewNumber()
+{
+    startEmpty();
+    createReminder(u"1"_s, 5);
+    Reminder *a = watch(u"a"_s, u"1"_s);
+    a->setPhoneNumber(u"2"_s);
+    const QString was = u"no 2030-01-02T12:00:00Z"_s;
+    QCOMPARE(takeEvents(), QStringList({u"a exists: "_s + was, u"a number: "_s + was}));
+}
+
+void TestReminders::eraseRecordsThatNobodyUses()
+{
+    startEmpty();
+    Reminder *a = watch(u"a"_s, u"a/1"_s);
+    a->setPhoneNumber(u"2"_s); // the record of a/1 goes: b/1 gets its own, not that one
+    const QDBusMessage call = create(u"b/1"_s);
+    m_daemon->reply(call, {5U});
+    m_daemon->settle();
+    a->setPhoneNumber(u"b/1"_s);
+    QVERIFY(a->exists());
+    a->setPhoneNumber(u"a/1"_s);
+    QVERIFY(a->exists()); // loosely
+    QCOMPARE(create(u"c/1"_s).arguments().value(1), QVariant(5U));
+}
+
+void TestReminders::takeAReminderOutOfOtherRecords()
+{
+    startEmpty();
+    const Reminder *first = watch(u"first"_s, u"0"_s); // so that nothing below is the first record
+    Reminder *a = watch(u"a"_s, u"1"_s);
+    a->setPhoneNumber(u"2"_s);
+    a->setPhoneNumber(u"3"_s);
+    takeEvents();
+    createReminder(u"1"_s, 5);
+    createReminder(u"2"_s, 6);
+    QCOMPARE(takeEvents(), QStringList());
+    createReminder(u"3"_s, 7);
+    QCOMPARE(takeEvents().size(), 2);
+    QVERIFY(a->exists() && !first->exists());
+}
+
+void TestReminders::listAReminderTwice()
+{
+    startEmpty();
+    Reminder *a = watch(u"a"_s, u"1"_s);
+    a->setPhoneNumber(u" 1"_s);
+    QCOMPARE(takeEvents(), QStringList(u"a number: no "_s));
+    createReminder(u"1"_s, 5);
+    const QString due = u"yes 2030-01-02T12:00:00Z"_s;
+    QCOMPARE(takeEvents(),
+             QStringList({u"a when: "_s + due, u"a exists: "_s + due, u"a when: "_s + due,
+                          u"a exists: "_s + due}));
+
+    a->setPhoneNumber(QString()); // one of the two goes
+    takeEvents();
+    createReminder(u"1"_s, 6);
+    QCOMPARE(takeEvents(), QStringList({u"a when: "_s + due, u"a exists: "_s + due}));
+}
+
+void TestReminders::setTheSameNumberSilently()
+{
+    startEmpty();
+    Reminder *a = watch(u"a"_s, u"1"_s);
+    m_platform->takeCalls();
+    a->setPhoneNumber(u"1"_s);
+    QCOMPARE(takeEvents(), QStringList());
+    QCOMPARE(m_platform->takeCalls(), QStringList());
+}
+
+void TestReminders::clearTheNumber()
+{
+    startEmpty();
+    createReminder(u"1"_s, 5);
+    Reminder *a = watch(u"a"_s, u"1"_s);
+    Reminder *b = watch(u"b"_s, u"2"_s);
+    a->setPhoneNumber(QString());
+    b->setPhoneNumber(QString());
+    const QString was = u"no 2030-01-02T12:00:00Z"_s;
+    QCOMPARE(takeEvents(),
+             QStringList({u"a exists: "_s + was, u"a number: "_s + was, u"b number: no "_s}));
+}
+
+void TestReminders::detachFromTheFirstRecordAlone()
+{
+    startEmpty();
+    Reminder *a = watch(u"a"_s, u"1"_s);
+    Reminder *b = watch(u"b"_s, u"2"_s);
+    b->setPhoneNumber(QString()); // stays listed, in the second record
+    a->setPhoneNumber(QString()); // goes, and so does the first record
+    takeEvents();
+    createReminder(u"1"_s, 5);
+    QCOMPARE(takeEvents(), QStringList());
+    createReminder(u"2"_s, 6);
+    QCOMPARE(takeEvents(),
+             QStringList(
+                 {u"b when: yes 2030-01-02T12:00:00Z"_s, u"b exists: yes 2030-01-02T12:00:00Z"_s}));
+}
+
+void TestReminders::eraseTheFirstRecordWhenNobodyUsesIt_data()
+{
+    QTest::addColumn<bool>("byItsAlarm");
+
+    QTest::newRow("its last reminder goes") << false;
+    QTest::newRow("its alarm goes") << true;
+}
+
+/// The second record is the first one then, and lets go of its reminder.
+void TestReminders::eraseTheFirstRecordWhenNobodyUsesIt()
+{
+    QFETCH(bool, byItsAlarm);
+
+    startEmpty();
+    if (byItsAlarm)
+        createReminder(u"1"_s, 5);
+    Reminder *a = watch(u"a"_s, byItsAlarm ? QString() : u"1"_s);
+    Reminder *b = watch(u"b"_s, u"2"_s);
+    if (byItsAlarm) {
+        m_daemon->emitSignal(u"com.nimbo.timed"_s, u"alarm_triggers_changed"_s,
+                             {QVariant::fromValue(Maemo::Timed::Event::Triggers())});
+        QCOMPARE(m_notifications->next(u"CloseNotification"_s).arguments(), QVariantList{1U});
+    } else {
+        a->setPhoneNumber(QString());
+    }
+    b->setPhoneNumber(QString());
+    takeEvents();
+    createReminder(u"2"_s, 6);
+    QCOMPARE(takeEvents(), QStringList());
+}
+
+void TestReminders::setTheStoreSilently()
+{
+    startEmpty();
+    createReminder(u"1"_s, 5);
+    Reminder *a = watch(u"a"_s, u"1"_s);
+    QVERIFY(a->exists());
+    a->setReminders(nullptr);
+    QVERIFY(!a->exists());
+    a->setReminders(nullptr);
+    a->setReminders(m_reminders.get());
+    QVERIFY(a->exists());
+    const QString due = u" 2030-01-02T12:00:00Z"_s;
+    QCOMPARE(takeEvents(), QStringList({u"a exists: no"_s + due, u"a exists: yes"_s + due}));
+
+    Reminder withoutNumber;
+    m_platform->takeCalls();
+    withoutNumber.setReminders(m_reminders.get());
+    QCOMPARE(m_platform->takeCalls(), QStringList());
+}
+
+void TestReminders::forgetADestroyedStore()
+{
+    startEmpty();
+    createReminder(u"1"_s, 5);
+    Reminder *a = watch(u"a"_s, u"1"_s);
+    m_reminders.reset();
+    QCOMPARE(a->reminders(), nullptr);
+    QVERIFY(a->exists()); // as it was
+    QCOMPARE(a->when(), noon);
+    a->remove();
+    a->setPhoneNumber(u"2"_s);
+    a->setReminders(nullptr);
+    QCOMPARE(takeEvents(), QStringList(u"a number: yes 2030-01-02T12:00:00Z"_s));
+}
+
+void TestReminders::neverTouchADestroyedReminder()
+{
+    startEmpty();
+    watch(u"a"_s, u"1"_s);
+    watch(u"b"_s, u"2"_s);
+    createReminder(u"2"_s, 5);
+    takeEvents();
+    m_watching.pop_back(); // b goes; it stays listed in the second record
+    QCOMPARE(takeEvents(), QStringList(u"b exists: no 2030-01-02T12:00:00Z"_s));
+    createReminder(u"2"_s, 6);
+    m_daemon->emitSignal(u"com.nimbo.timed"_s, u"alarm_triggers_changed"_s,
+                         {QVariant::fromValue(Maemo::Timed::Event::Triggers())});
+    QCOMPARE(m_notifications->next(u"CloseNotification"_s).arguments(), QVariantList{1U});
+    // The record is still there: a number that matches it loosely finds it.
+    for (int i = 0; i < 100; ++i) {
+        watch(u"c"_s, u"2"_s);
+        m_watching.pop_back();
+    }
+    createReminder(u"x/2"_s, 7);
+    QVERIFY(watch(u"d"_s, u"2"_s)->exists());
+    QCOMPARE(takeEvents(), QStringList());
+}
+
+void TestReminders::removeAReminder()
+{
+    startEmpty();
+    m_platform->nextNotificationId = 7;
+    createReminder(u"1"_s, 5);
+    Reminder *a = watch(u"a"_s, u"1"_s);
+    watch(u"b"_s, u"1"_s);
+    a->remove();
+    const QString was = u" no 2030-01-02T12:00:00Z"_s;
+    QCOMPARE(takeEvents(), QStringList({u"a exists:"_s + was, u"b exists:"_s + was}));
+    QCOMPARE(m_notifications->next(u"CloseNotification"_s).arguments(), QVariantList{7U});
+    const QDBusMessage cancel = m_daemon->next(u"cancel"_s);
+    QCOMPARE(cancel.arguments(), QVariantList{5U});
+    m_daemon->fail(cancel, u"com.example.Error"_s, u"not noticed"_s);
+    a->remove();
+    m_daemon->settle();
+    QCOMPARE(create(u"1"_s).member(), u"add_event"_s); // the record is there, without an alarm
+}
+
+void TestReminders::removeNothingThatDoesNotExist()
+{
+    start({{5, attributes(u"1"_s)}}, {});
+    Reminder *a = watch(u"a"_s, u"1"_s);
+    a->remove(); // an alarm alone is no reminder
+    Reminder unbound;
+    unbound.remove();
+    m_daemon->settle();
+    QCOMPARE(takeEvents(), QStringList());
+    QCOMPARE(create(u"1"_s).arguments().value(1), QVariant(5U));
+}
+
+void TestReminders::removeWithoutANotification()
+{
+    startEmpty();
+    createReminder(u"1"_s, 5);
+    Reminder *a = watch(u"a"_s, u"1"_s);
+    m_notifications->emitSignal(u"org.freedesktop.Notifications"_s, u"NotificationClosed"_s,
+                                {1U, 2U});
+    m_daemon->settle();
+    QVERIFY(a->exists());
+    a->remove();
+    QCOMPARE(m_daemon->next(u"cancel"_s).arguments(), QVariantList{5U});
+    QCOMPARE(takeEvents(), QStringList(u"a exists: no 2030-01-02T12:00:00Z"_s));
+}
+
+void TestReminders::dropAlarmsThatHaveGone()
+{
+    startEmpty();
+    createReminder(u"1"_s, 5);
+    createReminder(u"2"_s, 6);
+    createReminder(u"3"_s, 7);
+    watch(u"a"_s, u"1"_s);
+    watch(u"b"_s, u"3"_s);
+    watch(u"c"_s, u"3"_s);
+    Maemo::Timed::Event::Triggers triggers;
+    triggers.insert(5, 1);
+    triggers.insert(9, 1);
+    m_daemon->emitSignal(u"com.nimbo.timed"_s, u"alarm_triggers_changed"_s,
+                         {QVariant::fromValue(triggers)});
+    for (const uint id : {2U, 3U})
+        QCOMPARE(m_notifications->next(u"CloseNotification"_s).arguments(), QVariantList{id});
+    const QString was = u" no 2030-01-02T12:00:00Z"_s;
+    QCOMPARE(takeEvents(), QStringList({u"b exists:"_s + was, u"c exists:"_s + was}));
+
+    // The record of 2, which nobody watched, is gone; that of 3 is not.
+    m_daemon->reply(create(u"x/2"_s), {8U});
+    m_daemon->settle();
+    watch(u"d"_s, u"2"_s);
+    createReminder(u"x/3"_s, 9);
+    QCOMPARE(takeEvents().size(), 4); // b and c
+}
+
+void TestReminders::followTriggersOfOthers()
+{
+    startEmpty();
+    createReminder(u"1"_s, 5);
+    watch(u"a"_s, u"1"_s);
+    Maemo::Timed::Event::Triggers triggers;
+    triggers.insert(5, 99);
+    m_daemon->emitSignal(u"com.nimbo.timed"_s, u"alarm_triggers_changed"_s,
+                         {QVariant::fromValue(triggers)});
+    m_daemon->emitSignal(u"com.nimbo.timed"_s, u"alarm_triggers_changed"_s, {u"junk"_s});
+    m_daemon->emitSignal(u"com.nimbo.timed"_s, u"alarm_triggers_changed"_s, {});
+    m_daemon->settle();
+    QCOMPARE(takeEvents(), QStringList());
+}
+
+void TestReminders::clearTheNotificationThatWasClosed()
+{
+    startEmpty();
+    createReminder(u"1"_s, 5);
+    createReminder(u"2"_s, 6);
+    const Reminder *a = watch(u"a"_s, u"1"_s);
+    m_notifications->emitSignal(u"org.freedesktop.Notifications"_s, u"NotificationClosed"_s,
+                                {1U, 2U});
+    m_notifications->emitSignal(u"org.freedesktop.Notifications"_s, u"NotificationClosed"_s,
+                                {77U, 3U});
+    m_notifications->emitSignal(u"org.freedesktop.Notifications"_s, u"NotificationClosed"_s,
+                                {0U, 3U});
+    m_daemon->settle();
+    QCOMPARE(takeEvents(), QStringList());
+    QVERIFY(a->exists()); // until it is bound anew
+    QVERIFY(!watch(u"b"_s, u"1"_s)->exists());
+    QVERIFY(watch(u"c"_s, u"2"_s)->exists());
+}
+
+void TestReminders::surviveTheirHandlers_data()
+{
+    QTest::addColumn<QString>("deed");
+
+    for (const char *deed :
+         {"remove this", "remove another", "clear the number", "set another number",
+          "clear the store", "destroy this", "destroy another", "destroy all", "destroy the store",
+          "create some", "create a reminder", "unbind another"})
+        QTest::newRow(deed) << QString::fromLatin1(deed);
+}
+
+/// Three objects watch one number and one another. A handler of whatever the second reports does
+/// its deed, once; then everything that can be reported is.
+void TestReminders::surviveTheirHandlers()
+{
+    QFETCH(QString, deed);
+
+    for (const QString &cause :
+         {u"created"_s, u"gone"_s, u"removed"_s, u"bound"_s, u"matched"_s, u"detached"_s}) {
+        m_events.clear();
+        m_platform->nextNotificationId = 1;
+
+        if (cause == u"matched"_s) {
+            m_reminders = std::make_unique<Reminders>();
+        } else {
+            startEmpty();
+            createReminder(u"0"_s, 4);
+            if (cause != u"created"_s)
+                createReminder(u"1"_s, 5);
+        }
+        Reminder *other = watch(u"other"_s, u"0"_s);
+        Reminder *a = watch(u"a"_s, u"1"_s);
+        Reminder *b = watch(u"b"_s, cause == u"bound"_s ? u"2"_s : u"1"_s);
+        Reminder *c = watch(u"c"_s, u"1"_s);
+        const QPointer<Reminder> living(c);
+        takeEvents();
+
+        const auto destroy = [this](Reminder *reminder) {
+            for (auto &watching : m_watching) {
+                if (watching.get() == reminder) {
+                    reminder->disconnect(this);
+                    delete watching.release();
+                }
+            }
+        };
+        bool done = false;
+        const auto act = [&] {
+            if (std::exchange(done, true))
+                return;
+            if (deed == u"remove this"_s)
+                b->remove();
+            else if (deed == u"remove another"_s)
+                other->remove();
+            else if (deed == u"clear the number"_s)
+                b->setPhoneNumber(QString());
+            else if (deed == u"set another number"_s)
+                b->setPhoneNumber(u"0"_s);
+            else if (deed == u"clear the store"_s)
+                b->setReminders(nullptr);
+            else if (deed == u"destroy this"_s
+                     && cause != u"detached"_s) // which destroys it already
+                destroy(b);
+            else if (deed == u"destroy another"_s)
+                destroy(c);
+            else if (deed == u"destroy all"_s && cause != u"detached"_s)
+                for (Reminder *reminder : {other, a, b, c})
+                    destroy(reminder);
+            else if (deed == u"destroy the store"_s)
+                m_reminders.reset();
+            else if (deed == u"create some"_s)
+                for (const QString &number : {u"1"_s, u"0"_s, u"7"_s, u"1"_s})
+                    watch(u"new"_s, number);
+            else if (deed == u"create a reminder"_s)
+                m_reminders->createWithStrings(u"1"_s, noon, u"app"_s, u"contact"_s, u"title"_s,
+                                               u"text"_s);
+            else if (deed == u"unbind another"_s)
+                c->setPhoneNumber(u"0"_s);
+        };
+        connect(b, &Reminder::whenChanged, this, act);
+        connect(b, &Reminder::existsChanged, this, act);
+
+        if (cause == u"created"_s) {
+            m_daemon->reply(create(u"1"_s), {5U});
+        } else if (cause == u"gone"_s) {
+            m_daemon->emitSignal(u"com.nimbo.timed"_s, u"alarm_triggers_changed"_s,
+                                 {QVariant::fromValue(Maemo::Timed::Event::Triggers())});
+        } else if (cause == u"removed"_s) {
+            a->remove();
+        } else if (cause == u"bound"_s) {
+            b->setPhoneNumber(u"1"_s);
+        } else if (cause == u"matched"_s) {
+            m_daemon->reply(m_daemon->next(u"query"_s), {QVariant(QVariantList{4U, 5U})});
+            m_daemon->reply(m_daemon->next(u"get_attributes_by_cookies"_s),
+                            {QVariant::fromValue(AttributesByCookie{{4, attributes(u"0"_s)},
+                                                                    {5, attributes(u"1"_s)}})});
+            m_notifications->reply(m_notifications->next(u"GetNotificationsByCategory"_s),
+                                   {QVariant::fromValue(QVector<NotificationData>{
+                                       notification(2, 5U), notification(1, 4U)})});
+        } else {
+            for (auto &watching : m_watching) {
+                if (watching.get() == b)
+                    watching.reset();
+            }
+        }
+        m_daemon->settle();
+        QVERIFY2(done, qUtf8Printable(cause));
+        if (cause != u"bound"_s && cause != u"detached"_s) {
+            // The third was still bound and was told, unless it was not, or nobody was left to tell
+            // it.
+            const bool told = !m_events.filter(QRegularExpression(u"^c "_s)).isEmpty();
+            const bool gone = deed == u"destroy another"_s || deed == u"destroy all"_s
+                || deed == u"destroy the store"_s;
+            QVERIFY2(told != gone, qUtf8Printable(cause));
+            QCOMPARE(living.isNull(), deed == u"destroy another"_s || deed == u"destroy all"_s);
+        }
+        m_watching.clear(); // whose handlers reach into this turn of the loop
+        m_reminders.reset();
+        m_daemon->settle();
+        m_daemon->forget();
+        m_notifications->forget();
+    }
+}
+
+QTEST_GUILESS_MAIN(TestReminders)
+
+#include "tst_reminders.moc"

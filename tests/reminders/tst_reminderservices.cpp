@@ -1,0 +1,432 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+#include "childprocess.h"
+#include "literals.h"
+#include "scriptedservice.h"
+#include "uiundertest.h"
+
+#include <QDBusArgument>
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDBusMetaType>
+#include <QElapsedTimer>
+#include <QJsonArray>
+#include <QProcessEnvironment>
+#include <QTest>
+
+#include <csignal>
+#include <map>
+#include <memory>
+
+#include <sys/types.h>
+
+namespace {
+
+const QString timed = u"com.nimbo.timed"_s;
+const QString timedPath = u"/com/nimbo/timed"_s;
+const QString notifications = u"org.freedesktop.Notifications"_s;
+const QString notificationsPath = u"/org/freedesktop/Notifications"_s;
+const QString timeDaemon = u"time-daemon"_s;
+const QString notificationService = u"notification-service"_s;
+const QString number = u"+1 (555) 010-0"_s;
+const QString normalized = u"+15550100"_s;
+
+constexpr qlonglong due = 1893585600; // 2030-01-02 12:00 UTC
+
+} // namespace
+
+/// Reminders of the built process, against services that are scripted message by message, and
+/// against those of the simulated handset.
+class TestReminderServices : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { qDBusRegisterMetaType<QList<uint>>(); }
+    void init();
+    void cleanup();
+
+    void speakToTheServicesInOrder();
+    void sendExactlyThis();
+    void answerOthersWhileTheTimeDaemonHangs();
+    void waitForTheNotificationServiceNoLongerThanFiveSeconds();
+
+    void goWhenTheAlarmFires();
+    void stayWhenTheNotificationIsDismissed();
+    void goWhenTheyAreRemoved();
+    void surviveARestartOfTheUi();
+    void closeLeftovers();
+    void tolerateMissingServices();
+    void tolerateNoSystemBus();
+    void tolerateADaemonThatDiesInACall();
+    void returnWithTheDaemon();
+
+private:
+    bool startUi();
+    bool startService(const QString &name);
+    void endService(const QString &name, int signal);
+    bool create(const QString &what = number, qlonglong seconds = due);
+    QDBusMessage ask(const QDBusConnection &bus, const QString &service, const QString &path,
+                     const QString &interface, const QString &method,
+                     const QVariantList &arguments = {});
+    QVariant onlyAlarm();
+    int notificationsShown();
+    bool logsError(const QString &what);
+
+    std::unique_ptr<UiUnderTest> m_ui;
+    std::unique_ptr<QDBusConnection> m_system;
+    std::map<QString, std::unique_ptr<ChildProcess>> m_services;
+};
+
+void TestReminderServices::init()
+{
+    m_ui = std::make_unique<UiUnderTest>();
+    QVERIFY(m_ui->isValid());
+    // The connections of this process that ScriptedService::settle() asks.
+    m_system = std::make_unique<QDBusConnection>(
+        QDBusConnection::connectToBus(m_ui->systemBus().address(), m_ui->folder() + u"/system"_s));
+    QVERIFY(m_system->isConnected());
+}
+
+void TestReminderServices::cleanup()
+{
+    m_ui->stop();
+    m_services.clear();
+    QDBusConnection::disconnectFromBus(m_system->name());
+    m_system.reset();
+    QCOMPARE(m_ui->takeLog().join(u'\n'), QString());
+    m_ui.reset();
+}
+
+bool TestReminderServices::startUi()
+{
+    return m_ui->startScreens(QStringLiteral(PARLEY_REMINDER_SCREENS), {u"-prestart"_s});
+}
+
+bool TestReminderServices::startService(const QString &name)
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, m_ui->sessionBus().address());
+    environment.insert(u"DBUS_SYSTEM_BUS_ADDRESS"_s, m_ui->systemBus().address());
+    auto process = std::make_unique<ChildProcess>();
+    process->setProcessEnvironment(environment);
+    process->start(qEnvironmentVariable("PARLEY_HANDSET"),
+                   {u"--service"_s, name, u"--state"_s, m_ui->folder() + u"/state"_s});
+    m_services[name] = std::move(process);
+    const QDBusConnection bus = name == timeDaemon ? *m_system : m_ui->session();
+    const QString service = name == timeDaemon ? timed : notifications;
+    return QTest::qWaitFor([&] { return bus.interface()->isServiceRegistered(service).value(); },
+                           30000);
+}
+
+void TestReminderServices::endService(const QString &name, int signal)
+{
+    const auto &process = m_services.at(name);
+    QVERIFY(process->processId() > 0);
+    ::kill(static_cast<pid_t>(process->processId()), signal);
+    QVERIFY(process->waitForFinished());
+}
+
+bool TestReminderServices::create(const QString &what, qlonglong seconds)
+{
+    m_ui->evaluate(u"create('%1', %2)"_s.arg(what).arg(seconds));
+    return m_ui->logs(u"qml: when %1"_s.arg(seconds)) && m_ui->logs(u"qml: exists true"_s);
+}
+
+QDBusMessage TestReminderServices::ask(const QDBusConnection &bus, const QString &service,
+                                       const QString &path, const QString &interface,
+                                       const QString &method, const QVariantList &arguments)
+{
+    QDBusMessage call = QDBusMessage::createMethodCall(service, path, interface, method);
+    call.setArguments(arguments);
+    return bus.call(call);
+}
+
+/// The cookie of the one alarm that there is; invalid if there are none, or more.
+QVariant TestReminderServices::onlyAlarm()
+{
+    const QDBusMessage reply = ask(*m_system, timed, timedPath, timed, u"query"_s,
+                                   {QVariantMap{{u"type"_s, u"reminder"_s}}});
+    const auto cookies = qdbus_cast<QVariantList>(reply.arguments().value(0));
+    return cookies.size() == 1 ? cookies.constFirst() : QVariant();
+}
+
+int TestReminderServices::notificationsShown()
+{
+    const QDBusMessage reply = ask(m_ui->session(), notifications, notificationsPath, notifications,
+                                   u"GetNotificationsByCategory"_s, {u"x-nimbo-call-reminder"_s});
+    int count = 0;
+    const auto list = reply.arguments().value(0).value<QDBusArgument>();
+    list.beginArray();
+    while (!list.atEnd()) {
+        list.asVariant();
+        ++count;
+    }
+    list.endArray();
+    return count;
+}
+
+bool TestReminderServices::logsError(const QString &what)
+{
+    return !m_ui->lineBeginning(what).isNull();
+}
+
+void TestReminderServices::speakToTheServicesInOrder()
+{
+    ScriptedService daemon(m_ui->systemBus().address(), timed, timedPath);
+    ScriptedService service(m_ui->sessionBus().address(), notifications, notificationsPath);
+    QVERIFY(startUi());
+    const QDBusMessage query = daemon.next(u"query"_s);
+    QCOMPARE(query.signature(), u"a{sv}"_s);
+    QCOMPARE(qdbus_cast<QVariantMap>(query.arguments().constFirst()),
+             QVariantMap({{u"APPLICATION"_s, u"nimbo_parley_ui"_s}, {u"type"_s, u"reminder"_s}}));
+    QCOMPARE(service.waiting(), 0);
+    daemon.reply(query, {QVariant(QVariantList{3U, 1U})});
+    const QDBusMessage details = daemon.next(u"get_attributes_by_cookies"_s);
+    QCOMPARE(qdbus_cast<QList<uint>>(details.arguments().constFirst()), QList<uint>({3, 1}));
+    QCOMPARE(service.waiting(), 0);
+    daemon.fail(details, u"com.example.Error"_s, u"no"_s);
+    QVERIFY(
+        m_ui->logs(u"Unable to query reminder alarms QDBusError(\"com.example.Error\", \"no\")"_s));
+    m_ui->evaluate(u"0"_s);
+    QCOMPARE(service.waiting(), 0);
+}
+
+void TestReminderServices::sendExactlyThis()
+{
+    ScriptedService daemon(m_ui->systemBus().address(), timed, timedPath);
+    ScriptedService service(m_ui->sessionBus().address(), notifications, notificationsPath);
+    QVERIFY(startUi());
+    daemon.fail(daemon.next(u"query"_s), u"com.example.Error"_s, u"no"_s);
+    QVERIFY(
+        m_ui->logs(u"Unable to query reminder alarms QDBusError(\"com.example.Error\", \"no\")"_s));
+
+    m_ui->evaluate(u"create('%1', %2)"_s.arg(number).arg(due));
+    QDBusMessage alarm = daemon.next(u"add_event"_s);
+    QCOMPARE(alarm.signature(), u"(uxa{ss})"_s);
+    uint flags = 0;
+    qlonglong ticker = 0;
+    QMap<QString, QString> attributes;
+    const auto event = alarm.arguments().constFirst().value<QDBusArgument>();
+    event.beginStructure();
+    event >> flags >> ticker >> attributes;
+    event.endStructure();
+    QCOMPARE(flags, 3U);
+    QCOMPARE(ticker, due);
+    QCOMPARE(attributes,
+             (QMap<QString, QString>{{u"TITLE"_s, u"contact"_s},
+                                     {u"APPLICATION"_s, u"nimbo_parley_ui"_s},
+                                     {u"type"_s, u"reminder"_s},
+                                     {u"phoneNumber"_s, normalized},
+                                     {u"triggerTime"_s, QString::number(due)}}));
+    daemon.reply(alarm, {7U});
+
+    QDBusMessage notify = service.next(u"Notify"_s);
+    QCOMPARE(notify.signature(), u"susssasa{sv}i"_s);
+    QCOMPARE(notify.arguments().mid(0, 6),
+             QVariantList({u"app"_s, 0U, QString(), u"title"_s, u"text"_s,
+                           QStringList{u"default"_s, QString(), u"app"_s, QString()}}));
+    QCOMPARE(notify.arguments().at(7), QVariant(-1));
+    auto hints = qdbus_cast<QVariantMap>(notify.arguments().at(6));
+    QCOMPARE(hints.take(u"urgency"_s), QVariant::fromValue(uchar{0}));
+    QCOMPARE(hints.take(u"category"_s), QVariant(u"x-nimbo-call-reminder"_s));
+    QCOMPARE(hints.take(u"x-nimbo-alarm-cookie"_s), QVariant(7U));
+    for (const QString &action : {u"default"_s, u"app"_s}) {
+        auto call = qdbus_cast<QVariantMap>(hints.take(u"x-nimbo-remote-action-"_s + action));
+        const auto arguments = qdbus_cast<QVariantList>(call.take(u"arguments"_s));
+        QCOMPARE(arguments, QVariantList({QStringList(u"callHistory"_s)}));
+        QCOMPARE(call,
+                 QVariantMap({{u"service"_s, u"com.nokia.telephony.callhistory"_s},
+                              {u"path"_s, u"/org/maemo/m"_s},
+                              {u"iface"_s, u"com.nokia.MApplicationIf"_s},
+                              {u"method"_s, u"launch"_s}}));
+    }
+    QCOMPARE(hints, QVariantMap());
+    service.reply(notify, {9U});
+    QVERIFY(m_ui->logs(u"qml: when %1"_s.arg(due)));
+    QVERIFY(m_ui->logs(u"qml: exists true"_s));
+
+    // Once more: in the place of both.
+    m_ui->evaluate(u"create('%1', %2)"_s.arg(number).arg(due + 60));
+    alarm = daemon.next(u"replace_event"_s);
+    QCOMPARE(alarm.signature(), u"(uxa{ss})u"_s);
+    QCOMPARE(alarm.arguments().at(1), QVariant(7U));
+    daemon.reply(alarm, {8U});
+    notify = service.next(u"Notify"_s);
+    QCOMPARE(notify.arguments().at(1), QVariant(9U));
+    service.reply(notify, {9U});
+    QVERIFY(m_ui->logs(u"qml: when %1"_s.arg(due + 60)));
+    QVERIFY(m_ui->logs(u"qml: exists true"_s));
+
+    m_ui->evaluate(u"reminder.remove()"_s);
+    const QDBusMessage close = service.next(u"CloseNotification"_s);
+    QCOMPARE(close.signature(), u"u"_s);
+    QCOMPARE(close.arguments(), QVariantList{9U});
+    const QDBusMessage cancel = daemon.next(u"cancel"_s);
+    QCOMPARE(cancel.signature(), u"u"_s);
+    QCOMPARE(cancel.arguments(), QVariantList{8U});
+    QVERIFY(m_ui->logs(u"qml: exists false"_s));
+}
+
+void TestReminderServices::answerOthersWhileTheTimeDaemonHangs()
+{
+    ScriptedService daemon(m_ui->systemBus().address(), timed, timedPath); // answers nothing
+    QVERIFY(startUi());
+    m_ui->evaluate(u"create('%1', %2)"_s.arg(number).arg(due));
+    QElapsedTimer timer;
+    timer.start();
+    QCOMPARE(m_ui->evaluate(u"1 + 1"_s), QJsonValue(2));
+    QVERIFY(timer.elapsed() < 2000);
+    QCOMPARE(daemon.next(u"query"_s).type(), QDBusMessage::MethodCallMessage);
+    QCOMPARE(daemon.next(u"add_event"_s).type(), QDBusMessage::MethodCallMessage);
+    m_ui->stop(); // before the daemon goes and answers both with an error
+}
+
+void TestReminderServices::waitForTheNotificationServiceNoLongerThanFiveSeconds()
+{
+    QVERIFY(startService(timeDaemon));
+    ScriptedService service(m_ui->sessionBus().address(), notifications,
+                            notificationsPath); // answers nothing
+    QVERIFY(startUi());
+    m_ui->evaluate(u"create('%1', %2)"_s.arg(number).arg(due));
+    QCOMPARE(service.next(u"GetNotificationsByCategory"_s).type(), QDBusMessage::MethodCallMessage);
+    QCOMPARE(service.next(u"Notify"_s).type(), QDBusMessage::MethodCallMessage);
+    QElapsedTimer timer;
+    timer.start();
+    QCOMPARE(m_ui->evaluate(u"1 + 1"_s), QJsonValue(2));
+    qInfo("a hung notification service held the UI for %lld ms", timer.elapsed());
+    QVERIFY(timer.elapsed() < 6000);
+    QVERIFY(m_ui->logs(u"qml: when %1"_s.arg(due)));
+    // Without an id there is no reminder to be seen later, but it is told that there is one now.
+    QVERIFY(m_ui->logs(u"qml: exists true"_s));
+}
+
+void TestReminderServices::goWhenTheAlarmFires()
+{
+    QVERIFY(startService(timeDaemon) && startService(notificationService));
+    QVERIFY(startUi());
+    const qlonglong soon = QDateTime::currentSecsSinceEpoch() + 2;
+    QVERIFY(create(number, soon));
+    QCOMPARE(notificationsShown(), 1);
+    QVERIFY(m_ui->logs(u"qml: exists false"_s));
+    QVERIFY(QDateTime::currentSecsSinceEpoch() >= soon);
+    QTRY_COMPARE(notificationsShown(), 0);
+}
+
+void TestReminderServices::stayWhenTheNotificationIsDismissed()
+{
+    QVERIFY(startService(timeDaemon) && startService(notificationService));
+    QVERIFY(startUi());
+    QVERIFY(create());
+    const QVariant cookie = onlyAlarm();
+    QVERIFY(cookie.isValid());
+    ask(m_ui->session(), notifications, notificationsPath, notifications, u"CloseNotification"_s,
+        {1U});
+    QCOMPARE(m_ui->evaluate(u"reminder.exists"_s), QJsonValue(true));
+    QCOMPARE(onlyAlarm(), cookie);
+
+    QVERIFY(create(number, due + 60)); // a new notification, and the alarm replaced
+    QCOMPARE(notificationsShown(), 1);
+    QVERIFY(onlyAlarm().isValid());
+    QVERIFY(onlyAlarm() != cookie);
+}
+
+void TestReminderServices::goWhenTheyAreRemoved()
+{
+    QVERIFY(startService(timeDaemon) && startService(notificationService));
+    QVERIFY(startUi());
+    QVERIFY(create());
+    m_ui->evaluate(u"reminder.remove()"_s);
+    QVERIFY(m_ui->logs(u"qml: exists false"_s));
+    QTRY_VERIFY(!onlyAlarm().isValid());
+    QTRY_COMPARE(notificationsShown(), 0);
+}
+
+void TestReminderServices::surviveARestartOfTheUi()
+{
+    QVERIFY(startService(timeDaemon) && startService(notificationService));
+    QVERIFY(startUi());
+    QVERIFY(create());
+    m_ui->stop();
+    QVERIFY(startUi());
+    QVERIFY(m_ui->logs(u"qml: when %1"_s.arg(due)));
+    QVERIFY(m_ui->logs(u"qml: exists true"_s));
+    QCOMPARE(notificationsShown(), 1);
+    m_ui->evaluate(u"reminder.remove()"_s);
+    QVERIFY(m_ui->logs(u"qml: exists false"_s));
+    QTRY_COMPARE(notificationsShown(), 0);
+}
+
+void TestReminderServices::closeLeftovers()
+{
+    QVERIFY(startService(timeDaemon) && startService(notificationService));
+    QVERIFY(startUi());
+    QVERIFY(create());
+    m_ui->stop();
+    ask(*m_system, timed, timedPath, timed, u"cancel"_s, {onlyAlarm()});
+    QCOMPARE(notificationsShown(), 1);
+    QVERIFY(startUi());
+    QTRY_COMPARE(notificationsShown(), 0);
+    QCOMPARE(m_ui->evaluate(u"reminder.exists"_s), QJsonValue(false));
+}
+
+void TestReminderServices::tolerateMissingServices()
+{
+    QVERIFY(startUi());
+    QVERIFY(logsError(
+        u"Unable to query reminder alarms QDBusError(\"org.freedesktop.DBus.Error.ServiceUnknown\""_s));
+    m_ui->evaluate(u"create('%1', %2)"_s.arg(number).arg(due));
+    QVERIFY(m_ui->logs(u"Failed to create alarm"_s));
+
+    QVERIFY(startService(timeDaemon));
+    m_ui->stop();
+    QVERIFY(startUi());
+    QVERIFY(logsError(
+        u"Unable to query reminder notifications QDBusError(\"org.freedesktop.DBus.Error.ServiceUnknown\""_s));
+}
+
+void TestReminderServices::tolerateNoSystemBus()
+{
+    m_ui->systemBus().stop();
+    QVERIFY(startUi());
+    const QString disconnected =
+        u"QDBusError(\"org.freedesktop.DBus.Error.Disconnected\", \"Not connected to D-Bus server\")"_s;
+    QVERIFY(m_ui->logs(u"Unable to query reminder alarms "_s + disconnected));
+    m_ui->evaluate(u"create('%1', %2)"_s.arg(number).arg(due));
+    QVERIFY(m_ui->logs(u"Failed to create alarm"_s));
+}
+
+void TestReminderServices::tolerateADaemonThatDiesInACall()
+{
+    auto daemon = std::make_unique<ScriptedService>(m_ui->systemBus().address(), timed, timedPath);
+    QVERIFY(startUi());
+    m_ui->evaluate(u"create('%1', %2)"_s.arg(number).arg(due));
+    QCOMPARE(daemon->next(u"query"_s).type(), QDBusMessage::MethodCallMessage);
+    QCOMPARE(daemon->next(u"add_event"_s).type(), QDBusMessage::MethodCallMessage);
+    daemon.reset();
+    QVERIFY(logsError(
+        u"Unable to query reminder alarms QDBusError(\"org.freedesktop.DBus.Error.NoReply\""_s));
+    QVERIFY(m_ui->logs(u"Failed to create alarm"_s));
+    QCOMPARE(m_ui->evaluate(u"reminder.exists"_s), QJsonValue(false));
+}
+
+void TestReminderServices::returnWithTheDaemon()
+{
+    QVERIFY(startService(timeDaemon) && startService(notificationService));
+    QVERIFY(startUi());
+    QVERIFY(create());
+    endService(timeDaemon, SIGKILL);
+    m_ui->evaluate(u"create('%1', %2)"_s.arg(number).arg(due + 60));
+    QVERIFY(m_ui->logs(u"Failed to create alarm"_s));
+    QCOMPARE(m_ui->evaluate(u"reminder.exists"_s), QJsonValue(true)); // what is known is kept
+
+    QVERIFY(startService(timeDaemon));
+    QVERIFY(create(number, due + 120));
+    QVERIFY(onlyAlarm().isValid());
+    QCOMPARE(notificationsShown(), 1);
+}
+
+QTEST_GUILESS_MAIN(TestReminderServices)
+
+#include "tst_reminderservices.moc"
