@@ -4,6 +4,7 @@
 #pragma once
 
 #include <QDateTime>
+#include <QHash>
 #include <QPointer>
 #include <QString>
 #include <QVector>
@@ -34,6 +35,10 @@ struct ReminderRecord
     QVector<QPointer<Reminder>> reminders;
     uint alarmCookie = 0; ///< 0 for no alarm.
     uint notificationId = 0; ///< 0 for no notification.
+
+    /// Of the two numbers: a scan compares them first, and reads no text that cannot be the one.
+    uint normalizedHash = qHash(normalizedNumber);
+    uint minimizedHash = qHash(minimizedNumber);
 
     bool hasReminder() const { return alarmCookie != 0 && notificationId != 0; }
     bool isUnused() const { return reminders.isEmpty() && alarmCookie == 0 && notificationId == 0; }

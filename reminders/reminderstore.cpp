@@ -24,6 +24,35 @@ void list(ReminderRecord &record, Reminder *reminder)
     record.reminders.append(reminder);
 }
 
+/// Whether a record is the one of that number, exactly or loosely.
+class Matcher
+{
+public:
+    explicit Matcher(const PhoneNumberKeys &keys)
+        : m_keys(keys)
+        , m_normalizedHash(qHash(keys.normalized))
+        , m_minimizedHash(qHash(keys.minimized))
+    {
+    }
+
+    bool isExact(const ReminderRecord &record) const
+    {
+        return record.normalizedHash == m_normalizedHash
+            && record.normalizedNumber == m_keys.normalized;
+    }
+
+    bool isLoose(const ReminderRecord &record) const
+    {
+        return record.minimizedHash == m_minimizedHash
+            && record.minimizedNumber == m_keys.minimized;
+    }
+
+private:
+    const PhoneNumberKeys &m_keys;
+    const uint m_normalizedHash;
+    const uint m_minimizedHash;
+};
+
 bool unlist(ReminderRecord &record, const Reminder *reminder)
 {
     const auto listed = std::find(record.reminders.begin(), record.reminders.end(), reminder);
@@ -56,11 +85,12 @@ ReminderRecord *ReminderStore::findFirst(Matches matches)
 
 ReminderRecord *ReminderStore::find(const PhoneNumberKeys &keys)
 {
+    const Matcher matcher(keys);
     ReminderRecord *loose = nullptr;
     for (ReminderRecord &record : m_records) {
-        if (record.normalizedNumber == keys.normalized)
+        if (matcher.isExact(record))
             return &record;
-        if (record.minimizedNumber == keys.minimized)
+        if (matcher.isLoose(record))
             loose = &record;
     }
     return loose;
@@ -70,7 +100,7 @@ ReminderRecord *ReminderStore::findOrAppend(const PhoneNumberKeys &keys)
 {
     if (ReminderRecord *record = find(keys))
         return record;
-    m_records.append({keys.normalized, keys.minimized, {}, {}, 0, 0});
+    m_records.append({keys.normalized, keys.minimized, {}, {}});
     return &m_records.last();
 }
 
@@ -115,8 +145,9 @@ std::optional<ReminderStore::Shown> ReminderStore::bind(Reminder *reminder,
         shown = Shown{record.hasReminder(), record.when};
     };
 
-    const auto isExact = [&keys](const ReminderRecord &record) {
-        return record.normalizedNumber == keys.normalized;
+    const Matcher matcher(keys);
+    const auto isExact = [&matcher](const ReminderRecord &record) {
+        return matcher.isExact(record);
     };
     if (ReminderRecord *exact = findFirst(isExact))
         bindTo(*exact);
@@ -124,7 +155,7 @@ std::optional<ReminderStore::Shown> ReminderStore::bind(Reminder *reminder,
     for (int i = 0; i < m_records.size();) {
         ReminderRecord &record = m_records[i];
         if (!isExact(record)) {
-            if (!shown && record.minimizedNumber == keys.minimized) {
+            if (!shown && matcher.isLoose(record)) {
                 bindTo(record);
             } else if (unlist(record, reminder) && record.isUnused()) {
                 m_records.removeAt(i);
@@ -135,8 +166,7 @@ std::optional<ReminderStore::Shown> ReminderStore::bind(Reminder *reminder,
     }
 
     if (!shown)
-        m_records.append(
-            {keys.normalized, keys.minimized, {}, {QPointer<Reminder>(reminder)}, 0, 0});
+        m_records.append({keys.normalized, keys.minimized, {}, {QPointer<Reminder>(reminder)}});
     return shown;
 }
 
