@@ -1,0 +1,221 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+// What call reminders cost the UI thread, for 10 to 10,000 numbers: reading them back at start, and
+// binding a Reminder to each. Prints CPU time of that thread, each figure's ratio to the one of a
+// tenth of the numbers, and the peak memory of the process.
+//
+// Every figure is from a process of its own, on a private bus; the services are a thread of it.
+
+#include "reminders.h"
+#include "privatebus.h"
+#include "reminder.h"
+
+#include <notification.h>
+
+#include <QCoreApplication>
+#include <QDBusMetaType>
+#include <QDBusVirtualObject>
+#include <QEventLoop>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QThread>
+
+#include <algorithm>
+#include <cstdio>
+#include <ctime>
+#include <memory>
+#include <vector>
+
+using Attributes = QMap<QString, QString>;
+using AttributesByCookie = QMap<uint, Attributes>;
+
+Q_DECLARE_METATYPE(AttributesByCookie)
+Q_DECLARE_METATYPE(QVector<NotificationData>)
+
+namespace {
+
+constexpr int runs = 5;
+
+QString numberOf(int i)
+{
+    return QStringLiteral("+4930%1").arg(i, 7, 10, QLatin1Char('0'));
+}
+
+/// Both services, with an alarm and a notification for each of so many numbers.
+class Services : public QDBusVirtualObject
+{
+    Q_OBJECT
+
+public:
+    explicit Services(int size)
+    {
+        for (int i = 1; i <= size; ++i) {
+            const auto cookie = static_cast<uint>(i);
+            m_cookies.append(cookie);
+            m_alarms.insert(cookie,
+                            {{QStringLiteral("APPLICATION"), QStringLiteral("nimbo_parley_ui")},
+                             {QStringLiteral("TITLE"), QStringLiteral("Somebody")},
+                             {QStringLiteral("phoneNumber"), numberOf(i)},
+                             {QStringLiteral("triggerTime"), QStringLiteral("1893585600")},
+                             {QStringLiteral("type"), QStringLiteral("reminder")}});
+            NotificationData notification;
+            notification.id = cookie;
+            notification.hints.insert(QStringLiteral("x-nimbo-alarm-cookie"), cookie);
+            m_notifications.append(notification);
+        }
+    }
+
+    bool handleMessage(const QDBusMessage &message, const QDBusConnection &connection) override
+    {
+        QVariant answer;
+        if (message.member() == QLatin1String("query"))
+            answer = m_cookies;
+        else if (message.member() == QLatin1String("get_attributes_by_cookies"))
+            answer = QVariant::fromValue(m_alarms);
+        else
+            answer = QVariant::fromValue(m_notifications);
+        connection.send(message.createReply(answer));
+        if (message.member() == QLatin1String("GetNotificationsByCategory"))
+            Q_EMIT askedForNotifications();
+        return true;
+    }
+
+    QString introspect(const QString &) const override { return {}; }
+
+Q_SIGNALS:
+    void askedForNotifications();
+
+private:
+    QVariantList m_cookies;
+    AttributesByCookie m_alarms;
+    QVector<NotificationData> m_notifications;
+};
+
+/// Milliseconds of CPU that this thread has had.
+double threadTime()
+{
+    timespec time = {};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
+}
+
+long peakMemory()
+{
+    QFile status(QStringLiteral("/proc/self/status"));
+    if (!status.open(QIODevice::ReadOnly))
+        return 0;
+    const QList<QByteArray> lines = status.readAll().split('\n');
+    for (const QByteArray &line : lines) {
+        if (line.startsWith("VmHWM:"))
+            return line.simplified().split(' ').at(1).toLong();
+    }
+    return 0;
+}
+
+int measure(int size)
+{
+    QTemporaryDir folder;
+    PrivateBus bus;
+    if (!bus.start(folder.path(), QStringLiteral("bus")))
+        return EXIT_FAILURE;
+    qputenv("DBUS_SESSION_BUS_ADDRESS", bus.address().toUtf8());
+    qputenv("DBUS_SYSTEM_BUS_ADDRESS", bus.address().toUtf8());
+    qDBusRegisterMetaType<Attributes>();
+    qDBusRegisterMetaType<AttributesByCookie>();
+    qDBusRegisterMetaType<NotificationData>();
+    qDBusRegisterMetaType<QVector<NotificationData>>();
+
+    QThread thread;
+    Services services(size);
+    services.moveToThread(&thread);
+    thread.start();
+    QDBusConnection connection =
+        QDBusConnection::connectToBus(bus.address(), QStringLiteral("services"));
+    if (!connection.registerVirtualObject(QStringLiteral("/"), &services, QDBusConnection::SubPath)
+        || !connection.registerService(QStringLiteral("com.nimbo.timed"))
+        || !connection.registerService(QStringLiteral("org.freedesktop.Notifications")))
+        return EXIT_FAILURE;
+
+    const double start = threadTime();
+    Reminders reminders;
+    Reminder last;
+    last.setReminders(&reminders);
+    last.setPhoneNumber(numberOf(size));
+    QEventLoop loop;
+    QObject::connect(&last, &Reminder::existsChanged, &loop, &QEventLoop::quit);
+    loop.exec();
+    const double rebuilt = threadTime();
+
+    std::vector<std::unique_ptr<Reminder>> watching;
+    for (int i = 1; i <= size; ++i) {
+        watching.push_back(std::make_unique<Reminder>());
+        watching.back()->setReminders(&reminders);
+        watching.back()->setPhoneNumber(numberOf(i));
+    }
+    const double bound = threadTime();
+    const bool complete = std::all_of(watching.cbegin(), watching.cend(),
+                                      [](const auto &reminder) { return reminder->exists(); });
+    std::printf("%f %f %ld\n", rebuilt - start, bound - rebuilt, peakMemory());
+
+    thread.quit();
+    thread.wait();
+    QDBusConnection::disconnectFromBus(QStringLiteral("services"));
+    return complete ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+double median(std::vector<double> values)
+{
+    std::sort(values.begin(), values.end());
+    return values.at(values.size() / 2);
+}
+
+int compare(const QString &program)
+{
+    std::printf("Medians of %d processes each; ratio: to a tenth of the numbers.\n\n", runs);
+    std::printf("%8s %14s %7s %14s %7s %12s\n", "numbers", "read back, ms", "ratio", "bind all, ms",
+                "ratio", "peak, KiB");
+    double rebuiltBefore = 0;
+    double boundBefore = 0;
+    for (const int size : {10, 100, 1000, 10000}) {
+        std::vector<double> rebuilt;
+        std::vector<double> bound;
+        std::vector<double> memory;
+        for (int run = 0; run < runs; ++run) {
+            QProcess process;
+            process.start(program, {QString::number(size)});
+            if (!process.waitForFinished(-1) || process.exitCode() != 0) {
+                std::fprintf(stderr, "%s", process.readAllStandardError().constData());
+                return EXIT_FAILURE;
+            }
+            const QList<QByteArray> figures =
+                process.readAllStandardOutput().simplified().split(' ');
+            rebuilt.push_back(figures.at(0).toDouble());
+            bound.push_back(figures.at(1).toDouble());
+            memory.push_back(figures.at(2).toDouble());
+        }
+        std::printf("%8d %14.2f", size, median(rebuilt));
+        rebuiltBefore > 0 ? std::printf(" %7.1f", median(rebuilt) / rebuiltBefore)
+                          : std::printf(" %7s", "");
+        std::printf(" %14.2f", median(bound));
+        boundBefore > 0 ? std::printf(" %7.1f", median(bound) / boundBefore)
+                        : std::printf(" %7s", "");
+        std::printf(" %12.0f\n", median(memory));
+        rebuiltBefore = median(rebuilt);
+        boundBefore = median(bound);
+    }
+    return EXIT_SUCCESS;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    const QCoreApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    return arguments.size() > 1 ? measure(arguments.at(1).toInt())
+                                : compare(arguments.constFirst());
+}
+
+#include "reminders.moc"
