@@ -28,6 +28,9 @@ public:
     QStringList takeCalls();
     void record(const QString &call) { m_calls.append(call); }
 
+    /// What the settings store has.
+    QVariantMap settings;
+
     /// The contacts cache's keys of a number. As set here, they can be told apart, and from the
     /// number.
     std::function<QString(const QString &number)> normalize = [](const QString &number) {
