@@ -71,12 +71,13 @@ QString SeasideCache::normalizePhoneNumber(const QString &number, bool validate)
 
 QString SeasideCache::minimizePhoneNumber(const QString &number, bool validate)
 {
-    const QString normalized = normalizePhoneNumber(number, validate);
+    QString normalized = normalizePhoneNumber(number, validate);
     if (!isNumber(normalized.toUcs4()))
         return normalized;
 
-    const auto end = std::find_if(normalized.cbegin(), normalized.cend(),
-                                  [](QChar c) { return dialStringCharacter(c.unicode()) != 0; });
+    const auto *const end = std::find_if(normalized.cbegin(), normalized.cend(), [](QChar c) {
+        return dialStringCharacter(c.unicode()) != 0;
+    });
     return normalized.left(static_cast<int>(end - normalized.cbegin()))
         .right(significantCharacters);
 }

@@ -1230,7 +1230,7 @@ void TestReminders::surviveTheirHandlers()
             for (auto &watching : m_watching) {
                 if (watching.get() == reminder) {
                     reminder->disconnect(this);
-                    delete watching.release();
+                    watching.reset();
                 }
             }
         };

@@ -61,6 +61,8 @@ private Q_SLOTS:
     void tolerateNoSystemBus();
     void tolerateADaemonThatDiesInACall();
     void returnWithTheDaemon();
+    void surviveQmlHandlers_data();
+    void surviveQmlHandlers();
 
 private:
     bool startUi();
@@ -425,6 +427,43 @@ void TestReminderServices::returnWithTheDaemon()
     QVERIFY(create(number, due + 120));
     QVERIFY(onlyAlarm().isValid());
     QCOMPARE(notificationsShown(), 1);
+}
+
+void TestReminderServices::surviveQmlHandlers_data()
+{
+    QTest::addColumn<QString>("deed");
+
+    QTest::newRow("nothing") << QString();
+    QTest::newRow("remove this") << u"reminder.remove()"_s;
+    QTest::newRow("remove another") << u"reminders[2].remove()"_s;
+    QTest::newRow("clear the number") << u"reminder.phoneNumber = ''"_s;
+    QTest::newRow("set another number") << u"reminder.phoneNumber = '5550199'"_s;
+    QTest::newRow("clear the store") << u"reminder._reminders = null"_s;
+    QTest::newRow("destroy this") << u"reminder.destroy()"_s;
+    QTest::newRow("destroy all") << u"for (var i = 0; i < 3; ++i) reminders[i].destroy()"_s;
+    QTest::newRow("destroy the store") << u"base.destroy()"_s;
+    QTest::newRow("destroy everything, and collect it")
+        << u"end(); reminders = []; base = null; gc()"_s;
+    QTest::newRow("create another") << u"reminders.push(watcher.createObject(root))"_s;
+    QTest::newRow("create a reminder") << u"create()"_s;
+}
+
+void TestReminderServices::surviveQmlHandlers()
+{
+    QFETCH(QString, deed);
+
+    QVERIFY(startService(timeDaemon) && startService(notificationService));
+    QVERIFY(m_ui->startScreens(QStringLiteral(PARLEY_REMINDER_HANDLERS), {u"-prestart"_s}));
+    m_ui->evaluate(u"begin(\"%1\")"_s.arg(deed));
+    m_ui->evaluate(u"create()"_s);
+    QVERIFY(m_ui->logs(u"qml: reported"_s));
+    // The next turn, with what the deed has left; then the alarms go.
+    QVERIFY(m_ui->evaluate(u"reports"_s).toInt() > 0);
+    m_ui->evaluate(u"try { reminders[0].remove() } catch (gone) {}"_s);
+    QVERIFY(m_ui->evaluate(u"end()"_s).isDouble());
+    QCOMPARE(m_ui->evaluate(u"1 + 1"_s), QJsonValue(2));
+    for (const QString &line : m_ui->takeLog())
+        QCOMPARE(line, u"qml: reported"_s);
 }
 
 QTEST_GUILESS_MAIN(TestReminderServices)
