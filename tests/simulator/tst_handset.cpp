@@ -32,10 +32,10 @@ QList<pid_t> processesMarked(const QByteArray &mark)
     return found;
 }
 
-QByteArray programOf(pid_t process)
+QByteArray commandOf(pid_t process)
 {
-    QFile name(u"/proc/%1/comm"_s.arg(process));
-    return name.open(QIODevice::ReadOnly) ? name.readAll().trimmed() : QByteArray();
+    QFile line(u"/proc/%1/cmdline"_s.arg(process));
+    return line.open(QIODevice::ReadOnly) ? line.readAll() : QByteArray();
 }
 
 } // namespace
@@ -71,7 +71,7 @@ private:
     bool says(const QString &pattern);
     bool ends(int status);
     QString writeScript(const QByteArray &commands);
-    pid_t processNamed(const QByteArray &program);
+    pid_t processNamed(const QByteArray &command);
     pid_t serviceNamed(const QByteArray &service);
     void hasLeftAFolderOnly();
 
@@ -144,11 +144,12 @@ QString TestHandset::writeScript(const QByteArray &commands)
         : QString();
 }
 
-pid_t TestHandset::processNamed(const QByteArray &program)
+/// The process that was started with \a command, a part of its command line; 0 if there is none.
+pid_t TestHandset::processNamed(const QByteArray &command)
 {
     const QList<pid_t> processes = processesMarked(m_mark);
     for (const pid_t process : processes) {
-        if (programOf(process) == program)
+        if (commandOf(process).contains(command))
             return process;
     }
     return 0;
@@ -356,11 +357,14 @@ void TestHandset::leavesNothingBehind_data()
     const QByteArray handset = "parley-handset";
     QTest::newRow("SIGINT") << handset << SIGINT << 128 + SIGINT << QString();
     QTest::newRow("SIGTERM") << handset << SIGTERM << 128 + SIGTERM << QString();
+    QTest::newRow("SIGQUIT") << handset << SIGQUIT << 128 + SIGQUIT << QString();
     QTest::newRow("SIGHUP") << handset << SIGHUP << 128 + SIGHUP << QString();
     QTest::newRow("the UI killed")
         << QByteArray("parley-ui") << SIGKILL << 1 << u"The call UI was ended by signal 9"_s;
-    QTest::newRow("a bus killed") << QByteArray("dbus-daemon") << SIGKILL << 1
-                                  << u"The (session|system) bus has ended"_s;
+    QTest::newRow("the session bus killed")
+        << QByteArray("/session.conf") << SIGKILL << 1 << u"The session bus has ended"_s;
+    QTest::newRow("the system bus killed")
+        << QByteArray("/system.conf") << SIGKILL << 1 << u"The system bus has ended"_s;
 }
 
 void TestHandset::leavesNothingBehind()
