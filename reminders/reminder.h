@@ -12,8 +12,9 @@
 
 /// What QML sees of the reminder for one phone number: whether there is one, and when it is due.
 ///
-/// It shows nothing until it has both a number and a store. Any number of objects may watch one
-/// number, and a handler of any signal may change or destroy any of them, the store included.
+/// It shows nothing until it has both a number and a store. One whose number was cleared may still
+/// be told of the reminder for the number that it had. Any number of objects may watch one number,
+/// and a handler of any signal may change or destroy any of them, the store included.
 class Reminder : public QObject
 {
     Q_OBJECT

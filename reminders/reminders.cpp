@@ -34,13 +34,20 @@ void Reminders::createWithStrings(const QString &phoneNumber, const QDateTime &w
 void Reminders::alarmAdded(const PhoneNumberKeys &keys, const QDateTime &due,
                            const ReminderText &text, uint cookie)
 {
+    const QPointer<Reminders> self(this);
     ReminderRecord *record = m_store.findOrAppend(keys);
     record->alarmCookie = cookie;
     record->when = due;
-    record->notificationId = ReminderNotifications::publish(text, cookie, record->notificationId);
-    forEachBound(*record, [due](Reminder &reminder) { reminder.gain(due); });
+    const uint id = ReminderNotifications::publish(text, cookie, record->notificationId);
+    // A client of the platform's own may have run events while it waited.
+    record = self ? m_store.find(keys) : nullptr;
+    if (record == nullptr)
+        return;
+    record->notificationId = id;
+    announce(*record, cookie, due);
 }
 
+/// Reported only when the store is done with it: a handler meets every record as it is to be.
 void Reminders::attachReminder(Reminder *reminder)
 {
     const auto shown = m_store.bind(reminder, PhoneNumberKeys::of(reminder->phoneNumber()));
@@ -96,8 +103,7 @@ void Reminders::matchNotifications(const QVector<ReminderNotification> &notifica
             continue;
         }
         record->notificationId = notification.id;
-        const QDateTime due = record->when;
-        forEachBound(*record, [due](Reminder &reminder) { reminder.gain(due); });
+        announce(*record, record->alarmCookie, record->when);
         if (!self)
             return;
     }
@@ -126,6 +132,15 @@ void Reminders::closeNotification(ReminderRecord &record)
 {
     if (record.notificationId != 0)
         ReminderNotifications::close(std::exchange(record.notificationId, 0));
+}
+
+/// Until a handler takes the alarm away, which tells everybody by itself.
+void Reminders::announce(const ReminderRecord &record, uint cookie, const QDateTime &due)
+{
+    forEachBound(record, [this, cookie, due](Reminder &reminder) {
+        if (m_store.findByCookie(cookie) != nullptr)
+            reminder.gain(due);
+    });
 }
 
 /// In the order in which they were bound. Those that a handler has unbound meanwhile are passed

@@ -55,6 +55,7 @@ private:
     void mergeAlarms(const QVector<ReminderAlarm> &alarms);
     void matchNotifications(const QVector<ReminderNotification> &notifications);
     void dropGoneAlarms(const Maemo::Timed::Event::Triggers &triggers);
+    void announce(const ReminderRecord &record, uint cookie, const QDateTime &due);
     static void closeNotification(ReminderRecord &record);
     void forEachBound(const ReminderRecord &record, const std::function<void(Reminder &)> &change);
 

@@ -178,10 +178,11 @@ void ReminderStore::unbindFromFirst(const Reminder *reminder)
 
 bool ReminderStore::isBound(const QString &normalizedNumber, const Reminder *reminder) const
 {
-    const auto record =
-        std::find_if(m_records.cbegin(), m_records.cend(), [&](const ReminderRecord &candidate) {
-            return candidate.normalizedNumber == normalizedNumber;
-        });
+    const uint hash = qHash(normalizedNumber);
+    const auto isExact = [&](const ReminderRecord &record) {
+        return record.normalizedHash == hash && record.normalizedNumber == normalizedNumber;
+    };
+    const auto record = std::find_if(m_records.cbegin(), m_records.cend(), isExact);
     return record != m_records.cend()
         && std::find(record->reminders.cbegin(), record->reminders.cend(), reminder)
         != record->reminders.cend();

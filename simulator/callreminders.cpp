@@ -43,7 +43,7 @@ Command CallReminders::command()
 {
     return {QStringLiteral("remind"),
             {QStringLiteral("NUMBER"), QStringLiteral("SECONDS"), QStringLiteral("[NAME]")},
-            QStringLiteral("remind of calling a number, some seconds from now"),
+            QStringLiteral("leave a reminder, which the call UI learns of at its next start"),
             [this](const QStringList &arguments, const Finish &finish) {
                 remind(arguments.at(0), arguments.at(1), arguments.value(2, arguments.at(0)),
                        finish);
@@ -57,6 +57,10 @@ void CallReminders::remind(const QString &number, const QString &seconds, const 
     const qint64 due = QDateTime::currentSecsSinceEpoch() + seconds.toInt(&isNumber);
     if (!isNumber) {
         finish(Outcome::Failed, QStringLiteral("\"%1\" is no number of seconds").arg(seconds));
+        return;
+    }
+    if (normalized(number).isEmpty()) {
+        finish(Outcome::Failed, QStringLiteral("\"%1\" is no number").arg(number));
         return;
     }
     Maemo::Timed::Event event;

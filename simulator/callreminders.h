@@ -8,8 +8,8 @@
 #include <QDBusConnection>
 #include <QObject>
 
-/// Reminders to call somebody back, made as the call UI makes them: an alarm, and a notification
-/// that shows it.
+/// Reminders to call somebody back, as an earlier call UI left them: an alarm, and a notification
+/// that shows it. The call UI that runs learns of them at its next start.
 class CallReminders : public QObject
 {
     Q_OBJECT

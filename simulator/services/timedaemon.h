@@ -25,7 +25,7 @@ public:
     /// With the alarms that were kept in \a stateFolder; new ones are kept there, too.
     explicit TimeDaemon(const QString &stateFolder, QObject *parent = nullptr);
 
-    /// Takes its name and place on \a bus. AlarmsByCookie past due fire as soon as the event loop
+    /// Takes its name and place on \a bus. Alarms past due fire as soon as the event loop
     /// runs.
     bool start(QDBusConnection bus);
 

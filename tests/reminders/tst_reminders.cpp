@@ -1304,6 +1304,9 @@ void TestReminders::surviveTheirHandlers()
             QVERIFY2(told != gone, qUtf8Printable(cause));
             QCOMPARE(living.isNull(), deed == u"destroy another"_s || deed == u"destroy all"_s);
         }
+        if (deed == u"remove this"_s && !living.isNull() && cause != u"bound"_s
+            && cause != u"detached"_s)
+            QVERIFY2(!a->exists() && !b->exists() && !c->exists(), qUtf8Printable(cause));
         m_watching.clear(); // whose handlers reach into this turn of the loop
         m_reminders.reset();
         m_daemon->settle();
