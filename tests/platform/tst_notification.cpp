@@ -62,7 +62,7 @@ void TestNotification::init()
 void TestNotification::cleanup()
 {
     m_service.reset();
-    QCOMPARE(m_log->take(), QStringList());
+    QCOMPARE(m_log->take().join(u'\n'), QString());
 }
 
 void TestNotification::isSentAsSet()

@@ -63,7 +63,7 @@ void TestTimed::init()
 void TestTimed::cleanup()
 {
     m_daemon.reset();
-    QCOMPARE(m_log->take(), QStringList());
+    QCOMPARE(m_log->take().join(u'\n'), QString());
 }
 
 void TestTimed::sendsAnEvent_data()

@@ -110,11 +110,13 @@ public:
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
 
-    bool handleMessage(const QDBusMessage &message, const QDBusConnection &connection) override
+protected:
+    void take(const QDBusMessage &call) override
     {
-        if (message.member() == m_marker.member())
-            return connection.send(message.createReply());
-        return ScriptedService::handleMessage(message, connection);
+        if (call.member() == m_marker.member())
+            reply(call, {});
+        else
+            ScriptedService::take(call);
     }
 
 private:

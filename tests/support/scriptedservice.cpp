@@ -5,6 +5,7 @@
 
 #include <QCoreApplication>
 #include <QDBusPendingCallWatcher>
+#include <QDBusVirtualObject>
 #include <QEventLoop>
 #include <QTimer>
 
@@ -31,14 +32,43 @@ void waitForBus(const QDBusConnection &connection)
 
 } // namespace
 
+/// Hands on what the bus delivers.
+class ScriptedService::Objects : public QDBusVirtualObject
+{
+public:
+    explicit Objects(ScriptedService &service)
+        : m_service(service)
+    {
+    }
+
+    QString introspect(const QString &) const override { return {}; }
+
+    bool handleMessage(const QDBusMessage &message, const QDBusConnection &) override
+    {
+        if (message.interface() == QLatin1String("org.freedesktop.DBus.Introspectable"))
+            return false;
+        message.setDelayedReply(true);
+        QMetaObject::invokeMethod(
+            &m_service, [this, message] { m_service.take(message); }, Qt::QueuedConnection);
+        return true;
+    }
+
+private:
+    ScriptedService &m_service;
+};
+
 ScriptedService::ScriptedService(const QString &address, const QString &service,
                                  const QString &path)
     : m_bus(QDBusConnection::connectToBus(address, connectionName(this)))
     , m_service(service)
     , m_path(path)
+    , m_objects(std::make_unique<Objects>(*this))
 {
-    if (!m_bus.registerVirtualObject(path, this, QDBusConnection::SubPath)
-        || !m_bus.registerService(service))
+    if (!m_bus.registerVirtualObject(path, m_objects.get(), QDBusConnection::SubPath))
+        qFatal("%s has no objects on the bus.", qUtf8Printable(service));
+    m_objects->moveToThread(&m_thread);
+    m_thread.start();
+    if (!m_bus.registerService(service))
         qFatal("%s is not on the bus.", qUtf8Printable(service));
 }
 
@@ -46,6 +76,8 @@ ScriptedService::~ScriptedService()
 {
     m_bus.unregisterService(m_service);
     QDBusConnection::disconnectFromBus(connectionName(this));
+    m_thread.quit();
+    m_thread.wait();
 }
 
 QDBusMessage ScriptedService::next()
@@ -79,9 +111,10 @@ void ScriptedService::fail(const QDBusMessage &call, const QString &error, const
 }
 
 void ScriptedService::emitSignal(const QString &interface, const QString &name,
-                                 const QVariantList &values)
+                                 const QVariantList &values, const QString &path)
 {
-    QDBusMessage message = QDBusMessage::createSignal(m_path, interface, name);
+    QDBusMessage message =
+        QDBusMessage::createSignal(path.isEmpty() ? m_path : path, interface, name);
     message.setArguments(values);
     m_bus.send(message);
 }
@@ -94,15 +127,15 @@ void ScriptedService::settle()
     waitForBus(m_bus);
     waitForBus(QDBusConnection::sessionBus());
     waitForBus(QDBusConnection::systemBus());
+    QMetaObject::invokeMethod(
+        m_objects.get(), [] {}, Qt::BlockingQueuedConnection);
     QCoreApplication::sendPostedEvents();
     QCoreApplication::processEvents();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
-bool ScriptedService::handleMessage(const QDBusMessage &message, const QDBusConnection &)
+void ScriptedService::take(const QDBusMessage &call)
 {
-    message.setDelayedReply(true);
-    m_calls.append(message);
+    m_calls.append(call);
     Q_EMIT called();
-    return true;
 }

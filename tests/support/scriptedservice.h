@@ -5,17 +5,20 @@
 
 #include <QDBusConnection>
 #include <QDBusMessage>
-#include <QDBusVirtualObject>
+#include <QObject>
 #include <QString>
+#include <QThread>
 #include <QVariantList>
 #include <QVector>
+
+#include <memory>
 
 /// A service that answers nothing by itself: a test sees the calls that come, in their order, and
 /// answers each when and how it likes, or not at all.
 ///
-/// It has a connection of its own, so that the caller may live in the same thread, as long as it
-/// does not wait for the answer.
-class ScriptedService : public QDBusVirtualObject
+/// The caller may live in the same thread, as long as it does not wait for the answer. What asks
+/// for the introspection of an object may wait: that alone is answered by itself, with none.
+class ScriptedService : public QObject
 {
     Q_OBJECT
 
@@ -36,23 +39,29 @@ public:
 
     void reply(const QDBusMessage &call, const QVariantList &values);
     void fail(const QDBusMessage &call, const QString &error, const QString &text);
-    void emitSignal(const QString &interface, const QString &name, const QVariantList &values);
+    /// From the object at \a path, or, without one, at the path of the service.
+    void emitSignal(const QString &interface, const QString &name, const QVariantList &values,
+                    const QString &path = {});
 
     /// Waits until everything that was sent by this process before has reached this service, or the
     /// process, and has been handled.
     void settle();
 
-    QString introspect(const QString &) const override { return {}; }
-    bool handleMessage(const QDBusMessage &message, const QDBusConnection &connection) override;
-
 Q_SIGNALS:
     void called();
 
+protected:
+    /// A call has come.
+    virtual void take(const QDBusMessage &call);
+
 private:
     Q_DISABLE_COPY(ScriptedService)
+    class Objects;
 
     QDBusConnection m_bus;
     const QString m_service;
     const QString m_path;
+    std::unique_ptr<Objects> m_objects;
+    QThread m_thread; ///< Of the objects.
     QVector<QDBusMessage> m_calls;
 };
