@@ -1,0 +1,82 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+#pragma once
+
+#include "qofonosimmanager.h"
+
+#include <QDBusConnection>
+#include <QDBusServiceWatcher>
+#include <QList>
+#include <QObject>
+#include <QSharedPointer>
+#include <QStringList>
+#include <QVariantMap>
+
+#include <map>
+#include <memory>
+
+class QDBusMessage;
+
+/// The SIMs that are present in the modems of oFono: "org.ofono" on the system bus, interfaces
+/// org.ofono.Manager, org.ofono.Modem and org.ofono.SimManager of its D-Bus API.
+///
+/// Nothing waits for oFono, which may come, go and return.
+class QOfonoSimWatcher : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit QOfonoSimWatcher(QObject *parent = nullptr);
+
+    /// Whether the SIMs are known: oFono has named its modems, and told of the SIM of each. False
+    /// while there is no oFono; a modem that comes later does not make it false.
+    bool isValid() const { return m_valid; }
+
+    /// Whether only SIMs with a subscriber identity are listed, those that have been read. At
+    /// first, all are.
+    void setRequireSubscriberIdentity(bool required);
+
+    /// The SIMs that are present, in the order of their modems' paths.
+    QList<QSharedPointer<QOfonoSimManager>> presentSimList() const;
+    int presentSimCount() const { return m_presentSims.size(); }
+
+Q_SIGNALS:
+    void validChanged();
+    /// A SIM has come or gone, or has another subscriber identity than before.
+    void presentSimListChanged();
+
+private Q_SLOTS:
+    void modemAdded(const QDBusMessage &message);
+    void modemRemoved(const QDBusMessage &message);
+    void modemPropertyChanged(const QDBusMessage &message);
+    void simPropertyChanged(const QDBusMessage &message);
+
+private:
+    struct Modem
+    {
+        std::unique_ptr<QObject> simManager; ///< Takes its answers; null where it has none.
+        bool simKnown = false;
+        bool simPresent = false;
+        QString subscriberIdentity;
+    };
+
+    void ownerChanged(const QString &owner);
+    void askForModems();
+    void readModems(const QDBusMessage &answer);
+    void setInterfaces(const QString &path, const QStringList &interfaces);
+    void askForSim(const QString &path);
+    void readSim(const QString &path, const QDBusMessage &answer);
+    bool isEverySimKnown() const;
+    QStringList findPresentSims() const;
+    void update();
+
+    QDBusConnection m_bus;
+    QDBusServiceWatcher m_serviceWatcher;
+    std::unique_ptr<QObject> m_manager; ///< Takes the answers of the oFono that is there now.
+    bool m_modemsKnown = false;
+    std::map<QString, Modem> m_modems; ///< By path.
+    bool m_identityRequired = false;
+    bool m_valid = false;
+    QStringList m_presentSims; ///< Their subscriber identities.
+};
