@@ -40,6 +40,11 @@ public:
         return number;
     };
 
+    /// The SIMs that the watchers tell of, by their subscriber identities. A test has a watcher
+    /// emit its signals.
+    QStringList sims;
+    bool simsValid = false;
+
     /// Thrown by the next call of these, and then no more.
     bool throwFromSetAttribute = false;
     bool throwFromSending = false;

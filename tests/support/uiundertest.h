@@ -23,8 +23,9 @@ class UiUnderTest : public QObject
     Q_OBJECT
 
 public:
-    /// The two lines that it logs on every machine that has not the handset's control groups.
-    static QStringList controlGroupWarnings();
+    /// The lines that it logs at its start where the handset is missing: two control groups, and
+    /// the telephony stack.
+    static QStringList startUpLines();
 
     UiUnderTest();
     ~UiUnderTest() override;
@@ -50,10 +51,13 @@ public:
     void setPrefix(const QStringList &prefix) { m_prefix = prefix; }
     bool writeSettings(const Settings &settings) const;
 
+    /// Says that "org.ofono" is on the system bus when the process is started.
+    void setHasTelephony() { m_hasTelephony = true; }
+
     /// Starts the process with \a arguments.
     void start(const QStringList &arguments);
     /// Starts it with \a screens (QML that says "loaded") and \a arguments before that; waits until
-    /// they are loaded, and claims the two control-group warnings.
+    /// they are loaded, and claims startUpLines().
     bool startScreens(const QString &screens, const QStringList &arguments = {});
     /// Starts it with the probe as its screens and \a arguments before that, as startScreens().
     bool startProbe(const QStringList &arguments = {});
@@ -64,6 +68,9 @@ public:
     /// Kilobytes of memory that the process holds.
     qint64 residentMemory() const;
 
+    /// Waits until startUpLines() have been logged, the last one only where there is no telephony,
+    /// and claims them.
+    bool claimStartUpLines();
     /// Waits until \a line has been logged, and claims it.
     bool logs(const QString &line);
     /// Claims the first line that begins with \a prefix, which has been or will be logged.
@@ -93,6 +100,7 @@ private:
     Sandbox m_sandbox;
     QStringList m_prefix;
     QMap<QString, QString> m_environment;
+    bool m_hasTelephony = false;
     std::unique_ptr<UiProcess> m_process;
     QStringList m_log;
 };

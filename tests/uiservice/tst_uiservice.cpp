@@ -327,7 +327,7 @@ void TestUiService::toleratesASecondProcess()
         "Item { ParleyUiAdaptor {} Component.onCompleted: console.info('second') }\n");
     second.start(qEnvironmentVariable("PARLEY_UI"), {u"-prestart"_s, u"-qml"_s, screens});
     QTRY_VERIFY(log.contains(u"qml: second"_s));
-    QCOMPARE(log, UiUnderTest::controlGroupWarnings() + QStringList({nameTaken, u"qml: second"_s}));
+    QCOMPARE(log, UiUnderTest::startUpLines() + QStringList({nameTaken, u"qml: second"_s}));
     QCOMPARE(second.state(), QProcess::Running);
     QCOMPARE(m_ui->evaluate(u"1 + 1"_s), QJsonValue(2)); // the first one still has the calls
 }
@@ -408,7 +408,7 @@ void TestUiService::losesNoneOfAHundredThousandCalls()
     QCOMPARE(answered, total);
     QCOMPARE(m_ui->call(u"showOngoing"_s).type(), QDBusMessage::ReplyMessage);
     QVERIFY(m_ui->logs(u"qml: 100000 dialled, 0 out of order"_s));
-    QCOMPARE(m_ui->takeLog(), UiUnderTest::controlGroupWarnings());
+    QCOMPARE(m_ui->takeLog(), UiUnderTest::startUpLines());
     if (!qEnvironmentVariableIsSet("PARLEY_UI_OPTIMIZED"))
         QSKIP("a build for debugging may hold on to freed memory");
     QVERIFY(memoryAfter - memoryBefore <= 1024);

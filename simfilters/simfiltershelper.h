@@ -1,0 +1,113 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+#pragma once
+
+#include <QDBusArgument>
+#include <QList>
+#include <QMetaType>
+#include <QObject>
+#include <QStringList>
+
+class QDBusInterface;
+class QDBusPendingCall;
+class QDBusPendingCallWatcher;
+class QOfonoSimWatcher;
+
+/// Whether the SIMs in the phone may dial and receive calls under the device-management call
+/// filters. Only a reader: it changes no rule.
+///
+/// The rules are those of two objects of "org.ofono" on the system bus, "/mdm/parleyfilter/dial"
+/// and "/mdm/parleyfilter/incoming". Both are read again whenever another SIM is present, and each
+/// when it says that its rules have changed.
+class SimFiltersHelper : public QObject
+{
+    Q_OBJECT
+    /// Whether both answers are known. Once true, it stays true.
+    Q_PROPERTY(bool ready READ ready NOTIFY readyChanged)
+    /// Whether at least one SIM that is present may dial. True without a SIM, where no filter
+    /// decides, and where a SIM is present and the filters cannot be read. True until it is known.
+    Q_PROPERTY(bool anyActiveSimCanDial READ anyActiveSimCanDial NOTIFY anyActiveSimCanDialChanged)
+    /// As anyActiveSimCanDial, for calls that come in.
+    Q_PROPERTY(bool anyActiveSimCanReceive READ anyActiveSimCanReceive NOTIFY
+                   anyActiveSimCanReceiveChanged)
+    /// The number of SIMs that are present and have been read.
+    Q_PROPERTY(int activeSimCount READ activeSimCount NOTIFY activeSimCountChanged)
+
+public:
+    /// What becomes of a call. All but Allow, and any other number, mean that it does not get
+    /// through.
+    enum Action {
+        Block = 1,
+        Ignore = 1, ///< The same as Block, and meant so.
+        Allow = 2,
+        Hangup = 3
+    };
+    Q_ENUM(Action)
+
+    /// What becomes of the calls of one SIM; (su) on the bus.
+    struct Rule
+    {
+        QString imsi; ///< Subscriber identity of the SIM, compared exactly.
+        quint32 action = Block; ///< An Action, or any other number.
+    };
+
+    /// In the order in which they count: the first rule for a SIM decides. a(su) on the bus.
+    using RuleList = QList<Rule>;
+
+    /// Asks the filter objects' owner for their introspection and waits for it: at once where there
+    /// is none, but where it hangs for as long as a call to it takes to fail.
+    explicit SimFiltersHelper(QObject *parent);
+
+    bool ready() const { return m_dial.ready && m_incoming.ready; }
+    bool anyActiveSimCanDial() const { return m_dial.allowed; }
+    bool anyActiveSimCanReceive() const { return m_incoming.allowed; }
+    int activeSimCount() const { return m_activeImsis.size(); }
+
+Q_SIGNALS:
+    void readyChanged();
+    void anyActiveSimCanDialChanged();
+    void anyActiveSimCanReceiveChanged();
+    void activeSimCountChanged();
+
+private Q_SLOTS:
+    void requestDialRules();
+    void requestIncomingRules();
+    void dialGetAllFinished(QDBusPendingCallWatcher *watcher);
+    void incomingGetAllFinished(QDBusPendingCallWatcher *watcher);
+    void updateSims();
+
+private:
+    Q_DISABLE_COPY(SimFiltersHelper)
+
+    /// One of the two rule sets, and what it means for the SIMs that are present.
+    struct Filter
+    {
+        const char *name; ///< For the log.
+        QDBusInterface *interface;
+        bool ready = false; ///< Whether \a allowed has had a value.
+        bool allowed = true; ///< Whether any SIM is allowed the call.
+        bool requestPending = false;
+    };
+    using Notification = void (SimFiltersHelper::*)();
+    using ReplyHandler = void (SimFiltersHelper::*)(QDBusPendingCallWatcher *);
+
+    void connectSignals();
+    void requestRules(Filter &filter, ReplyHandler finished);
+    void getAllFinished(Filter &filter, QDBusPendingCallWatcher *watcher, Notification changed);
+    bool evaluate(const Filter &filter, const QDBusPendingCall &call) const;
+    bool anyActiveSimAllowed(quint32 defaultAction, const RuleList &rules) const;
+    void setReady(Filter &filter);
+    void applyNoSimState();
+
+    QOfonoSimWatcher *m_simWatcher;
+    Filter m_dial;
+    Filter m_incoming;
+    QStringList m_activeImsis; ///< Of the SIMs that are present, in their order.
+};
+
+Q_DECLARE_METATYPE(SimFiltersHelper::Rule)
+Q_DECLARE_METATYPE(SimFiltersHelper::RuleList)
+
+QDBusArgument &operator<<(QDBusArgument &argument, const SimFiltersHelper::Rule &rule);
+const QDBusArgument &operator>>(const QDBusArgument &argument, SimFiltersHelper::Rule &rule);
