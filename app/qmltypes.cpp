@@ -4,6 +4,7 @@
 #include "qmltypes.h"
 
 #include "parleyuiadaptor.h"
+#include "quickmessagesmodel.h"
 #include "reminder.h"
 #include "reminders.h"
 
@@ -12,6 +13,7 @@
 void registerQmlTypes()
 {
     constexpr auto uri = "com.nimbo.parley";
+    qmlRegisterType<QuickMessagesModel>(uri, 1, 0, "QuickMessagesModel");
     qmlRegisterType<Reminder>(uri, 1, 0, "Reminder");
     qmlRegisterType<Reminders>(uri, 1, 0, "RemindersBase");
     qmlRegisterType<ParleyUiAdaptor>(uri, 1, 0, "ParleyUiAdaptor");

@@ -147,6 +147,7 @@ void TestStartup::takesItsStepsInOrder()
     if (!devel)
         expected << u"step: setQuitOnLastWindowClosed 0"_s;
     expected += QStringList{
+        u"step: register QuickMessagesModel"_s,
         u"step: register Reminder"_s,
         u"step: register RemindersBase"_s,
         u"step: register ParleyUiAdaptor"_s,

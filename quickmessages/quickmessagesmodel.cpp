@@ -1,0 +1,240 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+#include "quickmessagesmodel.h"
+
+#include "messagesjson.h"
+
+#include <QDebug>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QStandardPaths>
+
+namespace {
+
+/// The default messages, as they are stored. They are translated when they are shown.
+const QStringList defaultMessageIds{
+    //% "Please call later"
+    QString::fromLatin1(QT_TRID_NOOP("parley-me-please_call_later")),
+    //% "I can't talk at the moment"
+    QString::fromLatin1(QT_TRID_NOOP("parley-me-cant_talk_at_the_moment")),
+    //% "I will call back"
+    QString::fromLatin1(QT_TRID_NOOP("parley-me-will_call_back"))};
+
+QString homePath()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::HomeLocation);
+}
+
+} // namespace
+
+QuickMessagesModel::QuickMessagesModel(QObject *parent)
+    : QStringListModel(parent)
+    , m_defaultValue(defaultMessageIds)
+{
+    setFilePath(homePath()
+                + QLatin1String("/.local/share/system/privileged/Phone/quick-replies.json"));
+    connect(&m_watcher, &QFileSystemWatcher::fileChanged, this, &QuickMessagesModel::fileChanged);
+    connect(&m_watcher, &QFileSystemWatcher::directoryChanged, this,
+            &QuickMessagesModel::directoryChanged);
+    connect(this, &QAbstractItemModel::rowsInserted, this, &QuickMessagesModel::countChanged);
+    connect(this, &QAbstractItemModel::rowsRemoved, this, &QuickMessagesModel::countChanged);
+    connect(this, &QAbstractItemModel::modelReset, this, &QuickMessagesModel::countChanged);
+}
+
+QVariant QuickMessagesModel::data(const QModelIndex &index, int role) const
+{
+    const QVariant value = QStringListModel::data(index, role);
+    const bool isText = role == Qt::DisplayRole || role == Qt::EditRole;
+    if (isText && defaultMessageIds.contains(value.toString()))
+        return qtTrId(value.toString().toUtf8().constData());
+    return value;
+}
+
+void QuickMessagesModel::setFilePath(const QString &path)
+{
+    if (path == m_filePath)
+        return;
+    stopWatching();
+    if (!path.isEmpty())
+        watch(path);
+    m_filePath = path;
+    Q_EMIT filePathChanged();
+    if (!m_filePath.isEmpty())
+        load();
+}
+
+void QuickMessagesModel::stopWatching()
+{
+    const QStringList paths = m_watcher.directories() + m_watcher.files();
+    if (!paths.isEmpty())
+        m_watcher.removePaths(paths);
+}
+
+void QuickMessagesModel::watch(const QString &path)
+{
+    const QFileInfo file(path);
+    const QDir directory = file.dir();
+    if (!directory.exists() && !QDir(homePath()).mkpath(directory.path())) {
+        // Meant to be silent.
+        m_hasError = true;
+        m_fileExists = false;
+        return;
+    }
+    m_watcher.addPath(directory.absolutePath());
+    m_fileExists = file.exists();
+    if (m_fileExists)
+        m_watcher.addPath(file.absoluteFilePath());
+}
+
+/// A file of the same name may have taken the place of the one that was watched.
+void QuickMessagesModel::watchFile()
+{
+    const QString path = QFileInfo(m_filePath).absoluteFilePath();
+    m_watcher.removePath(path);
+    if (QFileInfo(path).isReadable()) // or it cannot be watched
+        m_watcher.addPath(path);
+}
+
+void QuickMessagesModel::load()
+{
+    if (!m_active) {
+        qDebug() << "void QuickMessagesModel::load()"
+                 << "inactive, can't load file" << m_filePath;
+        return;
+    }
+    if (m_filePath.isEmpty()) {
+        qDebug() << "void QuickMessagesModel::load()"
+                 << "file path is empty, can't load file";
+        return;
+    }
+    QFile file(m_filePath);
+    if (!file.exists()) {
+        m_fileExists = false;
+        setStringList(m_defaultValue);
+        return;
+    }
+    // Before it is read: what is written from now on is noticed.
+    watchFile();
+    QStringList messages;
+    const bool opened = file.open(QIODevice::ReadOnly | QIODevice::Text);
+    if (opened) {
+        m_fileExists = true;
+        messages = messagesFromJson(file.readAll());
+    }
+    setHasError(!opened);
+    // A handler may have chosen another file, whose messages are shown by now.
+    if (file.fileName() != m_filePath)
+        return;
+    if (messages.isEmpty())
+        setStringList(m_defaultValue);
+    else if (messages != stringList())
+        setStringList(messages);
+}
+
+void QuickMessagesModel::save()
+{
+    if (!m_active) {
+        qWarning() << "void QuickMessagesModel::save()"
+                   << "inactive, can't save file" << m_filePath;
+        return;
+    }
+    if (m_filePath.isEmpty()) {
+        qWarning() << "void QuickMessagesModel::save()"
+                   << "filePath is not set, can't save";
+        return;
+    }
+    QFile file(m_filePath);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Text)) {
+        qWarning() << "void QuickMessagesModel::save()"
+                   << "can't open file" << m_filePath;
+        setHasError(true);
+        return;
+    }
+    const QByteArray json = messagesToJson(stringList());
+    m_fileExists = true;
+    setHasError(false);
+    // What is written here is no news.
+    const QString path = QFileInfo(file).absoluteFilePath();
+    m_watcher.removePath(path);
+    file.write(json);
+    file.close();
+    // A handler may have chosen another file.
+    if (file.fileName() == m_filePath)
+        m_watcher.addPath(path);
+}
+
+void QuickMessagesModel::setHasError(bool hasError)
+{
+    if (hasError == m_hasError)
+        return;
+    m_hasError = hasError;
+    Q_EMIT hasErrorChanged();
+}
+
+void QuickMessagesModel::setActive(bool active)
+{
+    if (active == m_active)
+        return;
+    m_active = active;
+    Q_EMIT activeChanged();
+    if (m_active)
+        load();
+}
+
+void QuickMessagesModel::setDefaultValue(const QStringList &messages)
+{
+    if (messages == m_defaultValue)
+        return;
+    m_defaultValue = messages;
+    Q_EMIT defaultValueChanged();
+    if (m_active && !m_filePath.isEmpty() && count() == 0)
+        setStringList(m_defaultValue);
+}
+
+void QuickMessagesModel::reset()
+{
+    setStringList(m_defaultValue);
+}
+
+void QuickMessagesModel::append(const QString &string)
+{
+    const int row = count();
+    insertRow(row);
+    if (!string.isEmpty())
+        setData(index(row), string, Qt::EditRole);
+}
+
+void QuickMessagesModel::remove(int index)
+{
+    removeRows(index, 1);
+}
+
+void QuickMessagesModel::directoryChanged(const QString &path)
+{
+    const QFileInfo file(m_filePath);
+    if (path != file.absolutePath()) {
+        qWarning() << "undexpected directoryChanged signal for path:" << path;
+        return;
+    }
+    if (!file.exists()) {
+        m_fileExists = false;
+        const QStringList files = m_watcher.files();
+        if (!files.isEmpty())
+            m_watcher.removePaths(files);
+    } else if (!m_fileExists) {
+        m_fileExists = true;
+        m_watcher.addPath(file.absoluteFilePath());
+        load();
+    }
+}
+
+void QuickMessagesModel::fileChanged(const QString &path)
+{
+    if (path != QFileInfo(m_filePath).absoluteFilePath()) {
+        qWarning() << "undexpected fileChanged signal for path:" << path;
+        return;
+    }
+    load();
+}
