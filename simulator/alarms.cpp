@@ -81,12 +81,13 @@ void Alarms::list(const Finish &finish)
 {
     const QDBusMessage call =
         QDBusMessage::createMethodCall(service, path, control, QStringLiteral("List"));
-    callBus(m_bus, call, this, finish, [this, finish](const QVariantList &values) {
-        const auto alarms = qdbus_cast<AlarmsByCookie>(values.value(0));
-        for (auto it = alarms.cbegin(); it != alarms.cend(); ++it)
-            record(describe(it.key(), *it));
-        finish(Outcome::Done, alarms.isEmpty() ? QStringLiteral("no alarms") : QString());
-    });
+    callBus(m_bus, call, QStringLiteral("a{u(uxa{ss})}"), this, finish,
+            [this, finish](const QVariantList &values) {
+                const auto alarms = qdbus_cast<AlarmsByCookie>(values.value(0));
+                for (auto it = alarms.cbegin(); it != alarms.cend(); ++it)
+                    record(describe(it.key(), *it));
+                finish(Outcome::Done, alarms.isEmpty() ? QStringLiteral("no alarms") : QString());
+            });
 }
 
 void Alarms::fire(const QString &cookie, const Finish &finish)
@@ -94,7 +95,7 @@ void Alarms::fire(const QString &cookie, const Finish &finish)
     QDBusMessage call =
         QDBusMessage::createMethodCall(service, path, control, QStringLiteral("Fire"));
     call.setArguments({cookie.toUInt()});
-    callBus(m_bus, call, this, finish,
+    callBus(m_bus, call, QString(), this, finish,
             [finish](const QVariantList &) { finish(Outcome::Done, QStringLiteral("done")); });
 }
 
@@ -103,12 +104,13 @@ void Alarms::cancel(const QString &cookie, const Finish &finish)
     QDBusMessage call =
         QDBusMessage::createMethodCall(service, path, service, QStringLiteral("cancel"));
     call.setArguments({cookie.toUInt()});
-    callBus(m_bus, call, this, finish, [cookie, finish](const QVariantList &values) {
-        if (values.value(0).toBool())
-            finish(Outcome::Done, QStringLiteral("done"));
-        else
-            finish(Outcome::Failed, QStringLiteral("there is no alarm %1").arg(cookie));
-    });
+    callBus(m_bus, call, QStringLiteral("b"), this, finish,
+            [cookie, finish](const QVariantList &values) {
+                if (values.value(0).toBool())
+                    finish(Outcome::Done, QStringLiteral("done"));
+                else
+                    finish(Outcome::Failed, QStringLiteral("there is no alarm %1").arg(cookie));
+            });
 }
 
 void Alarms::record(const QString &line)

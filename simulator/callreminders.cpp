@@ -76,7 +76,7 @@ void CallReminders::remind(const QString &number, const QString &seconds, const 
         QStringLiteral("com.nimbo.timed"), QStringLiteral("/com/nimbo/timed"),
         QStringLiteral("com.nimbo.timed"), QStringLiteral("add_event"));
     call.setArguments({QVariant::fromValue(event)});
-    callBus(m_systemBus, call, this, finish,
+    callBus(m_systemBus, call, QStringLiteral("u"), this, finish,
             [this, number, name, finish](const QVariantList &values) {
                 notify(values.value(0).toUInt(), number, name, finish);
             });
@@ -99,9 +99,11 @@ void CallReminders::notify(uint cookie, const QString &number, const QString &na
     const QString summary = QStringLiteral("Call ") + name;
     call.setArguments(
         {QStringLiteral("Phone"), 0U, QString(), summary, number, actions, hints, -1});
-    callBus(m_sessionBus, call, this, finish, [cookie, finish](const QVariantList &values) {
-        finish(
-            Outcome::Done,
-            QStringLiteral("alarm %1, notification %2").arg(cookie).arg(values.value(0).toUInt()));
-    });
+    callBus(m_sessionBus, call, QStringLiteral("u"), this, finish,
+            [cookie, finish](const QVariantList &values) {
+                finish(Outcome::Done,
+                       QStringLiteral("alarm %1, notification %2")
+                           .arg(cookie)
+                           .arg(values.value(0).toUInt()));
+            });
 }

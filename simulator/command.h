@@ -20,7 +20,7 @@ using Finish = std::function<void(Outcome outcome, const QString &text)>;
 /// One command of the simulated handset's console.
 struct Command
 {
-    QString name;
+    QString name; ///< Of one word, or several with a blank between two.
     /// What it takes: "NUMBER" must be given, "[NAME]" may be, and "[URL...]" any number of times.
     QStringList parameters;
     QString help; ///< One line.

@@ -115,12 +115,22 @@ void Handset::startServices(const QDBusConnection &session)
     m_uiPatience.setSingleShot(true);
     m_uiPatience.setInterval(uiPatience);
 
+    placeCatalogue();
     m_services->start([this] {
         startUi([this](Outcome, const QString &text) {
             m_transcript.say(text);
             m_interpreter.start();
         });
     });
+}
+
+/// Where the call UI looks for it.
+void Handset::placeCatalogue()
+{
+    if (Sandbox::isPossible())
+        m_sandbox.place(QStringLiteral("/usr/share/translations"), m_options.catalogueFolder);
+    else
+        m_transcript.say(QStringLiteral("Without bwrap, texts are shown as their ids."));
 }
 
 void Handset::startUi(const Finish &finish)
@@ -133,8 +143,10 @@ void Handset::startUi(const Finish &finish)
 
     m_uiPatience.start();
     m_sinceUiStart.start();
-    m_ui->start(m_options.uiProgram,
-                {QStringLiteral("-prestart"), QStringLiteral("-qml"), m_options.qmlFile});
+    QStringList command = m_sandbox.wrap({m_options.uiProgram, QStringLiteral("-prestart"),
+                                          QStringLiteral("-qml"), m_options.qmlFile});
+    const QString program = command.takeFirst();
+    m_ui->start(program, command);
 }
 
 void Handset::uiSettled(Outcome outcome, const QString &text)

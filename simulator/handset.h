@@ -6,6 +6,7 @@
 #include "canopy.h"
 #include "interpreter.h"
 #include "privatebus.h"
+#include "sandbox.h"
 #include "services.h"
 #include "transcript.h"
 #include "uiprocess.h"
@@ -27,6 +28,7 @@ public:
     {
         QString uiProgram;
         QString qmlFile;
+        QString catalogueFolder; ///< Of the call UI's texts.
         QString stateFolder; ///< Keeps what outlives the session; empty to keep nothing.
         Interpreter::AtFailure atFailure = Interpreter::AtFailure::GoOn;
     };
@@ -49,6 +51,7 @@ private:
     bool startBus(PrivateBus &bus, const QString &name);
     bool startCanopy(const QDBusConnection &session);
     void startServices(const QDBusConnection &session);
+    void placeCatalogue();
     void startUi(const Finish &finish);
     void uiSettled(Outcome outcome, const QString &text);
     Command restartCommand();
@@ -63,6 +66,7 @@ private:
     PrivateBus m_systemBus;
     std::unique_ptr<Services> m_services;
     std::unique_ptr<Canopy> m_canopy;
+    Sandbox m_sandbox; ///< Of the call UI.
     std::unique_ptr<UiProcess> m_ui;
     QElapsedTimer m_sinceUiStart;
     QTimer m_uiPatience;

@@ -32,6 +32,18 @@ QStringList wordsOf(const QString &line)
     return words;
 }
 
+/// The name's words.
+QStringList nameOf(const Command &command)
+{
+    return command.name.split(QLatin1Char(' '));
+}
+
+bool isNamed(const Command &command, const QStringList &words)
+{
+    const QStringList name = nameOf(command);
+    return words.mid(0, name.size()) == name;
+}
+
 bool takes(const Command &command, int arguments)
 {
     const QStringList &parameters = command.parameters;
@@ -139,13 +151,17 @@ void Interpreter::run(const QString &line)
     m_transcript.beginCommand(line);
     m_lastWasSkipped = false;
     QStringList arguments = wordsOf(line);
-    const QString name = arguments.takeFirst();
-    const auto command = std::find_if(m_commands.cbegin(), m_commands.cend(),
-                                      [&name](const Command &one) { return one.name == name; });
-    if (command == m_commands.cend())
+    const auto command =
+        std::find_if(m_commands.cbegin(), m_commands.cend(),
+                     [&arguments](const Command &one) { return isNamed(one, arguments); });
+    if (command == m_commands.cend()) {
         ended(Outcome::Failed,
-              QStringLiteral("there is no command \"%1\"; help lists them").arg(name));
-    else if (!takes(*command, arguments.size()))
+              QStringLiteral("there is no command \"%1\"; help lists them")
+                  .arg(arguments.join(QLatin1Char(' '))));
+        return;
+    }
+    arguments = arguments.mid(nameOf(*command).size());
+    if (!takes(*command, arguments.size()))
         ended(Outcome::Failed,
               QStringLiteral("usage: %1 (an argument with blanks in double quotes)")
                   .arg(synopsis(*command)));

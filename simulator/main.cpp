@@ -38,7 +38,9 @@ Arguments parse(const QCoreApplication &application)
 
     const QCommandLineOption state(
         QStringLiteral("state"),
-        QStringLiteral("Keeps alarms in a folder, for the next time; else they go in the end."),
+        QStringLiteral(
+            "Keeps alarms, SIMs and rules in a folder, for the next time; else they go in the "
+            "end."),
         QStringLiteral("folder"));
     const QCommandLineOption qml(QStringLiteral("qml"), QStringLiteral("The screens to show."),
                                  QStringLiteral("file"), QStringLiteral(PARLEY_DEMO_QML));
@@ -56,6 +58,7 @@ Arguments parse(const QCoreApplication &application)
 
     Arguments arguments;
     arguments.handset.uiProgram = parser.value(ui);
+    arguments.handset.catalogueFolder = QStringLiteral(PARLEY_TRANSLATIONS);
     arguments.handset.qmlFile = parser.value(qml);
     arguments.handset.stateFolder = parser.value(state);
     arguments.service = parser.value(service);

@@ -101,19 +101,21 @@ void Notifications::list(const Finish &finish)
 {
     const QDBusMessage call =
         QDBusMessage::createMethodCall(service, path, control, QStringLiteral("List"));
-    callBus(m_bus, call, this, finish, [this, finish](const QVariantList &values) {
-        const auto all = qdbus_cast<NotificationList>(values.value(0));
-        for (const NotificationData &data : all)
-            record(describe(data));
-        finish(Outcome::Done, all.isEmpty() ? QStringLiteral("no notifications") : QString());
-    });
+    callBus(m_bus, call, QStringLiteral("a(susssasa{sv}i)"), this, finish,
+            [this, finish](const QVariantList &values) {
+                const auto all = qdbus_cast<NotificationList>(values.value(0));
+                for (const NotificationData &data : all)
+                    record(describe(data));
+                finish(Outcome::Done,
+                       all.isEmpty() ? QStringLiteral("no notifications") : QString());
+            });
 }
 
 void Notifications::act(const QString &method, const QVariantList &arguments, const Finish &finish)
 {
     QDBusMessage call = QDBusMessage::createMethodCall(service, path, control, method);
     call.setArguments(arguments);
-    callBus(m_bus, call, this, finish,
+    callBus(m_bus, call, QString(), this, finish,
             [finish](const QVariantList &) { finish(Outcome::Done, QStringLiteral("done")); });
 }
 

@@ -28,6 +28,8 @@ Services::Services(const World &world, const QDBusConnection &session,
     , m_alarms(system, transcript)
     , m_notifications(session, transcript)
     , m_reminders(session, system)
+    , m_sims(system, transcript)
+    , m_rules(system, transcript)
 {
     const QProcessEnvironment environment = environmentOf(world);
     const QString callHistory = QStringLiteral("com.nokia.telephony.callhistory");
@@ -37,6 +39,8 @@ Services::Services(const World &world, const QDBusConnection &session,
          world.stateFolder},
         session, environment);
     add({QStringLiteral("call-history"), callHistory, world.stateFolder}, session, environment);
+    add({QStringLiteral("telephony"), QStringLiteral("org.ofono"), world.stateFolder}, system,
+        environment);
     QDBusConnection(session).connect(callHistory, QStringLiteral("/org/maemo/m"),
                                      QStringLiteral("com.nimbo.simulator.CallHistory"),
                                      QStringLiteral("Launched"), this,
@@ -73,6 +77,8 @@ QVector<Command> Services::commands()
     QVector<Command> all{m_reminders.command()};
     all += m_alarms.commands();
     all += m_notifications.commands();
+    all += m_sims.commands();
+    all += m_rules.commands();
     for (const auto &process : m_processes)
         all += process->command();
     return all;

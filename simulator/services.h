@@ -5,8 +5,10 @@
 
 #include "alarms.h"
 #include "callreminders.h"
+#include "callrules.h"
 #include "notifications.h"
 #include "serviceprocess.h"
+#include "sims.h"
 
 #include <QObject>
 
@@ -52,6 +54,8 @@ private:
     Alarms m_alarms;
     Notifications m_notifications;
     CallReminders m_reminders;
+    Sims m_sims;
+    CallRules m_rules;
     std::vector<std::unique_ptr<ServiceProcess>> m_processes;
     std::size_t m_awaited = 0;
 };

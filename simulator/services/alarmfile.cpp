@@ -3,13 +3,7 @@
 
 #include "alarmfile.h"
 
-#include <QDebug>
-#include <QDir>
-#include <QFile>
 #include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QSaveFile>
 
 #include <limits>
 #include <optional>
@@ -18,14 +12,6 @@ namespace {
 
 /// Largest cookie that leaves room for another one.
 constexpr double largestCookie = std::numeric_limits<uint>::max() - 1.0;
-
-std::optional<uint> toUInt(const QJsonValue &value, double largest)
-{
-    const double number = value.toDouble(-1);
-    const bool fits = number >= 0 && number <= largest;
-    const uint whole = fits ? static_cast<uint>(number) : 0;
-    return fits && whole == number ? std::optional<uint>(whole) : std::nullopt;
-}
 
 std::optional<AlarmAttributes> toAttributes(const QJsonValue &value)
 {
@@ -43,8 +29,7 @@ std::optional<AlarmAttributes> toAttributes(const QJsonValue &value)
 
 std::optional<Alarm> toAlarm(const QJsonObject &object)
 {
-    const auto flags =
-        toUInt(object.value(QLatin1String("flags")), std::numeric_limits<uint>::max());
+    const auto flags = StateFile::toUInt(object.value(QLatin1String("flags")));
     bool hasTicker = false;
     const qlonglong ticker =
         object.value(QLatin1String("ticker")).toString().toLongLong(&hasTicker);
@@ -56,14 +41,16 @@ std::optional<Alarm> toAlarm(const QJsonObject &object)
 
 std::optional<AlarmFile::Content> toContent(const QJsonObject &object)
 {
-    const auto lastCookie = toUInt(object.value(QLatin1String("lastCookie")), largestCookie);
+    const auto lastCookie =
+        StateFile::toUInt(object.value(QLatin1String("lastCookie")), largestCookie);
     const QJsonValue list = object.value(QLatin1String("alarms"));
     if (!lastCookie || !list.isArray())
         return std::nullopt;
     AlarmFile::Content content{*lastCookie, {}};
     const QJsonArray array = list.toArray();
     for (const QJsonValue &one : array) {
-        const auto cookie = toUInt(one.toObject().value(QLatin1String("cookie")), *lastCookie);
+        const auto cookie =
+            StateFile::toUInt(one.toObject().value(QLatin1String("cookie")), *lastCookie);
         const auto alarm = toAlarm(one.toObject());
         if (!cookie || *cookie == 0 || !alarm || content.alarms.contains(*cookie))
             return std::nullopt;
@@ -87,38 +74,19 @@ QJsonObject toJson(uint cookie, const Alarm &alarm)
 } // namespace
 
 AlarmFile::AlarmFile(const QString &folder)
-    : m_folder(folder)
-    , m_path(folder + QLatin1String("/alarms.json"))
+    : m_file(folder, QStringLiteral("alarms.json"), QStringLiteral("alarms"))
 {
 }
 
 AlarmFile::Content AlarmFile::load() const
 {
-    QFile file(m_path);
-    if (!file.exists())
-        return {};
-    if (!file.open(QIODevice::ReadOnly)) {
-        putAside(file.errorString());
-        return {};
-    }
-    const QJsonDocument document = QJsonDocument::fromJson(file.readAll());
-    const auto content = toContent(document.object());
-    if (!content) {
-        putAside(QStringLiteral("it holds no alarms"));
-        return {};
-    }
-    return *content;
-}
-
-void AlarmFile::putAside(const QString &why) const
-{
-    QString other = m_path + QLatin1String(".broken");
-    for (int i = 2; QFile::exists(other); ++i)
-        other = QStringLiteral("%1.broken-%2").arg(m_path).arg(i);
-    const bool moved = QDir().rename(m_path, other);
-    qWarning("The alarms cannot be read from %s: %s. %s %s", qUtf8Printable(m_path),
-             qUtf8Printable(why), moved ? "It is now" : "It cannot be moved to",
-             qUtf8Printable(other));
+    Content content;
+    m_file.load([&content](const QJsonObject &object) {
+        const auto read = toContent(object);
+        content = read.value_or(Content());
+        return read.has_value();
+    });
+    return content;
 }
 
 void AlarmFile::save(const Content &content) const
@@ -126,14 +94,6 @@ void AlarmFile::save(const Content &content) const
     QJsonArray alarms;
     for (auto it = content.alarms.cbegin(); it != content.alarms.cend(); ++it)
         alarms.append(toJson(it.key(), it.value()));
-    const QJsonObject object{
-        {QStringLiteral("lastCookie"), static_cast<qint64>(content.lastCookie)},
-        {QStringLiteral("alarms"), alarms}};
-
-    QDir().mkpath(m_folder);
-    QSaveFile file(m_path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(QJsonDocument(object).toJson()) < 0
-        || !file.commit())
-        qWarning("The alarms cannot be kept in %s: %s", qUtf8Printable(m_path),
-                 qUtf8Printable(file.errorString()));
+    m_file.save({{QStringLiteral("lastCookie"), static_cast<qint64>(content.lastCookie)},
+                 {QStringLiteral("alarms"), alarms}});
 }

@@ -4,8 +4,7 @@
 #pragma once
 
 #include "alarm.h"
-
-#include <QString>
+#include "statefile.h"
 
 /// The file in which the time daemon keeps its alarms.
 class AlarmFile
@@ -20,17 +19,11 @@ public:
     /// The file is "alarms.json" in \a folder; neither needs to exist.
     explicit AlarmFile(const QString &folder);
 
-    /// What was saved last; nothing if there is no such file. One that cannot be read is put aside
-    /// under another name, and a warning is logged.
+    /// What was saved last; nothing if there is no such file, or none that can be read.
     Content load() const;
 
-    /// Writes it in one step: whenever this process ends, the file is the old or the new one. Logs
-    /// a warning if it cannot be written.
     void save(const Content &content) const;
 
 private:
-    void putAside(const QString &why) const;
-
-    QString m_folder;
-    QString m_path;
+    StateFile m_file;
 };

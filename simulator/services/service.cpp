@@ -5,6 +5,7 @@
 
 #include "callhistory.h"
 #include "notificationservice.h"
+#include "telephonystack.h"
 #include "timedaemon.h"
 
 #include <QCoreApplication>
@@ -33,6 +34,8 @@ int runService(const QString &name, const QString &stateFolder)
         return run(NotificationService(), QDBusConnection::sessionBus());
     if (name == QLatin1String("call-history"))
         return run(CallHistory(), QDBusConnection::sessionBus());
+    if (name == QLatin1String("telephony"))
+        return run(TelephonyStack(stateFolder), QDBusConnection::systemBus());
     qWarning("There is no service \"%s\".", qUtf8Printable(name));
     return EXIT_FAILURE;
 }

@@ -78,13 +78,24 @@ bool ServiceUnderTest::writeState(const QString &name, const QByteArray &content
 QDBusMessage ServiceUnderTest::call(const QString &interface, const QString &method,
                                     const QVariantList &arguments) const
 {
-    QDBusMessage message =
-        QDBusMessage::createMethodCall(m_place.service, m_place.path, interface, method);
+    return callAt(m_place.path, interface, method, arguments);
+}
+
+QDBusMessage ServiceUnderTest::callAt(const QString &path, const QString &interface,
+                                      const QString &method, const QVariantList &arguments) const
+{
+    QDBusMessage message = QDBusMessage::createMethodCall(m_place.service, path, interface, method);
     message.setArguments(arguments);
     return m_bus.call(message, QDBus::BlockWithGui, patience);
 }
 
 QStringList ServiceUnderTest::busctl(const QString &verb, const QStringList &arguments) const
+{
+    return busctlAt(m_place.path, verb, arguments);
+}
+
+QStringList ServiceUnderTest::busctlAt(const QString &path, const QString &verb,
+                                       const QStringList &arguments) const
 {
     const QString address =
         m_place.bus == Bus::Session ? m_sessionBus.address() : m_systemBus.address();
@@ -92,8 +103,7 @@ QStringList ServiceUnderTest::busctl(const QString &verb, const QStringList &arg
     busctl.setProcessChannelMode(QProcess::MergedChannels);
     busctl.start(QStringLiteral("busctl"),
                  QStringList{QStringLiteral("--no-pager"), QStringLiteral("--full"),
-                             QStringLiteral("--address=") + address, verb, m_place.service,
-                             m_place.path}
+                             QStringLiteral("--address=") + address, verb, m_place.service, path}
                      + arguments);
     busctl.waitForFinished(patience);
     QStringList lines = QString::fromUtf8(busctl.readAll()).trimmed().split(QLatin1Char('\n'));

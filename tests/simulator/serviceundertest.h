@@ -49,8 +49,14 @@ public:
     /// Calls a method of the service and waits for the answer.
     QDBusMessage call(const QString &interface, const QString &method,
                       const QVariantList &arguments = {}) const;
+    /// The same at another of its paths.
+    QDBusMessage callAt(const QString &path, const QString &interface, const QString &method,
+                        const QVariantList &arguments = {}) const;
     /// What busctl prints, with single blanks, for "busctl VERB SERVICE PATH ARGUMENT...".
     QStringList busctl(const QString &verb, const QStringList &arguments) const;
+    /// The same at another of its paths.
+    QStringList busctlAt(const QString &path, const QString &verb,
+                         const QStringList &arguments) const;
 
     /// Waits for the next signal of that name; its arguments. Nothing if it does not come.
     QDBusMessage nextSignal(const QString &member);

@@ -1,8 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The Parley developers
 // SPDX-License-Identifier: BSD-3-Clause
 
+#include "filterrule.h"
 #include "literals.h"
+#include "scriptedservice.h"
 
+#include <QDBusConnection>
+#include <QDBusMessage>
 #include <QDir>
 #include <QFile>
 #include <QProcess>
@@ -11,7 +15,9 @@
 #include <QTest>
 
 #include <csignal>
+#include <initializer_list>
 #include <memory>
+#include <utility>
 
 #include <sys/types.h>
 #include <unistd.h>
@@ -38,6 +44,20 @@ QByteArray commandOf(pid_t process)
     return line.open(QIODevice::ReadOnly) ? line.readAll() : QByteArray();
 }
 
+/// The value of a variable in the environment that \a process was started with.
+QString environmentOf(pid_t process, const QByteArray &variable)
+{
+    QFile file(u"/proc/%1/environ"_s.arg(process));
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    const QList<QByteArray> entries = file.readAll().split('\0');
+    for (const QByteArray &entry : entries) {
+        if (entry.startsWith(variable + '='))
+            return QString::fromUtf8(entry.mid(variable.size() + 1));
+    }
+    return {};
+}
+
 } // namespace
 
 class TestHandset : public QObject
@@ -52,7 +72,14 @@ private Q_SLOTS:
     void runsCommandsFromStandardInput();
     void runsAScript();
     void controlsTheServices();
+    void controlsTheTelephony();
+    void tellsWhatOthersDoToTheTelephony();
+    void saysWhyTheTelephonyRefuses_data();
+    void saysWhyTheTelephonyRefuses();
     void keepsAlarmsInAFolder();
+    void keepsSimsAndRulesInAFolder();
+    void failsWhereAnAnswerIsOfAnotherForm_data();
+    void failsWhereAnAnswerIsOfAnotherForm();
     void goesOnWithoutAService();
     void endsAScriptAtItsFirstFailure();
     void ignoresTheUsersOwnWorld();
@@ -239,6 +266,118 @@ void TestHandset::controlsTheServices()
     QVERIFY2(succeeded, qUtf8Printable(m_output));
 }
 
+void TestHandset::controlsTheTelephony()
+{
+    start({u"--script"_s,
+           writeScript("sims\nexpect /ril_0, no SIM\nexpect /ril_1, no SIM\n"
+                       "sim insert 262011234567890\nexpect SIM 262011234567890 is in /ril_0\n"
+                       "sim insert 26202 ril_7\nexpect modem /ril_7 is added\n"
+                       "expect SIM 26202 is in /ril_7\n"
+                       "sim lock ril_0\nexpect the SIM in /ril_0 is locked\n"
+                       "sims\nexpect /ril_0, 262011234567890, locked\nexpect /ril_1, no SIM\n"
+                       "expect /ril_7, 26202\n"
+                       "sim unlock /ril_0\nexpect the SIM in /ril_0 is unlocked\n"
+                       "sim remove /ril_7\nexpect no SIM is in /ril_7\n"
+                       "sims\nexpect /ril_0, 262011234567890\nexpect /ril_7, no SIM\n"
+                       "rules\nexpect dial default: allow\nexpect incoming default: allow\n"
+                       "rule dial 26201 ignore\nexpect dial rule for 26201: block\n"
+                       "rule dial 26202 Hangup\nexpect dial rule for 26202: hangup\n"
+                       "rule incoming 26202 BLOCK\nexpect incoming rule for 26202: block\n"
+                       "rule incoming 26202 4294967295\n"
+                       "expect incoming rule for 26202: 4294967295\n"
+                       "rule dial 26201 None\nexpect no dial rule for 26201\n"
+                       "default dial block\nexpect dial default: block\n"
+                       "default incoming 0\nexpect incoming default: 0\n"
+                       "default incoming Allow\nexpect incoming default: allow\n"
+                       "telephony stop\nexpect stopped\ntelephony start\nexpect started\n"
+                       "sims\nexpect /ril_0, 262011234567890\nexpect /ril_7, no SIM\n"
+                       "rules\nexpect dial default: block\nexpect dial rule for 26202: hangup\n"
+                       "expect incoming default: allow\n"
+                       "expect incoming rule for 26202: 4294967295\n"
+                       "telephony hang\ntelephony continue\n"
+                       "sim insert 1 ril_1\nexpect SIM 1 is in /ril_1\n")});
+    QVERIFY2(ends(0), qUtf8Printable(m_output));
+}
+
+void TestHandset::tellsWhatOthersDoToTheTelephony()
+{
+    start({});
+    QVERIFY(says(u"The call UI is on the bus after .*"_s));
+    registerFilterRuleTypes();
+    const QString name = u"other"_s;
+    const QDBusConnection bus = QDBusConnection::connectToBus(
+        environmentOf(serviceNamed("telephony"), "DBUS_SYSTEM_BUS_ADDRESS"), name);
+    const auto call = [&bus](const QString &method, const QVariantList &arguments) {
+        QDBusMessage message = QDBusMessage::createMethodCall(
+            u"org.ofono"_s, u"/"_s, u"com.nimbo.simulator.Telephony"_s, method);
+        message.setArguments(arguments);
+        return bus.call(message).type() == QDBusMessage::ReplyMessage;
+    };
+    const FilterRules rules{{u"1"_s, 1}, {u"1"_s, 2}};
+    QVERIFY(call(u"SetRules"_s, {u"dial"_s, QVariant::fromValue(rules)}));
+    QVERIFY(says(u"rules: the dial rules are replaced"_s));
+    QVERIFY(call(u"RemoveModem"_s, {u"ril_1"_s}));
+    QVERIFY(says(u"sims: modem /ril_1 is removed"_s));
+    QDBusConnection::disconnectFromBus(name);
+}
+
+void TestHandset::saysWhyTheTelephonyRefuses_data()
+{
+    QTest::addColumn<QByteArray>("command");
+    QTest::addColumn<QString>("complaint");
+
+    const QString noSim = u"there is no SIM in /ril_1"_s;
+    const QString noModem = u"there is no modem /ril_7"_s;
+    const QString noFilter = u"there is no filter \"both\", only dial and incoming"_s;
+    const QString noAction = u"\"deny\" is no action: block, ignore, allow, hangup or a number"_s;
+    for (const auto &[command, complaint] : std::initializer_list<std::pair<const char *, QString>>{
+             {"sim", u"there is no command \"sim\"; help lists them"_s},
+             {"sim insert", u"usage: sim insert IMSI [MODEM] *"_s},
+             {"sim insert 1 ril_1 x", u"usage: sim insert IMSI [MODEM] *"_s},
+             {"sim insert 12a", u"\"12a\" is no IMSI, which is 1 to 15 digits"_s},
+             {"sim insert \"\"", u"\"\" is no IMSI, which is 1 to 15 digits"_s},
+             {"sim insert 1 ril_0", u"there is a SIM in /ril_0 already"_s},
+             {"sim insert 1 a/b", u"\"a/b\" cannot be a modem: *"_s},
+             {"sim remove ril_1", noSim},
+             {"sim lock /ril_1", noSim},
+             {"sim unlock ril_1", noSim},
+             {"sim unlock ril_0", u"the SIM in /ril_0 is not locked"_s},
+             {"sim remove ril_7", noModem},
+             {"sim lock ril_7", noModem},
+             {"sim unlock \"/ril_7\"", noModem},
+             {"rule dial 1", u"usage: rule dial|incoming IMSI ACTION *"_s},
+             {"rule both 1 block", noFilter},
+             {"rule both 1 none", noFilter},
+             {"rule dial x block", u"\"x\" is no IMSI, which is 1 to 15 digits"_s},
+             {"rule dial 1 deny", noAction + u", or none"_s},
+             {"rule dial 1 -1", u"\"-1\" is no action: *"_s},
+             {"rule dial 1 4294967296", u"\"4294967296\" is no action: *"_s},
+             {"rule dial 1 \"\"", u"\"\" is no action: *"_s},
+             {"rule dial 1 none", u"there is no dial rule for 1"_s},
+             {"default dial", u"usage: default dial|incoming ACTION *"_s},
+             {"default both block", noFilter},
+             {"default dial deny", noAction},
+             {"default dial none", u"\"none\" is no action: *"_s}})
+        QTest::newRow(command) << QByteArray(command) << complaint;
+}
+
+/// The command fails, and nothing else happens.
+void TestHandset::saysWhyTheTelephonyRefuses()
+{
+    QFETCH(QByteArray, command);
+    QFETCH(QString, complaint);
+
+    start({});
+    m_handset->write("sim insert 5 ril_0\n" + command + "\nexpect " + complaint.toUtf8()
+                     + "\nsims\nexpect /ril_0, 5\nexpect /ril_1, no SIM\nrules\n");
+    m_handset->closeWriteChannel();
+    QVERIFY(ends(0));
+    QVERIFY2(m_output.contains(u"  as expected: "_s + complaint), qUtf8Printable(m_output));
+    QCOMPARE(m_output.count(u"  failed: "_s), 1);
+    QCOMPARE(m_output.count(u"default: allow"_s), 2);
+    QVERIFY(!m_output.contains(u" rule for "_s) || complaint.contains(u" rule for "_s));
+}
+
 void TestHandset::keepsAlarmsInAFolder()
 {
     const QString folder = m_folder->filePath(u"kept"_s);
@@ -249,6 +388,82 @@ void TestHandset::keepsAlarmsInAFolder()
                        "expect alarm 2, notification 1\n")});
     QVERIFY2(ends(0), qUtf8Printable(m_output));
     QVERIFY(QDir(folder).removeRecursively());
+}
+
+void TestHandset::keepsSimsAndRulesInAFolder()
+{
+    const QString folder = m_folder->filePath(u"kept"_s);
+    start({u"--state"_s, folder, u"--script"_s,
+           writeScript("sim insert 26201 ril_1\nsim lock ril_1\nrule incoming 26201 hangup\n"
+                       "default dial block\n")});
+    QVERIFY2(ends(0), qUtf8Printable(m_output));
+    start({u"--state"_s, folder, u"--script"_s,
+           writeScript("sims\nexpect /ril_0, no SIM\nexpect /ril_1, 26201, locked\n"
+                       "rules\nexpect dial default: block\nexpect incoming default: allow\n"
+                       "expect incoming rule for 26201: hangup\n")});
+    QVERIFY2(ends(0), qUtf8Printable(m_output));
+    QVERIFY(QDir(folder).removeRecursively());
+}
+
+void TestHandset::failsWhereAnAnswerIsOfAnotherForm_data()
+{
+    QTest::addColumn<QByteArray>("process");
+    QTest::addColumn<QByteArray>("bus");
+    QTest::addColumn<QString>("service");
+    QTest::addColumn<QByteArray>("command");
+    QTest::addColumn<QString>("method");
+    QTest::addColumn<QString>("form");
+
+    const QByteArray session = "DBUS_SESSION_BUS_ADDRESS";
+    const QByteArray system = "DBUS_SYSTEM_BUS_ADDRESS";
+    const auto add = [](const QByteArray &process, const QByteArray &bus, const QString &service,
+                        const QByteArray &command, const QString &method, const QString &form) {
+        QTest::newRow(command.constData())
+            << process << bus << service << command << method << form;
+    };
+    const QString timed = u"com.nimbo.timed"_s;
+    add("time-daemon", system, timed, "alarms", u"List"_s, u"a{u(uxa{ss})}"_s);
+    add("time-daemon", system, timed, "fire 1", u"Fire"_s, QString());
+    add("time-daemon", system, timed, "cancel 1", u"cancel"_s, u"b"_s);
+    add("time-daemon", system, timed, "remind 1 1000", u"add_event"_s, u"u"_s);
+    const QString notifications = u"org.freedesktop.Notifications"_s;
+    add("notification-service", session, notifications, "notifications", u"List"_s,
+        u"a(susssasa{sv}i)"_s);
+    add("notification-service", session, notifications, "dismiss 1", u"Dismiss"_s, QString());
+    const QString ofono = u"org.ofono"_s;
+    add("telephony", system, ofono, "sims", u"ListSims"_s, u"a{s(sb)}"_s);
+    add("telephony", system, ofono, "sim insert 1", u"InsertSim"_s, u"s"_s);
+    add("telephony", system, ofono, "sim lock ril_0", u"LockSim"_s, QString());
+    add("telephony", system, ofono, "rules", u"GetAll"_s, u"uua(su)"_s);
+    add("telephony", system, ofono, "rule dial 1 block", u"SetRule"_s, QString());
+    add("telephony", system, ofono, "default dial block", u"SetDefaultAction"_s, QString());
+}
+
+void TestHandset::failsWhereAnAnswerIsOfAnotherForm()
+{
+    QFETCH(QByteArray, process);
+    QFETCH(QByteArray, bus);
+    QFETCH(QString, service);
+    QFETCH(QByteArray, command);
+    QFETCH(QString, method);
+    QFETCH(QString, form);
+
+    start({});
+    QVERIFY(says(u"The call UI is on the bus after .*"_s));
+    const QString address = environmentOf(serviceNamed(process), bus);
+    m_handset->write(process + " stop\n");
+    QVERIFY(says(u"reply: stopped"_s));
+
+    ScriptedService other(address, service, u"/"_s);
+    m_handset->write(command + '\n');
+    QDBusMessage call = other.next();
+    while (call.type() == QDBusMessage::MethodCallMessage && call.member() != method)
+        call = other.next(); // the call UI has questions of its own
+    QCOMPARE(call.member(), method);
+    other.reply(call, {QVariant(QVariantList{QStringList(u"x"_s)})});
+    QVERIFY2(says(u"failed: the answer is of the form \"av\", not \"%1\""_s.arg(
+                 QRegularExpression::escape(form))),
+             qUtf8Printable(m_output));
 }
 
 void TestHandset::goesOnWithoutAService()
@@ -308,9 +523,18 @@ void TestHandset::listsItsCommands()
                                    u"notifications"_s,
                                    u"click ID \\[ACTION\\]"_s,
                                    u"dismiss ID"_s,
+                                   u"sims"_s,
+                                   u"sim insert IMSI \\[MODEM\\]"_s,
+                                   u"sim remove MODEM"_s,
+                                   u"sim lock MODEM"_s,
+                                   u"sim unlock MODEM"_s,
+                                   u"rules"_s,
+                                   u"rule dial\\|incoming IMSI ACTION"_s,
+                                   u"default dial\\|incoming ACTION"_s,
                                    u"restart"_s,
                                    u"time-daemon stop\\|start\\|hang\\|continue"_s,
                                    u"notification-service stop\\|start\\|hang\\|continue"_s,
+                                   u"telephony stop\\|start\\|hang\\|continue"_s,
                                    u"help"_s,
                                    u"quit"_s,
                                    u"expect TEXT"_s})
@@ -344,7 +568,9 @@ void TestHandset::saysWhyTheUiDoesNotStart()
 {
     start({u"--ui"_s, u"/nonexistent"_s});
     QVERIFY(ends(1));
-    QVERIFY2(says(u"The call UI could not be started: .*"_s), qUtf8Printable(m_output));
+    QVERIFY2(says(u"ui log: .*/nonexistent: No such file or directory"_s),
+             qUtf8Printable(m_output));
+    QVERIFY2(says(u"The call UI has ended with status 1"_s), qUtf8Printable(m_output));
 }
 
 void TestHandset::leavesNothingBehind_data()

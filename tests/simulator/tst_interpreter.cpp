@@ -79,6 +79,7 @@ void TestInterpreter::make(Interpreter::AtFailure atFailure)
         {u"fail"_s, {}, u"fails"_s, ending(Outcome::Failed)},
         {u"skip"_s, {}, u"is skipped"_s, ending(Outcome::Skipped)},
         {u"two"_s, {u"A"_s, u"[B]"_s}, u"takes one or two"_s, ending(Outcome::Done)},
+        {u"of words"_s, {u"A"_s}, u"has a long name"_s, ending(Outcome::Done)},
         {u"later"_s,
          {},
          u"takes its time"_s,
@@ -127,6 +128,7 @@ void TestInterpreter::splitsArguments_data()
     QTest::newRow("blanks") << u"do  a   b"_s << QStringList{u"a"_s, u"b"_s};
     QTest::newRow("quotes") << u"do \"a b\" c"_s << QStringList{u"a b"_s, u"c"_s};
     QTest::newRow("empty") << u"do \"\" c"_s << QStringList{QString(), u"c"_s};
+    QTest::newRow("name of two words") << u"of  words words"_s << QStringList{u"words"_s};
     QTest::newRow("number sign") << u"do *#06#"_s << QStringList{u"*#06#"_s};
 }
 
@@ -153,6 +155,13 @@ void TestInterpreter::countsArguments_data()
     QTest::newRow("none taken") << u"fail a"_s
                                 << u"usage: fail (an argument with blanks in double quotes)"_s;
     QTest::newRow("unknown") << u"Do"_s << u"there is no command \"Do\"; help lists them"_s;
+    QTest::newRow("too few after a name of two words")
+        << u"of words"_s << u"usage: of words A (an argument with blanks in double quotes)"_s;
+    QTest::newRow("half a name") << u"of"_s << u"there is no command \"of\"; help lists them"_s;
+    QTest::newRow("half a name and an argument")
+        << u"of word"_s << u"there is no command \"of word\"; help lists them"_s;
+    QTest::newRow("name in quotes")
+        << u"\"of words\" a"_s << u"there is no command \"of words a\"; help lists them"_s;
 }
 
 void TestInterpreter::countsArguments()

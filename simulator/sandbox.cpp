@@ -5,6 +5,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QProcess>
 
 namespace {
 
@@ -32,6 +33,14 @@ QStringList rebuilt(const QString &folder)
 }
 
 } // namespace
+
+bool Sandbox::isPossible()
+{
+    return QProcess::execute(QStringLiteral("bwrap"),
+                             {QStringLiteral("--dev-bind"), QStringLiteral("/"),
+                              QStringLiteral("/"), QStringLiteral("true")})
+        == 0;
+}
 
 void Sandbox::place(const QString &path, const QString &source)
 {

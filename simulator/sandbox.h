@@ -11,6 +11,9 @@
 class Sandbox
 {
 public:
+    /// Whether this machine has what it takes: bwrap, and the permission to use it.
+    static bool isPossible();
+
     /// Shows \a source, a file or folder, at the absolute \a path, which need not exist; the
     /// process may write to it.
     void place(const QString &path, const QString &source);

@@ -1,0 +1,69 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+#include "simmanager.h"
+
+#include "modem.h"
+
+#include <QStringList>
+
+#include <utility>
+
+namespace {
+
+QVariantMap propertiesOf(const Sim &sim)
+{
+    QVariantMap properties{{QStringLiteral("Present"), sim.isPresent()}};
+    if (!sim.isPresent())
+        return properties;
+    // The number of a telecommunication card has 19 digits that begin with 89 (ITU-T E.118).
+    const QString card = QLatin1String("8900") + sim.imsi.rightJustified(15, QLatin1Char('0'));
+    properties.insert(QStringLiteral("CardIdentifier"), card);
+    properties.insert(QStringLiteral("PinRequired"),
+                      sim.locked ? QStringLiteral("pin") : QStringLiteral("none"));
+    if (sim.locked)
+        return properties;
+    properties.insert(QStringLiteral("SubscriberIdentity"), sim.imsi);
+    // A simulated network's code has two digits, where both codes fit in.
+    if (sim.imsi.size() >= 5) {
+        properties.insert(QStringLiteral("MobileCountryCode"), sim.imsi.left(3));
+        properties.insert(QStringLiteral("MobileNetworkCode"), sim.imsi.mid(3, 2));
+    }
+    return properties;
+}
+
+/// The order in which they can be known.
+const QStringList names{QStringLiteral("Present"),           QStringLiteral("CardIdentifier"),
+                        QStringLiteral("PinRequired"),       QStringLiteral("SubscriberIdentity"),
+                        QStringLiteral("MobileCountryCode"), QStringLiteral("MobileNetworkCode")};
+
+} // namespace
+
+SimManager::SimManager(Modem &modem, Sim sim)
+    : QDBusAbstractAdaptor(&modem)
+    , m_modem(modem)
+    , m_sim(std::move(sim))
+{
+}
+
+void SimManager::setSim(const Sim &sim)
+{
+    const QVariantMap before = propertiesOf(std::exchange(m_sim, sim));
+    if (!m_modem.isPowered())
+        return;
+    const QVariantMap now = propertiesOf(m_sim);
+    for (const QString &name : names) {
+        if (now.contains(name) && now.value(name) != before.value(name))
+            Q_EMIT PropertyChanged(name, QDBusVariant(now.value(name)));
+    }
+}
+
+QVariantMap SimManager::GetProperties() const
+{
+    if (!m_modem.isPowered())
+        m_modem.sendErrorReply(
+            QDBusError::UnknownMethod,
+            QStringLiteral("Method \"GetProperties\" with signature \"\" on interface "
+                           "\"org.ofono.SimManager\" doesn't exist"));
+    return propertiesOf(m_sim);
+}
