@@ -45,7 +45,7 @@ QuickMessagesModel::QuickMessagesModel(QObject *parent)
 
 QVariant QuickMessagesModel::data(const QModelIndex &index, int role) const
 {
-    const QVariant value = QStringListModel::data(index, role);
+    QVariant value = QStringListModel::data(index, role);
     const bool isText = role == Qt::DisplayRole || role == Qt::EditRole;
     if (isText && defaultMessageIds.contains(value.toString()))
         return qtTrId(value.toString().toUtf8().constData());
@@ -82,18 +82,24 @@ void QuickMessagesModel::watch(const QString &path)
         m_fileExists = false;
         return;
     }
-    m_watcher.addPath(directory.absolutePath());
+    watchReadable(directory.absolutePath());
     m_fileExists = file.exists();
     if (m_fileExists)
-        m_watcher.addPath(file.absoluteFilePath());
+        watchFile(path);
 }
 
 /// A file of the same name may have taken the place of the one that was watched.
-void QuickMessagesModel::watchFile()
+void QuickMessagesModel::watchFile(const QString &path)
 {
-    const QString path = QFileInfo(m_filePath).absoluteFilePath();
-    m_watcher.removePath(path);
-    if (QFileInfo(path).isReadable()) // or it cannot be watched
+    const QString absolutePath = QFileInfo(path).absoluteFilePath();
+    m_watcher.removePath(absolutePath);
+    watchReadable(absolutePath);
+}
+
+/// What cannot be read cannot be watched, and would be reported.
+void QuickMessagesModel::watchReadable(const QString &path)
+{
+    if (QFileInfo(path).isReadable())
         m_watcher.addPath(path);
 }
 
@@ -116,17 +122,16 @@ void QuickMessagesModel::load()
         return;
     }
     // Before it is read: what is written from now on is noticed.
-    watchFile();
-    QStringList messages;
+    watchFile(m_filePath);
     const bool opened = file.open(QIODevice::ReadOnly | QIODevice::Text);
-    if (opened) {
+    if (opened)
         m_fileExists = true;
-        messages = messagesFromJson(file.readAll());
-    }
     setHasError(!opened);
     // A handler may have chosen another file, whose messages are shown by now.
     if (file.fileName() != m_filePath)
         return;
+    // Nor before that: a handler may have saved.
+    const QStringList messages = opened ? messagesFromJson(file.readAll()) : QStringList();
     if (messages.isEmpty())
         setStringList(m_defaultValue);
     else if (messages != stringList())
@@ -152,17 +157,19 @@ void QuickMessagesModel::save()
         setHasError(true);
         return;
     }
-    const QByteArray json = messagesToJson(stringList());
+    QStringList messages = stringList();
     m_fileExists = true;
     setHasError(false);
+    // A handler may have chosen another file, or changed the messages of this one.
+    const bool isCurrent = file.fileName() == m_filePath;
+    if (isCurrent)
+        messages = stringList();
     // What is written here is no news.
-    const QString path = QFileInfo(file).absoluteFilePath();
-    m_watcher.removePath(path);
-    file.write(json);
+    m_watcher.removePath(QFileInfo(file).absoluteFilePath());
+    file.write(messagesToJson(messages));
     file.close();
-    // A handler may have chosen another file.
-    if (file.fileName() == m_filePath)
-        m_watcher.addPath(path);
+    if (isCurrent)
+        watchFile(m_filePath);
 }
 
 void QuickMessagesModel::setHasError(bool hasError)
@@ -208,7 +215,9 @@ void QuickMessagesModel::append(const QString &string)
 
 void QuickMessagesModel::remove(int index)
 {
-    removeRows(index, 1);
+    // Not left to removeRows(), which does not notice an index so high that the next one overflows.
+    if (index < count())
+        removeRows(index, 1);
 }
 
 void QuickMessagesModel::directoryChanged(const QString &path)
@@ -225,7 +234,7 @@ void QuickMessagesModel::directoryChanged(const QString &path)
             m_watcher.removePaths(files);
     } else if (!m_fileExists) {
         m_fileExists = true;
-        m_watcher.addPath(file.absoluteFilePath());
+        watchFile(m_filePath);
         load();
     }
 }
