@@ -4,7 +4,6 @@
 #pragma once
 
 #include <QDateTime>
-#include <QHash>
 #include <QPointer>
 #include <QString>
 #include <QVector>
@@ -33,12 +32,8 @@ struct ReminderRecord
     /// Who watches the number, in the order in which they came. One that is destroyed may stay
     /// listed, as null.
     QVector<QPointer<Reminder>> reminders;
-    uint alarmCookie = 0; ///< 0 for no alarm.
+    uint alarmCookie = 0; ///< 0 for no alarm. Set by the store, which finds the record by it.
     uint notificationId = 0; ///< 0 for no notification.
-
-    /// Of the two numbers: a scan compares them first, and reads no text that cannot be the one.
-    uint normalizedHash = qHash(normalizedNumber);
-    uint minimizedHash = qHash(minimizedNumber);
 
     bool hasReminder() const { return alarmCookie != 0 && notificationId != 0; }
     bool isUnused() const { return reminders.isEmpty() && alarmCookie == 0 && notificationId == 0; }

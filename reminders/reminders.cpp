@@ -36,7 +36,7 @@ void Reminders::alarmAdded(const PhoneNumberKeys &keys, const QDateTime &due,
 {
     const QPointer<Reminders> self(this);
     ReminderRecord *record = m_store.findOrAppend(keys);
-    record->alarmCookie = cookie;
+    m_store.setCookie(*record, cookie);
     record->when = due;
     const uint id = ReminderNotifications::publish(text, cookie, record->notificationId);
     // A client of the platform's own may have run events while it waited.
@@ -70,8 +70,10 @@ void Reminders::removeReminder(const Reminder *reminder)
     if (record == nullptr)
         return;
     closeNotification(*record);
-    if (record->alarmCookie != 0)
-        m_alarms.cancel(std::exchange(record->alarmCookie, 0));
+    if (record->alarmCookie != 0) {
+        m_alarms.cancel(record->alarmCookie);
+        m_store.setCookie(*record, 0);
+    }
     forEachBound(*record, &Reminder::lose);
 }
 
@@ -85,7 +87,7 @@ void Reminders::mergeAlarms(const QVector<ReminderAlarm> &alarms)
 {
     for (const ReminderAlarm &alarm : alarms) {
         ReminderRecord *record = m_store.findOrAppend(PhoneNumberKeys::ofAlarm(alarm.phoneNumber));
-        record->alarmCookie = alarm.cookie;
+        m_store.setCookie(*record, alarm.cookie);
         record->when = alarm.due;
     }
     m_notifications.query([this](const QVector<ReminderNotification> &notifications) {
@@ -117,7 +119,7 @@ void Reminders::dropGoneAlarms(const Maemo::Timed::Event::Triggers &triggers)
         ReminderRecord *record = triggers.contains(cookie) ? nullptr : m_store.findByCookie(cookie);
         if (record == nullptr)
             continue;
-        record->alarmCookie = 0;
+        m_store.setCookie(*record, 0);
         closeNotification(*record);
         if (record->reminders.isEmpty())
             m_store.erase(record);

@@ -11,55 +11,30 @@
 
 namespace {
 
-void list(ReminderRecord &record, Reminder *reminder)
+bool lists(const ReminderRecord &record, const Reminder *reminder)
 {
-    // Of those that are gone one goes on standing for all: a record that lists it is in use.
-    if (record.reminders.size() == record.reminders.capacity()) {
-        const auto isGone = [](const QPointer<Reminder> &listed) { return listed.isNull(); };
-        const auto first = std::find_if(record.reminders.begin(), record.reminders.end(), isGone);
-        if (first != record.reminders.end())
-            record.reminders.erase(std::remove_if(first + 1, record.reminders.end(), isGone),
-                                   record.reminders.end());
-    }
-    record.reminders.append(reminder);
+    return std::find(record.reminders.cbegin(), record.reminders.cend(), reminder)
+        != record.reminders.cend();
 }
 
-/// Whether a record is the one of that number, exactly or loosely.
-class Matcher
+/// Of those that are destroyed one goes on standing for all: a record that lists it is in use.
+void dropDestroyed(QVector<QPointer<Reminder>> &reminders)
 {
-public:
-    explicit Matcher(const PhoneNumberKeys &keys)
-        : m_keys(keys)
-        , m_normalizedHash(qHash(keys.normalized))
-        , m_minimizedHash(qHash(keys.minimized))
-    {
-    }
+    const auto isGone = [](const QPointer<Reminder> &listed) { return listed.isNull(); };
+    const auto first = std::find_if(reminders.begin(), reminders.end(), isGone);
+    if (first != reminders.end())
+        reminders.erase(std::remove_if(first + 1, reminders.end(), isGone), reminders.end());
+}
 
-    bool isExact(const ReminderRecord &record) const
-    {
-        return record.normalizedHash == m_normalizedHash
-            && record.normalizedNumber == m_keys.normalized;
-    }
-
-    bool isLoose(const ReminderRecord &record) const
-    {
-        return record.minimizedHash == m_minimizedHash
-            && record.minimizedNumber == m_keys.minimized;
-    }
-
-private:
-    const PhoneNumberKeys &m_keys;
-    const uint m_normalizedHash;
-    const uint m_minimizedHash;
-};
-
-bool unlist(ReminderRecord &record, const Reminder *reminder)
+template <typename Key, typename Value>
+void removeFrom(QHash<Key, QVector<Value>> &index, const Key &key, Value value)
 {
-    const auto listed = std::find(record.reminders.begin(), record.reminders.end(), reminder);
-    if (listed == record.reminders.end())
-        return false;
-    record.reminders.erase(listed);
-    return true;
+    const auto entry = index.find(key);
+    if (entry == index.end())
+        return;
+    entry->removeOne(value);
+    if (entry->isEmpty())
+        index.erase(entry);
 }
 
 } // namespace
@@ -76,60 +51,79 @@ PhoneNumberKeys PhoneNumberKeys::ofAlarm(const QString &number)
             SeasideCache::minimizePhoneNumber(number, false)};
 }
 
-template <typename Matches>
-ReminderRecord *ReminderStore::findFirst(Matches matches)
+ReminderStore::Records::iterator ReminderStore::findExact(const QString &normalizedNumber)
 {
-    const auto record = std::find_if(m_records.begin(), m_records.end(), matches);
-    return record == m_records.end() ? nullptr : &*record;
+    return m_records.find(m_byNormalizedNumber.value(normalizedNumber));
 }
 
 ReminderRecord *ReminderStore::find(const PhoneNumberKeys &keys)
 {
-    const Matcher matcher(keys);
-    ReminderRecord *loose = nullptr;
-    for (ReminderRecord &record : m_records) {
-        if (matcher.isExact(record))
-            return &record;
-        if (matcher.isLoose(record))
-            loose = &record;
-    }
-    return loose;
+    const auto exact = findExact(keys.normalized);
+    if (exact != m_records.end())
+        return &exact->second;
+    const QVector<Age> loose = m_byMinimizedNumber.value(keys.minimized);
+    return loose.isEmpty() ? nullptr : &m_records.at(loose.last());
 }
 
 ReminderRecord *ReminderStore::findOrAppend(const PhoneNumberKeys &keys)
 {
-    if (ReminderRecord *record = find(keys))
-        return record;
-    m_records.append({keys.normalized, keys.minimized, {}, {}});
-    return &m_records.last();
+    ReminderRecord *record = find(keys);
+    return record ? record : &append(keys)->second;
 }
 
 ReminderRecord *ReminderStore::findByCookie(uint cookie)
 {
-    return cookie == 0 ? nullptr : findFirst([cookie](const ReminderRecord &record) {
-        return record.alarmCookie == cookie;
-    });
+    const QVector<Age> ages = m_byCookie.value(cookie);
+    return ages.isEmpty() ? nullptr : &m_records.at(*std::min_element(ages.cbegin(), ages.cend()));
+}
+
+void ReminderStore::setCookie(ReminderRecord &record, uint cookie)
+{
+    const Age age = m_byNormalizedNumber.value(record.normalizedNumber);
+    removeFrom(m_byCookie, record.alarmCookie, age);
+    record.alarmCookie = cookie;
+    if (cookie != 0)
+        m_byCookie[cookie].append(age);
 }
 
 ReminderRecord *ReminderStore::findByNotification(uint id)
 {
-    return id == 0
-        ? nullptr
-        : findFirst([id](const ReminderRecord &record) { return record.notificationId == id; });
+    if (id == 0)
+        return nullptr;
+    const auto found = std::find_if(m_records.begin(), m_records.end(), [id](const auto &entry) {
+        return entry.second.notificationId == id;
+    });
+    return found == m_records.end() ? nullptr : &found->second;
 }
 
 ReminderRecord *ReminderStore::findByReminder(const Reminder *reminder)
 {
-    return findFirst([reminder](const ReminderRecord &record) {
-        return std::find(record.reminders.cbegin(), record.reminders.cend(), reminder)
-            != record.reminders.cend();
-    });
+    const QVector<Age> ages = agesListing(reminder);
+    return ages.isEmpty() ? nullptr : &m_records.at(ages.first());
+}
+
+/// Ascending, each once. Forgets those that listed another object at this address.
+QVector<ReminderStore::Age> ReminderStore::agesListing(const Reminder *reminder)
+{
+    const auto entry = m_byReminder.find(reminder);
+    if (entry == m_byReminder.end())
+        return {};
+    QVector<Age> &listing = *entry;
+    const auto isStale = [&](Age age) {
+        const auto record = m_records.find(age);
+        return record == m_records.end() || !lists(record->second, reminder);
+    };
+    listing.erase(std::remove_if(listing.begin(), listing.end(), isStale), listing.end());
+    QVector<Age> ages = listing;
+    std::sort(ages.begin(), ages.end());
+    ages.erase(std::unique(ages.begin(), ages.end()), ages.end());
+    return ages;
 }
 
 QVector<uint> ReminderStore::cookies() const
 {
     QVector<uint> cookies;
-    for (const ReminderRecord &record : m_records) {
+    for (const auto &[age, record] : m_records) {
         if (record.alarmCookie != 0)
             cookies.append(record.alarmCookie);
     }
@@ -139,56 +133,73 @@ QVector<uint> ReminderStore::cookies() const
 std::optional<ReminderStore::Shown> ReminderStore::bind(Reminder *reminder,
                                                         const PhoneNumberKeys &keys)
 {
-    std::optional<Shown> shown;
-    const auto bindTo = [&](ReminderRecord &record) {
-        list(record, reminder);
-        shown = Shown{record.hasReminder(), record.when};
-    };
+    auto bound = findExact(keys.normalized);
+    const QVector<Age> loose = m_byMinimizedNumber.value(keys.minimized);
+    if (bound == m_records.end() && !loose.isEmpty())
+        bound = m_records.find(loose.first());
 
-    const Matcher matcher(keys);
-    const auto isExact = [&matcher](const ReminderRecord &record) {
-        return matcher.isExact(record);
-    };
-    if (ReminderRecord *exact = findFirst(isExact))
-        bindTo(*exact);
-
-    for (int i = 0; i < m_records.size();) {
-        ReminderRecord &record = m_records[i];
-        if (!isExact(record)) {
-            if (!shown && matcher.isLoose(record)) {
-                bindTo(record);
-            } else if (unlist(record, reminder) && record.isUnused()) {
-                m_records.removeAt(i);
-                continue;
-            }
-        }
-        ++i;
+    const QVector<Age> listing = agesListing(reminder);
+    for (const Age age : listing) {
+        const auto record = m_records.find(age);
+        if (record != bound)
+            unlist(record, reminder);
     }
 
-    if (!shown)
-        m_records.append({keys.normalized, keys.minimized, {}, {QPointer<Reminder>(reminder)}});
-    return shown;
+    if (bound == m_records.end()) {
+        list(append(keys), reminder);
+        return {};
+    }
+    list(bound, reminder);
+    return Shown{bound->second.hasReminder(), bound->second.when};
 }
 
 void ReminderStore::unbindFromFirst(const Reminder *reminder)
 {
-    if (!m_records.isEmpty() && unlist(m_records.first(), reminder) && m_records.first().isUnused())
-        m_records.removeFirst();
+    if (!m_records.empty() && lists(m_records.begin()->second, reminder))
+        unlist(m_records.begin(), reminder);
 }
 
 bool ReminderStore::isBound(const QString &normalizedNumber, const Reminder *reminder) const
 {
-    const uint hash = qHash(normalizedNumber);
-    const auto isExact = [&](const ReminderRecord &record) {
-        return record.normalizedHash == hash && record.normalizedNumber == normalizedNumber;
-    };
-    const auto record = std::find_if(m_records.cbegin(), m_records.cend(), isExact);
-    return record != m_records.cend()
-        && std::find(record->reminders.cbegin(), record->reminders.cend(), reminder)
-        != record->reminders.cend();
+    const auto record = m_records.find(m_byNormalizedNumber.value(normalizedNumber));
+    return record != m_records.cend() && lists(record->second, reminder);
+}
+
+ReminderStore::Records::iterator ReminderStore::append(const PhoneNumberKeys &keys)
+{
+    const Age age = ++m_lastAge;
+    m_byNormalizedNumber.insert(keys.normalized, age);
+    m_byMinimizedNumber[keys.minimized].append(age);
+    return m_records.emplace(age, ReminderRecord{keys.normalized, keys.minimized, {}, {}}).first;
+}
+
+void ReminderStore::list(Records::iterator record, Reminder *reminder)
+{
+    auto &reminders = record->second.reminders;
+    if (reminders.size() == reminders.capacity())
+        dropDestroyed(reminders);
+    reminders.append(reminder);
+    m_byReminder[reminder].append(record->first);
+}
+
+/// Once, and the record goes if nobody uses it any more.
+void ReminderStore::unlist(Records::iterator record, const Reminder *reminder)
+{
+    auto &reminders = record->second.reminders;
+    reminders.erase(std::find(reminders.begin(), reminders.end(), reminder));
+    removeFrom(m_byReminder, reminder, record->first);
+    if (record->second.isUnused())
+        erase(record);
 }
 
 void ReminderStore::erase(const ReminderRecord *record)
 {
-    m_records.removeAt(static_cast<int>(record - m_records.constData()));
+    erase(findExact(record->normalizedNumber));
+}
+
+void ReminderStore::erase(Records::iterator record)
+{
+    m_byNormalizedNumber.remove(record->second.normalizedNumber);
+    removeFrom(m_byMinimizedNumber, record->second.minimizedNumber, record->first);
+    m_records.erase(record);
 }

@@ -6,13 +6,16 @@
 #include "reminderrecord.h"
 
 #include <QDateTime>
+#include <QHash>
+#include <QVector>
 
+#include <map>
 #include <optional>
 
 /// The records, in the order in which their numbers became known. It has the rules by which a
 /// number finds its record; it emits nothing and calls nobody.
 ///
-/// A pointer to a record is valid until the next call that changes the store.
+/// A pointer to a record is valid until the record is erased.
 class ReminderStore
 {
 public:
@@ -29,6 +32,8 @@ public:
     ReminderRecord *findOrAppend(const PhoneNumberKeys &keys);
     /// The first record with that alarm, or null. There is none for cookie 0.
     ReminderRecord *findByCookie(uint cookie);
+    /// Gives \a record an alarm, or with 0 takes it away.
+    void setCookie(ReminderRecord &record, uint cookie);
     /// The first record with that notification, or null. There is none for id 0.
     ReminderRecord *findByNotification(uint id);
     /// The first record that lists \a reminder, or null.
@@ -51,8 +56,22 @@ public:
     void erase(const ReminderRecord *record);
 
 private:
-    template <typename Matches>
-    ReminderRecord *findFirst(Matches matches);
+    using Age = quint64; ///< Ascends with each record that is added.
+    using Records = std::map<Age, ReminderRecord>;
 
-    QVector<ReminderRecord> m_records;
+    Records::iterator findExact(const QString &normalizedNumber);
+    QVector<Age> agesListing(const Reminder *reminder);
+    Records::iterator append(const PhoneNumberKeys &keys);
+    void list(Records::iterator record, Reminder *reminder);
+    void unlist(Records::iterator record, const Reminder *reminder);
+    void erase(Records::iterator record);
+
+    Records m_records;
+    QHash<QString, Age> m_byNormalizedNumber;
+    QHash<QString, QVector<Age>> m_byMinimizedNumber; ///< Ascending.
+    /// Of the records that list an object, one for each time that they do. It may be that they
+    /// listed another, which is destroyed, at the same address.
+    QHash<const Reminder *, QVector<Age>> m_byReminder;
+    QHash<uint, QVector<Age>> m_byCookie;
+    Age m_lastAge = 0;
 };
