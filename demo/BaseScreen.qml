@@ -9,10 +9,14 @@ Item {
     /// What this screen reports to show.
     property string summary
 
+    signal closeRequested()
+
     anchors.fill: parent
     enabled: current
     opacity: current ? 1 : 0
     visible: current || opacity > 0
+
+    Keys.onEscapePressed: closeRequested()
 
     Behavior on opacity { NumberAnimation { duration: Style.duration } }
 }

@@ -15,14 +15,19 @@ QtObject {
     readonly property bool active: current !== null
     readonly property bool ongoing: active && current.since > 0
     readonly property string number: active ? current.number : ""
+    /// The number as it is shown.
+    readonly property string name: number !== "" ? Words.display(number) : "Private number"
     readonly property string modem: active ? current.modem : ""
+    /// The number of the call that had to go for this one.
+    readonly property string replaced: active ? current.replaced : ""
     readonly property string state: ongoing ? Words.duration(now - current.since) : "Calling…"
     readonly property string summary: {
         if (current === null)
             return "no call";
-        var state = current.since > 0 ? "ongoing " : "calling ";
+        var state = current.since > 0 ? "ongoing" : "calling";
+        var other = current.number === "" ? "" : " " + current.number;
         var mark = current.reminded ? " (reminder)" : "";
-        return state + current.number + mark + (current.modem === "" ? "" : " via " + current.modem);
+        return state + other + mark + (current.modem === "" ? "" : " via " + current.modem);
     }
 
     property double now: 0
@@ -30,13 +35,28 @@ QtObject {
     /// Another call than before, or none.
     signal renewed()
 
-    // The reminder comes first, and speaks up for the number of the current call alone.
+    /// Calls a number, and ends the call that there is.
     function start(number, modem) {
-        reminder.phoneNumber = number;
-        current = {number: number, modem: modem, since: 0, reminded: reminder.exists};
-        renewed();
+        begin(number, modem, 0);
         if (connecting.running)
             connecting.restart();
+    }
+
+    /// Takes a call from a number, and ends the call that there is.
+    function answer(number) {
+        now = Date.now();
+        begin(number, "", now);
+    }
+
+    // The reminder comes first, and speaks up for the number of the current call alone.
+    function begin(number, modem, since) {
+        var before = active && call.number !== number ? call.number : "";
+        if (before !== "")
+            console.info("screen: call " + before + " is replaced by " + (number || "another"));
+        reminder.phoneNumber = number;
+        current = {number: number, modem: modem, since: since, replaced: before,
+                   reminded: number !== "" && reminder.exists};
+        renewed();
     }
 
     function end() {

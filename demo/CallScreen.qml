@@ -23,6 +23,14 @@ BaseScreen {
         loud = false;
         keypad = false;
         tones = "";
+        notify(call.replaced === "" ? ""
+               : "The call with " + Words.display(call.replaced) + " has ended");
+    }
+
+    function notify(text) {
+        notice.text = text;
+        if (noteTimer.running)
+            noteTimer.restart();
     }
 
     function type(text) {
@@ -44,6 +52,14 @@ BaseScreen {
         function onRenewed() {
             screen.reset();
         }
+    }
+
+    Timer {
+        id: noteTimer
+
+        interval: 4000
+        running: screen.call.watched && notice.text !== ""
+        onTriggered: notice.text = ""
     }
 
     Column {
@@ -72,7 +88,7 @@ BaseScreen {
             height: Style.px(screen.keypad ? 34 : 46)
             minimumPixelSize: Math.max(1, Style.px(18))
             size: screen.keypad ? 24 : 34
-            text: Words.display(screen.call.number)
+            text: screen.call.name
             width: parent.width
         }
 
@@ -101,6 +117,16 @@ BaseScreen {
             text: screen.call.state
             width: parent.width
         }
+    }
+
+    Notice {
+        id: notice
+
+        anchors.bottom: screen.keypad ? undefined : buttons.top
+        anchors.bottomMargin: Style.px(22)
+        anchors.horizontalCenter: parent.horizontalCenter
+        y: Style.px(8)
+        z: 1
     }
 
     Label {
@@ -167,6 +193,7 @@ BaseScreen {
         }
 
         RoundButton {
+            enabled: screen.call.number !== ""
             icon: "bell"
             label: "Remind me"
             size: 60

@@ -4,34 +4,36 @@
 import QtQuick 2.15
 import "."
 
-Rectangle {
+/// Leads back to a call from the other screens.
+Pressable {
     id: strip
 
-    property Call call
+    property string text
     property bool open: false
 
-    signal clicked()
-
     clip: true
-    color: area.pressed ? Qt.darker(Style.green, 1.2) : Style.green
+    enabled: open
     height: open ? Style.px(36) : 0
     visible: height > 0
 
     Behavior on height { NumberAnimation { duration: Style.duration } }
+
+    Rectangle {
+        anchors.fill: parent
+        color: strip.down ? Qt.darker(Style.green, 1.2) : Style.green
+    }
+
+    FocusRing {
+        anchors.margins: 0
+        border.color: Style.text
+    }
 
     Label {
         anchors.centerIn: parent
         elide: Text.ElideMiddle
         font.bold: true
         size: 13
-        text: strip.call.number + "  ·  " + strip.call.state
+        text: strip.text
         width: parent.width - Style.px(40)
-    }
-
-    MouseArea {
-        id: area
-
-        anchors.fill: parent
-        onClicked: strip.clicked()
     }
 }

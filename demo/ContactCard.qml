@@ -11,11 +11,12 @@ BaseScreen {
 
     property string number
     property RemindersBase reminders
+    property Sims sims
     property date now
+    readonly property bool callable: number !== "" && (sims.mayDial || Words.isEmergency(number))
     readonly property alias reminder: reminder
 
     signal callRequested(string number)
-    signal closeRequested()
     signal remindRequested(string number)
 
     // The reminder's number, which changes together with whether it exists.
@@ -28,9 +29,18 @@ BaseScreen {
     Keys.onPressed: {
         if (event.key !== Qt.Key_Return && event.key !== Qt.Key_Enter)
             return;
-        if (number !== "")
+        if (callable)
             callRequested(number);
+        else
+            barred.stress();
         event.accepted = true;
+    }
+
+    BarredStrip {
+        id: barred
+
+        sims: card.sims
+        width: parent.width
     }
 
     Reminder {
@@ -45,7 +55,7 @@ BaseScreen {
         anchors.margins: Style.px(24)
         anchors.right: parent.right
         spacing: Style.px(6)
-        y: (buttons.y - height) * 0.45
+        y: barred.height + (buttons.y - barred.height - height) * 0.45
 
         Avatar {
             anchors.horizontalCenter: parent.horizontalCenter
@@ -90,7 +100,7 @@ BaseScreen {
         spacing: Style.px(44)
 
         RoundButton {
-            enabled: card.number !== ""
+            enabled: card.callable
             fill: Style.green
             icon: "call"
             label: "Call"

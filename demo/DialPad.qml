@@ -12,38 +12,45 @@ BaseScreen {
     property string number
     property string note
     property var specials
+    /// The special sequence that has been typed, with its service and URL; null for none.
+    property var special: null
     property bool watched: false
     property RemindersBase reminders
+    property Sims sims
     property date now
+    readonly property bool callable: number !== "" && (sims.mayDial || Words.isEmergency(number))
 
     signal callRequested(string number)
+    signal specialRequested(string service, string url)
+    signal repliesRequested()
+    signal remindersRequested()
 
-    function isSpecial(text) {
+    function find(text) {
         if (text === "")
-            return false;
+            return null;
         if (specials === undefined)
             specials = __specials; // only now: there may be thousands, and the screen comes first
-        return specials.hasOwnProperty(text);
+        if (!Object.prototype.hasOwnProperty.call(specials, text))
+            return null;
+        var service = specials[text].service || "";
+        var url = specials[text].url || "";
+        return {sequence: text, service: service, url: url, target: Words.clean(url || service)};
     }
 
+    // What is special is told apart before it is shown, and its number goes before the offer.
     function fill(text) {
-        if (isSpecial(text))
-            notify(describeSpecial(text));
+        var found = find(text);
+        if (found !== null)
+            special = found;
         number = text;
-        if (!isSpecial(text))
-            note = "";
+        special = found;
+        note = "";
     }
 
     function notify(text) {
         note = text;
         if (noteTimer.running)
             noteTimer.restart();
-    }
-
-    function describeSpecial(text) {
-        var special = specials[text];
-        var parts = [special.service, special.url].filter(function(part) { return part; });
-        return Words.clean(parts.join(" ")) || "Special sequence";
     }
 
     function type(text) {
@@ -56,19 +63,26 @@ BaseScreen {
     }
 
     function call() {
-        if (isSpecial(number))
-            fill(number);
+        if (special !== null)
+            specialRequested(special.service, special.url);
         else if (number !== "")
             callRequested(number);
+    }
+
+    /// Draws the eye to why there is no call.
+    function refuse() {
+        barred.stress();
     }
 
     // The reminder's number, which changes together with whether it exists.
     summary: {
         if (note !== "")
             return "dial pad: " + note;
-        if (reminder.phoneNumber === "")
-            return "dial pad";
-        return "dial pad " + reminder.phoneNumber + (reminder.exists ? " (reminder)" : "");
+        if (special !== null)
+            return ["special", special.sequence, special.target].join(" ").trim();
+        var typed = reminder.phoneNumber === "" ? "" : " " + reminder.phoneNumber;
+        var mark = typed !== "" && reminder.exists ? " (reminder)" : "";
+        return "dial pad" + typed + mark + (sims.mayDial ? "" : " (barred)");
     }
 
     Keys.onPressed: {
@@ -82,6 +96,7 @@ BaseScreen {
         } else {
             return;
         }
+        forceActiveFocus(); // the next key belongs to the number, too
         event.accepted = true;
     }
 
@@ -100,13 +115,20 @@ BaseScreen {
         onTriggered: pad.note = ""
     }
 
+    BarredStrip {
+        id: barred
+
+        sims: pad.sims
+        width: parent.width
+    }
+
     Item {
         id: display
 
         anchors.bottom: keys.top
         anchors.left: parent.left
         anchors.right: parent.right
-        anchors.top: parent.top
+        anchors.top: barred.bottom
 
         Label {
             anchors.left: parent.left
@@ -128,6 +150,7 @@ BaseScreen {
             anchors.top: eraseButton.bottom
             now: pad.now
             reminder: reminder
+            visible: notice.text === ""
         }
 
         RoundButton {
@@ -142,39 +165,25 @@ BaseScreen {
             ink: Style.dimText
             size: 48
             visible: enabled
-            y: (parent.height - Style.px(56) - height) / 2 + Style.px(4)
+            y: Math.max(0, (parent.height - Style.px(56) - height) / 2 + Style.px(4))
             onClicked: pad.erase()
             onHeld: pad.fill("")
         }
 
-        Rectangle {
+        Notice {
+            id: notice
+
             anchors.bottom: parent.bottom
             anchors.bottomMargin: Style.px(14)
             anchors.horizontalCenter: parent.horizontalCenter
-            border.color: Style.outline
-            border.width: Math.max(1, Style.px(1))
-            color: Style.raised
-            height: notice.height + Style.px(16)
-            opacity: pad.note === "" ? 0 : 1
-            radius: Math.min(height / 2, Style.px(18))
-            visible: opacity > 0
-            width: notice.width + Style.px(32)
-
-            Behavior on opacity {
-                enabled: pad.note !== ""
-                NumberAnimation { duration: Style.duration }
+            text: {
+                if (pad.note !== "" || pad.special === null)
+                    return pad.note;
+                var parts = [pad.special.service, pad.special.url].map(Words.clean);
+                return parts.filter(function(part) { return part !== ""; }).join("  ·  ")
+                        || "Special sequence";
             }
-
-            Label {
-                id: notice
-
-                anchors.centerIn: parent
-                maximumLineCount: 2
-                size: 13
-                text: pad.note
-                width: Math.min(implicitWidth, display.width - Style.px(80))
-                wrapMode: Text.Wrap
-            }
+            widest: display.width - Style.px(80)
         }
     }
 
@@ -188,15 +197,41 @@ BaseScreen {
     }
 
     RoundButton {
+        anchors.horizontalCenter: keys.left
+        anchors.horizontalCenterOffset: Style.px(36)
+        anchors.top: callButton.top
+        anchors.topMargin: Style.px(4)
+        fill: "transparent"
+        icon: "bell"
+        ink: Style.dimText
+        label: "Reminders"
+        size: 48
+        onClicked: pad.remindersRequested()
+    }
+
+    RoundButton {
         id: callButton
 
         anchors.bottom: parent.bottom
         anchors.bottomMargin: Style.px(22)
         anchors.horizontalCenter: parent.horizontalCenter
-        enabled: pad.number !== ""
-        fill: Style.green
-        icon: "call"
+        enabled: pad.special !== null || pad.callable
+        fill: pad.special !== null ? Style.raised : Style.green
+        icon: pad.special !== null ? "page" : "call"
         size: 72
         onClicked: pad.call()
+    }
+
+    RoundButton {
+        anchors.horizontalCenter: keys.right
+        anchors.horizontalCenterOffset: -Style.px(36)
+        anchors.top: callButton.top
+        anchors.topMargin: Style.px(4)
+        fill: "transparent"
+        icon: "message"
+        ink: Style.dimText
+        label: "Replies"
+        size: 48
+        onClicked: pad.repliesRequested()
     }
 }

@@ -10,7 +10,7 @@ Rectangle {
     property bool open: false
     readonly property string summary: "cellular error"
 
-    color: "#b8000000"
+    color: Style.shade
     enabled: open
     opacity: open ? 1 : 0
     visible: open || opacity > 0
@@ -18,8 +18,9 @@ Rectangle {
     Behavior on opacity { NumberAnimation { duration: Style.duration } }
 
     Keys.onPressed: {
-        if ([Qt.Key_Return, Qt.Key_Enter, Qt.Key_Space, Qt.Key_Escape].indexOf(event.key) >= 0)
-            open = false;
+        if ([Qt.Key_Return, Qt.Key_Enter, Qt.Key_Space, Qt.Key_Escape].indexOf(event.key) < 0)
+            return;
+        open = false;
         event.accepted = true;
     }
 
@@ -78,25 +79,10 @@ Rectangle {
                 width: 1
             }
 
-            Rectangle {
-                color: area.pressed ? Style.outline : Style.raised
-                height: Style.px(46)
-                radius: height / 2
+            PillButton {
+                text: "OK"
                 width: parent.width
-
-                Label {
-                    anchors.centerIn: parent
-                    color: Style.accent
-                    font.bold: true
-                    text: "OK"
-                }
-
-                MouseArea {
-                    id: area
-
-                    anchors.fill: parent
-                    onClicked: dialog.open = false
-                }
+                onClicked: dialog.open = false
             }
         }
     }

@@ -105,6 +105,44 @@ Canvas {
             icon.line(pen, [3.4, 9, 20.6, 9]);
             icon.line(pen, [3.4, 15, 20.6, 15]);
         },
+        "barred": function(pen) {
+            pen.lineWidth = 2.2;
+            pen.beginPath();
+            pen.arc(12, 12, 9, 0, Math.PI * 2, false);
+            pen.stroke();
+            icon.line(pen, [5.7, 5.7, 18.3, 18.3]);
+        },
+        "sim": function(pen) {
+            icon.line(pen, [5, 2.5, 14, 2.5, 19, 7.5, 19, 21.5, 5, 21.5, 5, 2.5]);
+            pen.beginPath();
+            pen.roundedRect(8.5, 11.5, 7, 6.5, 1, 1);
+            pen.fill();
+        },
+        "message": function(pen) {
+            icon.line(pen, [3, 4.5, 21, 4.5, 21, 16.5, 11, 16.5, 6.5, 20.5, 6.5, 16.5, 3, 16.5, 3, 4.5]);
+            icon.line(pen, [7.5, 9, 16.5, 9]);
+            icon.line(pen, [7.5, 12.2, 13.5, 12.2]);
+        },
+        "remove": function(pen) {
+            icon.line(pen, [4, 6.5, 20, 6.5]);
+            icon.line(pen, [9.5, 6.5, 9.5, 3.5, 14.5, 3.5, 14.5, 6.5]);
+            icon.line(pen, [6, 6.5, 7, 20.5, 17, 20.5, 18, 6.5]);
+            icon.line(pen, [10.2, 10.5, 10.2, 16.5]);
+            icon.line(pen, [13.8, 10.5, 13.8, 16.5]);
+        },
+        "add": function(pen) {
+            icon.line(pen, [12, 5, 12, 19]);
+            icon.line(pen, [5, 12, 19, 12]);
+        },
+        "check": function(pen) {
+            icon.line(pen, [4.5, 12.5, 9.8, 18, 19.5, 6.5]);
+        },
+        "undo": function(pen) {
+            pen.beginPath();
+            pen.arc(12, 12.5, 7.5, -Math.PI * 0.85, Math.PI * 0.75, false);
+            pen.stroke();
+            icon.line(pen, [4.6, 3.8, 4.9, 9.4, 10.3, 8.6]);
+        },
         "network": function(pen) {
             for (var i = 0; i < 4; ++i) {
                 pen.beginPath();

@@ -11,6 +11,7 @@ Rectangle {
     property string text
     property string letters
     property string heldText
+    readonly property bool tabStop: true
     readonly property bool isSign: text === "*" || text === "#"
 
     signal typed(string input)
@@ -22,6 +23,16 @@ Rectangle {
     color: Style.surface
     height: width
     radius: width / 2
+
+    Keys.onPressed: {
+        if ([Qt.Key_Return, Qt.Key_Enter, Qt.Key_Space].indexOf(event.key) < 0)
+            return;
+        event.accepted = true;
+        flash();
+        typed(text);
+    }
+
+    FocusRing { radius: height / 2 }
 
     Rectangle {
         id: glow

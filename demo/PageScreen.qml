@@ -11,8 +11,6 @@ BaseScreen {
     readonly property int most: 5
     property var content: ({urls: [], more: 0})
 
-    signal closeRequested()
-
     function open(urls) {
         var head = [];
         for (var i = 0; i < urls.length && i < most; ++i)

@@ -36,11 +36,7 @@ Item {
 
     Behavior on rise { NumberAnimation { duration: Style.duration; easing.type: Easing.OutCubic } }
 
-    Keys.onPressed: {
-        if (event.key === Qt.Key_Escape)
-            open = false;
-        event.accepted = true;
-    }
+    Keys.onEscapePressed: open = false
 
     Reminder {
         id: reminder
@@ -51,7 +47,7 @@ Item {
 
     Rectangle {
         anchors.fill: parent
-        color: "#b8000000"
+        color: Style.shade
         opacity: sheet.rise
 
         MouseArea {
@@ -145,25 +141,10 @@ Item {
                 width: 1
             }
 
-            Rectangle {
-                color: area.pressed ? Style.outline : Style.raised
-                height: Style.px(46)
-                radius: height / 2
+            PillButton {
+                text: "Close"
                 width: parent.width
-
-                Label {
-                    anchors.centerIn: parent
-                    color: Style.accent
-                    font.bold: true
-                    text: "Close"
-                }
-
-                MouseArea {
-                    id: area
-
-                    anchors.fill: parent
-                    onClicked: sheet.open = false
-                }
+                onClicked: sheet.open = false
             }
         }
     }

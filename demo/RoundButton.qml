@@ -4,7 +4,7 @@
 import QtQuick 2.15
 import "."
 
-Item {
+Pressable {
     id: button
 
     property string icon
@@ -14,9 +14,6 @@ Item {
     property color fill: Style.raised
     property color ink: Style.text
     property bool checked: false
-
-    signal clicked()
-    signal held()
 
     height: circle.height + (label === "" ? 0 : caption.height + Style.px(8))
     opacity: enabled ? 1 : 0.35
@@ -30,7 +27,7 @@ Item {
         color: button.checked ? Style.text : button.fill
         height: width
         radius: width / 2
-        scale: area.pressed ? 0.94 : 1
+        scale: button.down ? 0.94 : 1
         width: parent.width
 
         Behavior on color { ColorAnimation { duration: Style.duration } }
@@ -48,8 +45,13 @@ Item {
             color: "black"
             opacity: 0.2
             radius: width / 2
-            visible: area.pressed
+            visible: button.down
         }
+    }
+
+    FocusRing {
+        anchors.bottomMargin: button.height - circle.height - Style.px(4)
+        radius: height / 2
     }
 
     Label {
@@ -61,13 +63,5 @@ Item {
         size: 12
         text: button.label
         visible: text !== ""
-    }
-
-    MouseArea {
-        id: area
-
-        anchors.fill: parent
-        onClicked: button.clicked()
-        onPressAndHold: button.held()
     }
 }

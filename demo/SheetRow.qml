@@ -4,40 +4,45 @@
 import QtQuick 2.15
 import "."
 
-Rectangle {
+Pressable {
     id: row
 
     property string text
     property string detail
     property color ink: Style.text
 
-    signal clicked()
-
-    color: area.pressed ? Style.outline : Style.raised
     height: Style.px(46)
-    radius: Style.px(12)
+
+    Rectangle {
+        anchors.fill: parent
+        color: row.down ? Style.outline : Style.raised
+        radius: Style.px(12)
+    }
+
+    FocusRing {
+        anchors.margins: 0
+        radius: Style.px(12)
+    }
 
     Label {
         anchors.left: parent.left
         anchors.leftMargin: Style.px(16)
+        anchors.right: time.left
+        anchors.rightMargin: time.text !== "" ? Style.px(12) : 0
         anchors.verticalCenter: parent.verticalCenter
         color: row.ink
+        horizontalAlignment: Text.AlignLeft
         text: row.text
     }
 
     Label {
+        id: time
+
         anchors.right: parent.right
         anchors.rightMargin: Style.px(16)
         anchors.verticalCenter: parent.verticalCenter
         color: Style.dimText
         size: 13
         text: row.detail
-    }
-
-    MouseArea {
-        id: area
-
-        anchors.fill: parent
-        onClicked: row.clicked()
     }
 }

@@ -7,6 +7,7 @@ import "."
 Item {
     id: bar
 
+    property Sims sims
     property bool watched: false
     property bool inCall: false
     property date now: new Date()
@@ -36,5 +37,42 @@ Item {
         font.bold: true
         size: 12
         text: Qt.formatTime(bar.now, "hh:mm")
+    }
+
+    Row {
+        anchors.right: parent.right
+        anchors.rightMargin: Style.px(14)
+        anchors.verticalCenter: parent.verticalCenter
+        spacing: Style.px(5)
+
+        Icon {
+            anchors.verticalCenter: parent.verticalCenter
+            color: Style.red
+            name: "barred"
+            size: 14
+            visible: bar.sims.reason !== ""
+        }
+
+        Label {
+            anchors.verticalCenter: parent.verticalCenter
+            color: Style.dimText
+            size: 12
+            text: !bar.sims.known ? "Checking SIMs…" : bar.sims.count === 0 ? "No SIM" : ""
+            visible: text !== ""
+        }
+
+        Icon {
+            anchors.verticalCenter: parent.verticalCenter
+            name: "sim"
+            size: 14
+            visible: bar.sims.count > 0
+        }
+
+        Label {
+            anchors.verticalCenter: parent.verticalCenter
+            size: 12
+            text: bar.sims.count
+            visible: bar.sims.count > 1
+        }
     }
 }

@@ -22,6 +22,8 @@ QtObject {
     readonly property color accent: "#7db4ff"
     readonly property color green: "#27a957"
     readonly property color red: "#e0434c"
+    readonly property color warning: "#3d2229"
+    readonly property color shade: "#b8000000"
 
     function px(length) {
         return Math.round(length * unit);

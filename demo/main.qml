@@ -4,109 +4,34 @@
 import QtQuick 2.15
 import com.nimbo.parley 1.0
 import "."
+import "focus.js" as Focus
 import "text.js" as Words
 
 Rectangle {
     id: root
 
     /// What is on the screen, for whoever watches the log.
-    readonly property string shown: {
-        if (!__window.visible)
-            return "hidden";
-        return dialog.open ? dialog.summary : sheet.open ? sheet.summary : current.summary;
-    }
-    property Item current: dialPad
+    readonly property string shown: __window.visible ? phone.topmost.summary : "hidden"
+    readonly property Item focused: __window.activeFocusItem
     property bool loaded: false
 
     function report() {
         console.info("screen: " + shown);
     }
 
-    // The new screen comes before the old goes, so that nothing else is shown between.
-    function present(screen) {
-        current = screen;
-        if (screen !== dialPad)
-            dialPad.note = "";
-        sheet.open = false;
-        dialog.open = false;
-        bringToFront();
+    // The keyboard never leaves what is on top.
+    function keepFocus() {
+        if (!Focus.isWithin(focused, phone.topmost))
+            phone.topmost.forceActiveFocus();
     }
 
-    function presentPad(number) {
-        dialPad.fill(number);
-        present(dialPad);
+    function takeFocus() {
+        phone.topmost.forceActiveFocus();
     }
 
-    function presentNote(note) {
-        dialPad.notify(note);
-        present(dialPad);
-    }
-
-    function presentContact(number) {
-        contactCard.number = number;
-        present(contactCard);
-    }
-
-    // The sheet comes first, so that the contact card is not shown without it.
-    function presentSheet(number) {
-        sheet.show(number);
-        contactCard.number = number;
-        current = contactCard;
-        dialPad.note = "";
-        dialog.open = false;
-        bringToFront();
-    }
-
-    function openReminderUrl(url) {
-        var number = Words.urlNumber(url);
-        var seconds = Words.reminderSeconds(url);
-        if (number !== "" && !Words.isForgetUrl(url) && seconds < 0) {
-            presentSheet(number);
-            return;
-        }
-        presentContact(number);
-        if (Words.isForgetUrl(url))
-            contactCard.reminder.remove();
-        else if (number !== "")
-            remind(number, Words.secondsLater(new Date(), seconds));
-    }
-
-    function remind(number, when) {
-        base.createWithStrings(number, when, "Phone", number, "Call back " + number,
-                               Qt.formatDateTime(when, "ddd d MMM yyyy, hh:mm"));
-    }
-
-    function bringToFront() {
-        if (!__window.visible) {
-            if (__prestart)
-                __window.show();
-            else
-                __window.showFullScreen();
-            __window.requestActivate();
-        } else if (!__window.active) {
-            __window.raise();
-            __window.requestActivate();
-        }
-    }
-
-    function place(number, modem) {
-        if (number === "" || dialPad.isSpecial(number)) {
-            presentPad(number);
-            return;
-        }
-        line.start(number, modem);
-        present(callScreen);
-        dialPad.fill("");
-    }
-
-    function endCall() {
-        if (current === callScreen)
-            current = dialPad;
-        line.end();
-    }
-
-    function leave() {
-        current = line.active ? callScreen : dialPad;
+    function moveFocus(item) {
+        if (item)
+            item.forceActiveFocus(Qt.TabFocusReason);
     }
 
     focus: true
@@ -122,19 +47,25 @@ Rectangle {
         __window.resizeMode = 1; // the view no longer follows the root object, but leads it
         loaded = true;
         report();
+        keepFocus();
     }
     onShownChanged: {
         if (loaded)
             report();
     }
+    onFocusedChanged: Qt.callLater(keepFocus)
 
-    Keys.forwardTo: dialog.open ? [dialog] : sheet.open ? [sheet] : [current]
-    Keys.onEscapePressed: __window.hide()
+    Keys.onTabPressed: moveFocus(Focus.following(phone.topmost, focused, true))
+    Keys.onBacktabPressed: moveFocus(Focus.following(phone.topmost, focused, false))
+    Keys.onLeftPressed: moveFocus(Focus.beside(phone.topmost, focused, -1, 0))
+    Keys.onRightPressed: moveFocus(Focus.beside(phone.topmost, focused, 1, 0))
+    Keys.onUpPressed: moveFocus(Focus.beside(phone.topmost, focused, 0, -1))
+    Keys.onDownPressed: moveFocus(Focus.beside(phone.topmost, focused, 0, 1))
 
     Binding {
         target: Style
         property: "unit"
-        value: Math.max(0.3, Math.min(stage.width / 360, stage.height / 640))
+        value: Math.max(0.3, phone.unit)
     }
 
     Binding {
@@ -144,138 +75,34 @@ Rectangle {
     }
 
     ParleyUiAdaptor {
-        onShow: {
-            dialPad.note = "";
-            root.bringToFront();
-        }
-        onShowOngoing: {
-            if (line.active)
-                root.present(callScreen);
-            else
-                root.presentNote("No ongoing call");
-        }
-        onOpenUrl: {
-            if (arg.length === 1 && Words.isTelephoneUrl(arg[0])) {
-                root.presentPad(Words.urlNumber(arg[0]));
-            } else if (arg.length === 1 && Words.isReminderUrl(arg[0])) {
-                root.openReminderUrl(arg[0]);
-            } else {
-                pageScreen.open(arg);
-                root.present(pageScreen);
-            }
-        }
-        onDial: root.place(Words.clean(number), "")
-        onDialViaModem: root.place(Words.clean(number), Words.clean(modemPath))
-        onShowCellularErrorDialog: {
-            dialog.open = true;
-            sheet.open = false;
-            dialPad.note = "";
-            root.bringToFront();
-        }
-        onOpenContactCard: root.presentContact(Words.clean(number))
-        onToggleCall: {
-            if (line.active) {
-                root.endCall();
-                root.present(root.current);
-            } else {
-                root.presentNote("No call to answer or end");
-            }
-        }
+        onShow: phone.show()
+        onShowOngoing: phone.showOngoing()
+        onOpenUrl: requests.open(arg)
+        onDial: phone.place(Words.clean(number), "")
+        onDialViaModem: phone.place(Words.clean(number), Words.clean(modemPath))
+        onShowCellularErrorDialog: phone.showError()
+        onOpenContactCard: phone.presentContact(Words.clean(number))
+        onToggleCall: phone.toggleCall()
     }
 
-    RemindersBase {
-        id: base
+    UrlRequests {
+        id: requests
+
+        onTelephone: phone.presentPad(number)
+        onIncoming: phone.receive(number)
+        onRemind: phone.presentReminder(number, seconds)
+        onForget: phone.forget(number)
+        onReminders: phone.presentReminders()
+        onReply: phone.sendReply(index)
+        onReplies: phone.changeReplies(command, text, index)
+        onPages: phone.presentPages(urls)
     }
 
-    Call {
-        id: line
-        reminders: base
-        watched: __window.visible
-    }
-
-    Item {
-        id: stage
-
-        anchors.bottom: parent.bottom
-        anchors.horizontalCenter: parent.horizontalCenter
-        anchors.top: parent.top
-        width: Math.min(parent.width, Math.round(parent.height * 0.75))
-
-        StatusBar {
-            id: statusBar
-
-            inCall: line.active
-            watched: __window.visible
-            width: parent.width
-        }
-
-        CallStrip {
-            id: strip
-
-            anchors.top: statusBar.bottom
-            call: line
-            open: line.active && root.current !== callScreen
-            width: parent.width
-            onClicked: root.current = callScreen
-        }
-
-        Item {
-            anchors.bottom: parent.bottom
-            anchors.left: parent.left
-            anchors.right: parent.right
-            anchors.top: strip.bottom
-
-            DialPad {
-                id: dialPad
-
-                current: root.current === dialPad
-                now: statusBar.now
-                reminders: base
-                watched: __window.visible
-                onCallRequested: root.place(number, "")
-            }
-
-            CallScreen {
-                id: callScreen
-
-                call: line
-                current: root.current === callScreen
-                now: statusBar.now
-                onEndRequested: root.endCall()
-                onRemindRequested: sheet.show(number)
-            }
-
-            ContactCard {
-                id: contactCard
-
-                current: root.current === contactCard
-                now: statusBar.now
-                reminders: base
-                onCallRequested: root.place(number, "")
-                onCloseRequested: root.leave()
-                onRemindRequested: sheet.show(number)
-            }
-
-            PageScreen {
-                id: pageScreen
-
-                current: root.current === pageScreen
-                onCloseRequested: root.leave()
-            }
-        }
-    }
-
-    RemindSheet {
-        id: sheet
+    Phone {
+        id: phone
 
         anchors.fill: parent
-        now: statusBar.now
-        reminders: base
-        onChosen: root.remind(number, when)
-    }
-
-    ErrorDialog {
-        id: dialog
-        anchors.fill: parent
+        onTopmostChanged: Qt.callLater(root.takeFocus)
+        onUrlsRequested: requests.open(urls)
     }
 }

@@ -12,34 +12,6 @@ function clean(text) {
     return line.length > longest ? line.slice(0, longest) + "…" : line;
 }
 
-function isTelephoneUrl(url) {
-    return /^tel:/i.test(url);
-}
-
-function isReminderUrl(url) {
-    return /^(remind|forget):/i.test(url);
-}
-
-function isForgetUrl(url) {
-    return /^forget:/i.test(url);
-}
-
-// In how many seconds a URL asks to be reminded; -1 if it leaves that open.
-function reminderSeconds(url) {
-    var found = /\?seconds=(\d{1,9})$/i.exec(url.slice(0, longest));
-    return found !== null ? Number(found[1]) : -1;
-}
-
-function urlNumber(url) {
-    var number = url.slice(0, longest).replace(/^[a-z]+:(\/\/)?/i, "").replace(/[;?].*$/, "");
-    try {
-        number = decodeURIComponent(number);
-    } catch (malformed) {
-        // Then it is shown as it was written.
-    }
-    return clean(number.replace(/[-.() ]/g, ""));
-}
-
 // The plain asterisk hangs too high beside digits.
 function display(number) {
     return number.replace(/\*/g, "\u2217");
@@ -96,6 +68,29 @@ function due(when, now) {
     }
     var year = when.getFullYear() === now.getFullYear() ? "" : " yyyy";
     return Qt.formatDate(when, "ddd d MMM" + year) + " " + time;
+}
+
+// How long it is until something is due.
+function left(when, now) {
+    var minutes = Math.ceil((when.getTime() - now.getTime()) / 60000);
+    if (!(minutes > 0))
+        return "now";
+    if (minutes < 60)
+        return "in " + minutes + " min";
+    if (minutes < 48 * 60)
+        return "in " + Math.floor(minutes / 60) + " h " + twoDigits(minutes % 60) + " min";
+    return "in " + Math.floor(minutes / (24 * 60)) + " days";
+}
+
+// Whether two numbers have one reminder: they do where they end alike.
+function shareReminder(one, other) {
+    var ends = [one, other].map(function(number) { return number.replace(/\D/g, "").slice(-7); });
+    return one === other || (ends[0] !== "" && ends[0] === ends[1]);
+}
+
+// The numbers that every phone lets through, with or without a SIM.
+function isEmergency(number) {
+    return ["000", "08", "110", "112", "118", "119", "911", "999"].indexOf(number) >= 0;
 }
 
 function duration(milliseconds) {

@@ -1,0 +1,214 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+import QtQuick 2.15
+import com.nimbo.parley 1.0
+import "."
+import "text.js" as Words
+
+/// Somebody calls: to be answered, turned away, or turned away with a quick reply.
+BaseScreen {
+    id: screen
+
+    property bool ringing: false
+    /// Who calls; empty if that is kept secret.
+    property string number
+    property Replies replies
+    property RemindersBase reminders
+    /// The call that there is already; answering ends it.
+    property Call call
+    property date now
+    readonly property string caller: number !== "" ? Words.display(number) : "Private number"
+
+    signal answerRequested()
+    signal declineRequested()
+    signal replyRequested(string text)
+    signal remindRequested(string number)
+    signal editRequested()
+
+    function ring(from) {
+        number = from;
+        ringing = true;
+        list.positionViewAtBeginning();
+    }
+
+    // The number stays for as long as the screen fades.
+    function stop() {
+        ringing = false;
+    }
+
+    // The reminder's number, which changes together with whether it exists.
+    summary: {
+        if (reminder.phoneNumber === "")
+            return "incoming";
+        return "incoming " + reminder.phoneNumber + (reminder.exists ? " (reminder)" : "");
+    }
+
+    Keys.onPressed: {
+        if (event.key !== Qt.Key_Return && event.key !== Qt.Key_Enter)
+            return;
+        answerRequested();
+        event.accepted = true;
+    }
+
+    Reminder {
+        id: reminder
+
+        _reminders: screen.reminders
+        phoneNumber: screen.number
+    }
+
+    Column {
+        anchors.left: parent.left
+        anchors.margins: Style.px(24)
+        anchors.right: parent.right
+        spacing: Style.px(4)
+        y: Math.max(Style.px(12), ((answers.visible ? answers.y : buttons.y) - height) * 0.5)
+
+        Avatar {
+            anchors.horizontalCenter: parent.horizontalCenter
+            size: 104
+
+            Rectangle {
+                anchors.centerIn: parent
+                border.color: Style.accent
+                border.width: Math.max(1, Style.px(2))
+                color: "transparent"
+                height: width
+                radius: width / 2
+                width: parent.width + Style.px(16)
+
+                SequentialAnimation on opacity {
+                    loops: Animation.Infinite
+                    running: screen.current && screen.ringing && Style.animated
+
+                    NumberAnimation { duration: 700; from: 0; to: 0.8 }
+                    NumberAnimation { duration: 900; from: 0.8; to: 0 }
+                }
+            }
+        }
+
+        Item {
+            height: Style.px(14)
+            width: 1
+        }
+
+        Label {
+            font.weight: Font.Light
+            fontSizeMode: Text.HorizontalFit
+            height: Style.px(46)
+            minimumPixelSize: Math.max(1, Style.px(18))
+            size: 34
+            text: screen.caller
+            width: parent.width
+        }
+
+        Label {
+            color: Style.accent
+            size: 16
+            text: "Incoming call"
+            width: parent.width
+        }
+
+        Label {
+            color: Style.dimText
+            size: 13
+            text: "Answering ends the call with " + screen.call.name
+            visible: screen.call.active
+            width: parent.width
+        }
+
+        ReminderMark {
+            anchors.horizontalCenter: parent.horizontalCenter
+            now: screen.now
+            reminder: reminder
+        }
+    }
+
+    Column {
+        id: answers
+
+        anchors.bottom: buttons.top
+        anchors.bottomMargin: Style.px(20)
+        anchors.left: parent.left
+        anchors.margins: Style.px(24)
+        anchors.right: parent.right
+        spacing: Style.px(8)
+        visible: screen.number !== ""
+
+        Label {
+            color: Style.dimText
+            size: 13
+            text: screen.replies.count > 0 ? "Reply instead" : "There are no quick replies"
+            width: parent.width
+        }
+
+        ListView {
+            id: list
+
+            // A fourth one is cut off, so that it is seen to be there.
+            readonly property int most: Style.px(3 * 46 + 2 * 6 + 20)
+
+            boundsBehavior: Flickable.StopAtBounds
+            clip: true
+            height: Math.min(contentHeight, most)
+            model: screen.replies
+            spacing: Style.px(6)
+            width: parent.width
+
+            delegate: SheetRow {
+                height: visible ? Style.px(46) : 0
+                text: Words.clean(model.display)
+                visible: text !== ""
+                width: list.width
+                onActiveFocusChanged: {
+                    if (activeFocus)
+                        list.positionViewAtIndex(index, ListView.Contain);
+                }
+                onClicked: screen.replyRequested(text)
+            }
+        }
+    }
+
+    Row {
+        id: buttons
+
+        anchors.bottom: parent.bottom
+        anchors.bottomMargin: Style.px(26)
+        anchors.horizontalCenter: parent.horizontalCenter
+        spacing: Style.px(24)
+
+        RoundButton {
+            fill: Style.red
+            icon: "end"
+            label: "Decline"
+            size: 64
+            onClicked: screen.declineRequested()
+        }
+
+        RoundButton {
+            enabled: screen.number !== ""
+            icon: "bell"
+            label: "Remind me"
+            size: 56
+            y: Style.px(8)
+            onClicked: screen.remindRequested(screen.number)
+        }
+
+        RoundButton {
+            icon: "message"
+            label: "Replies"
+            size: 56
+            y: Style.px(8)
+            onClicked: screen.editRequested()
+        }
+
+        RoundButton {
+            fill: Style.green
+            icon: "call"
+            label: "Answer"
+            size: 64
+            onClicked: screen.answerRequested()
+        }
+    }
+}

@@ -1,0 +1,377 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+import QtQuick 2.15
+import com.nimbo.parley 1.0
+import "."
+import "text.js" as Words
+
+/// The screens, and what can be asked of them.
+Item {
+    id: phone
+
+    property Item current: dialPad
+    readonly property Item topmost: dialog.open ? dialog : sheet.open ? sheet : current
+    /// How large the screens are, in pixels of a screen that is 360 wide and 640 high.
+    readonly property real unit: Math.min(stage.width / 360, stage.height / 640)
+
+    /// URLs that a screen wants to be opened.
+    signal urlsRequested(var urls)
+
+    // The new screen comes before the old goes, so that nothing else is shown between.
+    function present(screen) {
+        current = screen;
+        if (screen !== dialPad)
+            dialPad.note = "";
+        sheet.open = false;
+        dialog.open = false;
+        bringToFront();
+    }
+
+    function presentPad(number) {
+        dialPad.fill(number);
+        present(dialPad);
+    }
+
+    function presentNote(note) {
+        dialPad.notify(note);
+        present(dialPad);
+    }
+
+    function presentContact(number) {
+        contactCard.number = number;
+        reminderList.learn(number);
+        present(contactCard);
+    }
+
+    // The sheet comes first, so that the contact card is not shown without it.
+    function presentSheet(number) {
+        sheet.show(number);
+        contactCard.number = number;
+        current = contactCard;
+        dialPad.note = "";
+        dialog.open = false;
+        bringToFront();
+    }
+
+    function bringToFront() {
+        if (!__window.visible) {
+            if (__prestart)
+                __window.show();
+            else
+                __window.showFullScreen();
+            __window.requestActivate();
+        } else if (!__window.active) {
+            __window.raise();
+            __window.requestActivate();
+        }
+    }
+
+    function remind(number, when) {
+        reminderList.learn(number);
+        base.createWithStrings(number, when, "Phone", number, "Call back " + number,
+                               Qt.formatDateTime(when, "ddd d MMM yyyy, hh:mm"));
+    }
+
+    function place(number, modem) {
+        if (number === "" || dialPad.find(number) !== null) {
+            presentPad(number);
+        } else if (!cards.mayDial && !Words.isEmergency(number)) {
+            console.info("screen: call to " + number + " is barred");
+            presentPad(number);
+            dialPad.refuse();
+        } else {
+            incomingScreen.stop();
+            reminderList.learn(number);
+            line.start(number, modem);
+            present(callScreen);
+            dialPad.fill("");
+        }
+    }
+
+    function receive(number) {
+        var caller = number || "a private number";
+        if (!cards.mayReceive) {
+            console.info("screen: call from " + caller + " is barred");
+        } else if (incomingScreen.ringing && incomingScreen.number !== number) {
+            console.info("screen: call from " + caller + " finds the phone ringing");
+        } else {
+            reminderList.learn(number);
+            incomingScreen.ring(number);
+            present(incomingScreen);
+        }
+    }
+
+    function answer() {
+        incomingScreen.stop();
+        line.answer(incomingScreen.number);
+        present(callScreen);
+    }
+
+    function turnAway(note) {
+        incomingScreen.stop();
+        if (line.active) {
+            callScreen.notify(note);
+            present(callScreen);
+        } else {
+            presentNote(note);
+        }
+    }
+
+    function reply(text) {
+        console.info("screen: replied " + text + " to " + incomingScreen.number);
+        turnAway("Replied to " + incomingScreen.caller);
+    }
+
+    function endCall() {
+        if (current === callScreen)
+            current = incomingScreen.ringing ? incomingScreen : dialPad;
+        line.end();
+    }
+
+    function leave() {
+        current = incomingScreen.ringing ? incomingScreen : line.active ? callScreen : dialPad;
+    }
+
+    function sendReply(index) {
+        var text = texts.has(index) ? texts.text(index) : "";
+        if (incomingScreen.ringing && incomingScreen.number !== "" && text !== "")
+            reply(text);
+        else
+            presentNote("No reply to send");
+    }
+
+    function changeReplies(command, text, index) {
+        present(quickReplies);
+        if (command === "add")
+            texts.add(text);
+        else if (command === "edit" && texts.has(index))
+            texts.edit(index, text);
+        else if (command === "remove" && texts.has(index))
+            texts.take(index);
+        else if (command === "reset")
+            texts.restore();
+        else if (command === "save")
+            texts.write();
+        else
+            texts.report();
+    }
+
+    function openSpecial(service, url) {
+        if (url === "") {
+            dialPad.notify(service === "" ? "Nothing is set for this sequence"
+                           : Words.clean(service) + " is not on this phone");
+            return;
+        }
+        urlsRequested([url]);
+        if (current !== dialPad)
+            dialPad.fill("");
+    }
+
+    function show() {
+        dialPad.note = "";
+        bringToFront();
+    }
+
+    function showOngoing() {
+        if (line.active)
+            present(callScreen);
+        else
+            presentNote("No ongoing call");
+    }
+
+    function showError() {
+        dialog.open = true;
+        sheet.open = false;
+        dialPad.note = "";
+        bringToFront();
+    }
+
+    function toggleCall() {
+        if (incomingScreen.ringing) {
+            answer();
+        } else if (line.active) {
+            endCall();
+            present(current);
+        } else {
+            presentNote("No call to answer or end");
+        }
+    }
+
+    function presentReminder(number, seconds) {
+        if (number !== "" && seconds < 0) {
+            presentSheet(number);
+            return;
+        }
+        presentContact(number);
+        if (number !== "")
+            remind(number, Words.secondsLater(new Date(), seconds));
+    }
+
+    function forget(number) {
+        presentContact(number);
+        contactCard.reminder.remove();
+    }
+
+    function presentReminders() {
+        present(reminderList);
+    }
+
+    function presentPages(urls) {
+        pageScreen.open(urls);
+        present(pageScreen);
+    }
+
+    RemindersBase {
+        id: base
+    }
+
+    Replies {
+        id: texts
+    }
+
+    Sims {
+        id: cards
+    }
+
+    Call {
+        id: line
+        reminders: base
+        watched: __window.visible
+    }
+
+    Item {
+        id: stage
+
+        anchors.bottom: parent.bottom
+        anchors.horizontalCenter: parent.horizontalCenter
+        anchors.top: parent.top
+        width: Math.min(parent.width, Math.round(parent.height * 0.75))
+
+        StatusBar {
+            id: statusBar
+
+            inCall: line.active
+            sims: cards
+            watched: __window.visible
+            width: parent.width
+        }
+
+        CallStrip {
+            id: strip
+
+            readonly property Item target: incomingScreen.ringing ? incomingScreen : callScreen
+
+            anchors.top: statusBar.bottom
+            open: (line.active || incomingScreen.ringing) && phone.current !== target
+            text: target === incomingScreen ? incomingScreen.caller + "  ·  Incoming call"
+                                            : line.name + "  ·  " + line.state
+            width: parent.width
+            onClicked: phone.current = target
+        }
+
+        Item {
+            anchors.bottom: parent.bottom
+            anchors.left: parent.left
+            anchors.right: parent.right
+            anchors.top: strip.bottom
+
+            DialPad {
+                id: dialPad
+
+                current: phone.current === dialPad
+                now: statusBar.now
+                reminders: base
+                sims: cards
+                watched: __window.visible
+                onCallRequested: phone.place(number, "")
+                onCloseRequested: __window.hide()
+                onRemindersRequested: phone.current = reminderList
+                onRepliesRequested: phone.current = quickReplies
+                onSpecialRequested: phone.openSpecial(service, url)
+            }
+
+            CallScreen {
+                id: callScreen
+
+                call: line
+                current: phone.current === callScreen
+                now: statusBar.now
+                onCloseRequested: phone.current = dialPad
+                onEndRequested: phone.endCall()
+                onRemindRequested: sheet.show(number)
+            }
+
+            IncomingScreen {
+                id: incomingScreen
+
+                call: line
+                current: phone.current === incomingScreen
+                now: statusBar.now
+                reminders: base
+                replies: texts
+                onAnswerRequested: phone.answer()
+                onCloseRequested: phone.current = line.active ? callScreen : dialPad
+                onDeclineRequested: phone.turnAway("Declined " + caller)
+                onEditRequested: phone.current = quickReplies
+                onRemindRequested: sheet.show(number)
+                onReplyRequested: phone.reply(text)
+            }
+
+            ContactCard {
+                id: contactCard
+
+                current: phone.current === contactCard
+                now: statusBar.now
+                reminders: base
+                sims: cards
+                onCallRequested: phone.place(number, "")
+                onCloseRequested: phone.leave()
+                onRemindRequested: sheet.show(number)
+            }
+
+            PageScreen {
+                id: pageScreen
+
+                current: phone.current === pageScreen
+                onCloseRequested: phone.leave()
+            }
+
+            QuickReplies {
+                id: quickReplies
+
+                current: phone.current === quickReplies
+                replies: texts
+                onCloseRequested: phone.leave()
+            }
+
+            ReminderList {
+                id: reminderList
+
+                current: phone.current === reminderList
+                now: statusBar.now
+                reminders: base
+                onChosen: phone.presentContact(number)
+                onCloseRequested: phone.leave()
+            }
+        }
+    }
+
+    RemindSheet {
+        id: sheet
+
+        anchors.fill: parent
+        now: statusBar.now
+        reminders: base
+        onChosen: {
+            phone.remind(number, when);
+            if (phone.current === incomingScreen && incomingScreen.ringing)
+                phone.turnAway("Declined " + incomingScreen.caller);
+        }
+    }
+
+    ErrorDialog {
+        id: dialog
+        anchors.fill: parent
+    }
+}

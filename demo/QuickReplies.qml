@@ -1,0 +1,167 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+import QtQuick 2.15
+import "."
+import "text.js" as Words
+
+/// The editor of the quick replies.
+BaseScreen {
+    id: screen
+
+    property Replies replies
+
+    // What is being typed is taken over first.
+    function settle() {
+        forceActiveFocus();
+    }
+
+    function add() {
+        var text = newReply.text.trim();
+        newReply.revert();
+        if (text === "")
+            return;
+        replies.add(text);
+        list.positionViewAtEnd();
+    }
+
+    summary: "replies"
+
+    Column {
+        id: header
+
+        anchors.left: parent.left
+        anchors.margins: Style.px(24)
+        anchors.right: parent.right
+        spacing: Style.px(4)
+        y: Style.px(16)
+
+        Label {
+            size: 20
+            text: "Quick replies"
+            width: parent.width
+        }
+
+        Label {
+            color: screen.replies.hasError ? Style.red : Style.dimText
+            size: 13
+            text: {
+                if (screen.replies.hasError)
+                    return "The file of the replies cannot be opened";
+                var number = screen.replies.count === 1 ? "1 reply" : screen.replies.count + " replies";
+                return number + (screen.replies.unsaved ? ", not saved yet" : "");
+            }
+            width: parent.width
+        }
+    }
+
+    ListView {
+        id: list
+
+        anchors.bottom: newReply.top
+        anchors.bottomMargin: Style.px(10)
+        anchors.left: parent.left
+        anchors.leftMargin: Style.px(20)
+        anchors.right: parent.right
+        anchors.rightMargin: Style.px(10)
+        anchors.top: header.bottom
+        anchors.topMargin: Style.px(14)
+        boundsBehavior: Flickable.StopAtBounds
+        clip: true
+        model: screen.replies
+        spacing: Style.px(8)
+
+        delegate: ReplyRow {
+            reply: Words.clean(model.display)
+            width: list.width - Style.px(4) // for what shows that the keyboard is there
+            onEdited: {
+                model.edit = text;
+                screen.replies.changed(true);
+            }
+            onEditingChanged: {
+                if (editing)
+                    list.positionViewAtIndex(index, ListView.Contain);
+            }
+            onDone: screen.settle()
+            onRemoveRequested: {
+                screen.settle();
+                screen.replies.take(index);
+            }
+        }
+    }
+
+    TextField {
+        id: newReply
+
+        anchors.bottom: buttons.top
+        anchors.bottomMargin: Style.px(18)
+        anchors.left: parent.left
+        anchors.leftMargin: Style.px(20)
+        anchors.right: addButton.left
+        anchors.rightMargin: Style.px(6)
+        hint: "Add a reply"
+        onAbandoned: {
+            revert();
+            screen.settle();
+        }
+        onFinished: {
+            if (confirmed)
+                screen.add();
+        }
+    }
+
+    RoundButton {
+        id: addButton
+
+        anchors.right: list.right
+        anchors.rightMargin: Style.px(4)
+        anchors.verticalCenter: newReply.verticalCenter
+        enabled: newReply.text.trim() !== ""
+        fill: "transparent"
+        icon: "add"
+        iconSize: 22
+        ink: Style.accent
+        size: 42
+        onClicked: screen.add()
+    }
+
+    Row {
+        id: buttons
+
+        anchors.bottom: parent.bottom
+        anchors.bottomMargin: Style.px(22)
+        anchors.horizontalCenter: parent.horizontalCenter
+        spacing: Style.px(44)
+
+        RoundButton {
+            icon: "undo"
+            label: "Defaults"
+            size: 60
+            onClicked: {
+                screen.settle();
+                screen.replies.restore();
+            }
+        }
+
+        RoundButton {
+            icon: "check"
+            ink: Style.accent
+            label: "Save"
+            size: 60
+            onClicked: {
+                screen.settle();
+                screen.replies.write();
+            }
+        }
+
+        RoundButton {
+            icon: "close"
+            label: "Close"
+            size: 60
+            onClicked: {
+                screen.settle();
+                screen.closeRequested();
+            }
+        }
+    }
+}

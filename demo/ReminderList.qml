@@ -1,0 +1,148 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+import QtQuick 2.15
+import com.nimbo.parley 1.0
+import "."
+import "text.js" as Words
+
+/// The numbers to call back, as far as these screens have come across them.
+BaseScreen {
+    id: screen
+
+    property RemindersBase reminders
+    property date now
+    readonly property int most: 100
+    /// Those with a reminder, the one that is due first at the top.
+    property var marked: []
+
+    signal chosen(string number)
+
+    /// Keeps a number in mind, whether or not there is a reminder for it yet.
+    function learn(number) {
+        if (number === "")
+            return;
+        for (var i = 0; i < numbers.count; ++i) {
+            if (Words.shareReminder(numbers.get(i).number, number))
+                return;
+        }
+        // Those without a reminder are at the end.
+        if (numbers.count >= most && dueAt(numbers.count - 1) === Infinity)
+            numbers.remove(numbers.count - 1);
+        numbers.append({number: number});
+    }
+
+    function dueAt(index) {
+        var row = rows.itemAt(index);
+        return row !== null && row.marked ? row.when.getTime() : Infinity;
+    }
+
+    function arrange() {
+        for (var i = 1; i < numbers.count; ++i) {
+            var to = i;
+            while (to > 0 && dueAt(to - 1) > dueAt(i))
+                --to;
+            if (to !== i)
+                numbers.move(i, to, 1);
+        }
+        var found = [];
+        for (var j = 0; j < numbers.count && dueAt(j) !== Infinity; ++j)
+            found.push(numbers.get(j).number);
+        marked = found;
+    }
+
+    summary: "reminders: " + (marked.length > 0 ? marked.join(", ") : "none")
+
+    ListModel {
+        id: numbers
+    }
+
+    Column {
+        id: header
+
+        anchors.left: parent.left
+        anchors.margins: Style.px(24)
+        anchors.right: parent.right
+        spacing: Style.px(4)
+        y: Style.px(16)
+
+        Label {
+            size: 20
+            text: "Reminders"
+            width: parent.width
+        }
+
+        Label {
+            color: Style.dimText
+            size: 13
+            text: screen.marked.length === 0 ? "There is nobody to call back"
+                  : screen.marked.length === 1 ? "1 number to call back"
+                  : screen.marked.length + " numbers to call back"
+            width: parent.width
+        }
+    }
+
+    Icon {
+        anchors.centerIn: list
+        color: Style.outline
+        name: "bell"
+        size: 96
+        visible: screen.marked.length === 0
+    }
+
+    Flickable {
+        id: list
+
+        function reveal(item) {
+            var top = item.mapToItem(column, 0, 0).y;
+            contentY = Math.max(0, Math.min(top, Math.max(contentY, top + item.height - height)));
+        }
+
+        anchors.bottom: closeButton.top
+        anchors.bottomMargin: Style.px(14)
+        anchors.left: parent.left
+        anchors.leftMargin: Style.px(20)
+        anchors.right: parent.right
+        anchors.rightMargin: Style.px(10)
+        anchors.top: header.bottom
+        anchors.topMargin: Style.px(14)
+        boundsBehavior: Flickable.StopAtBounds
+        clip: true
+        contentHeight: column.height
+
+        Column {
+            id: column
+
+            spacing: Style.px(8)
+            width: parent.width
+
+            Repeater {
+                id: rows
+
+                model: numbers
+
+                ReminderRow {
+                    number: model.number
+                    now: screen.now
+                    reminders: screen.reminders
+                    width: column.width - Style.px(4) // for what shows that the keyboard is there
+                    onChosen: screen.chosen(number)
+                    onMarkedChanged: Qt.callLater(screen.arrange)
+                    onWhenChanged: Qt.callLater(screen.arrange)
+                }
+            }
+        }
+    }
+
+    RoundButton {
+        id: closeButton
+
+        anchors.bottom: parent.bottom
+        anchors.bottomMargin: Style.px(22)
+        anchors.horizontalCenter: parent.horizontalCenter
+        icon: "close"
+        label: "Close"
+        size: 60
+        onClicked: screen.closeRequested()
+    }
+}

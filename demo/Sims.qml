@@ -1,0 +1,31 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+import QtQuick 2.15
+
+/// What the SIMs in the phone are allowed, in words; the log has what changes.
+QtObject {
+    readonly property bool known: simFiltersHelper.ready
+    readonly property int count: simFiltersHelper.activeSimCount
+    readonly property bool mayDial: simFiltersHelper.anyActiveSimCanDial
+    readonly property bool mayReceive: simFiltersHelper.anyActiveSimCanReceive
+
+    /// Why calls do not get through; empty if they do.
+    readonly property string reason: {
+        if (mayDial && mayReceive)
+            return "";
+        var which = mayDial ? "Calls to" : mayReceive ? "Calls from" : "All calls of";
+        return which + " this phone are barred by its management";
+    }
+    readonly property string permissions: {
+        if (!known)
+            return "not known";
+        return "dial " + (mayDial ? "yes" : "no") + ", receive " + (mayReceive ? "yes" : "no");
+    }
+
+    onCountChanged: console.info("sims: " + count)
+    onPermissionsChanged: {
+        if (known)
+            console.info("filters: " + permissions);
+    }
+}
