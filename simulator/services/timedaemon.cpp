@@ -105,14 +105,20 @@ AttributesByCookie TimeDaemon::get_attributes_by_cookies(const QList<uint> &cook
 void TimeDaemon::alarmsChanged()
 {
     m_file.save(m_content);
+    // Behind the answer to the call that changed them: whoever replaced an alarm knows the new
+    // cookie before it hears that the old one has gone. Other calls may have come before: the list
+    // has what they added, too.
+    QMetaObject::invokeMethod(
+        this, [this] { Q_EMIT alarm_triggers_changed(triggers()); }, Qt::QueuedConnection);
+    scheduleNext();
+}
+
+Maemo::Timed::Event::Triggers TimeDaemon::triggers() const
+{
     Maemo::Timed::Event::Triggers triggers;
     for (auto it = m_content.alarms.cbegin(); it != m_content.alarms.cend(); ++it)
         triggers.insert(it.key(), it->ticker);
-    // Behind the answer to the call that changed them: whoever replaced an alarm knows the new
-    // cookie before it hears that the old one has gone.
-    const auto tell = [this, triggers] { Q_EMIT alarm_triggers_changed(triggers); };
-    QMetaObject::invokeMethod(this, tell, Qt::QueuedConnection);
-    scheduleNext();
+    return triggers;
 }
 
 void TimeDaemon::fireDue()

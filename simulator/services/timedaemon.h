@@ -55,6 +55,7 @@ Q_SIGNALS:
 
 private:
     void alarmsChanged();
+    Maemo::Timed::Event::Triggers triggers() const;
     void fireDue();
     void scheduleNext();
 

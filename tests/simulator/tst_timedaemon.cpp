@@ -9,6 +9,7 @@
 
 #include <QDBusArgument>
 #include <QDBusMetaType>
+#include <QDBusPendingCallWatcher>
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
@@ -45,6 +46,7 @@ private Q_SLOTS:
     void offersItsInterfaces();
     void servesAnotherClient();
     void tellsWhatIsStillToFire();
+    void tellsNothingThatAnAnswerHasOvertaken();
     void replacesAnAlarm();
     void findsAlarmsByAttributes();
     void givesAttributes();
@@ -69,6 +71,13 @@ private:
     AlarmsByCookie alarms() const;
 
     std::unique_ptr<ServiceUnderTest> m_daemon;
+    QStringList m_heard; ///< Answers, and how many alarms the daemon tells of, as they came.
+
+private Q_SLOTS:
+    void hear(const QDBusMessage &message)
+    {
+        m_heard.append(u"told of %1"_s.arg(triggersOf(message).size()));
+    }
 };
 
 void TestTimeDaemon::initTestCase()
@@ -166,6 +175,35 @@ void TestTimeDaemon::tellsWhatIsStillToFire()
     QVERIFY(!timed(u"cancel"_s, {1U}).arguments().at(0).toBool());
     QVERIFY(!timed(u"cancel"_s, {0U}).arguments().at(0).toBool());
     QVERIFY(!m_daemon->pendingSignals().contains(changed));
+}
+
+void TestTimeDaemon::tellsNothingThatAnAnswerHasOvertaken()
+{
+    constexpr int count = 50;
+    m_heard.clear();
+    QVERIFY(m_daemon->bus().connect(u"com.nimbo.timed"_s, u"/com/nimbo/timed"_s,
+                                    u"com.nimbo.timed"_s, u"alarm_triggers_changed"_s, this,
+                                    SLOT(hear(QDBusMessage))));
+    for (int i = 0; i < count; ++i) {
+        QDBusMessage call = QDBusMessage::createMethodCall(
+            u"com.nimbo.timed"_s, u"/com/nimbo/timed"_s, u"com.nimbo.timed"_s, u"add_event"_s);
+        call.setArguments({QVariant::fromValue(Alarm{3, farAhead, {}})});
+        auto *watcher = new QDBusPendingCallWatcher(m_daemon->bus().asyncCall(call), this);
+        connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
+            watcher->deleteLater();
+            m_heard.append(u"answered"_s);
+        });
+    }
+    QTRY_COMPARE(m_heard.size(), 2 * count);
+    int answers = 0;
+    for (const QString &line : qAsConst(m_heard)) {
+        if (line == u"answered"_s)
+            ++answers;
+        else
+            QVERIFY2(line.mid(8).toInt() >= answers, qUtf8Printable(m_heard.join(u'\n')));
+    }
+    m_daemon->bus().disconnect(u"com.nimbo.timed"_s, u"/com/nimbo/timed"_s, u"com.nimbo.timed"_s,
+                               u"alarm_triggers_changed"_s, this, SLOT(hear(QDBusMessage)));
 }
 
 void TestTimeDaemon::replacesAnAlarm()
