@@ -11,6 +11,10 @@
 #include <QFileInfo>
 #include <QStandardPaths>
 
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
+
 namespace {
 
 /// The default messages, as they are stored. They are translated when they are shown.
@@ -21,6 +25,9 @@ const QStringList defaultMessageIds{
     QString::fromLatin1(QT_TRID_NOOP("parley-me-cant_talk_at_the_moment")),
     //% "I will call back"
     QString::fromLatin1(QT_TRID_NOOP("parley-me-will_call_back"))};
+
+/// More than any user writes.
+constexpr int manyRows = 10000;
 
 QString homePath()
 {
@@ -82,25 +89,21 @@ void QuickMessagesModel::watch(const QString &path)
         m_fileExists = false;
         return;
     }
-    watchReadable(directory.absolutePath());
+    const QString directoryPath = directory.absolutePath();
+    if (QFileInfo(directoryPath).isReadable()) // or it cannot be watched
+        m_watcher.addPath(directoryPath);
     m_fileExists = file.exists();
     if (m_fileExists)
         watchFile(path);
 }
 
-/// A file of the same name may have taken the place of the one that was watched.
+/// A file of the same name may have taken the place of the one that was watched. It may also go at
+/// any moment: what could not be watched is not taken for known, or its return would be no news.
 void QuickMessagesModel::watchFile(const QString &path)
 {
     const QString absolutePath = QFileInfo(path).absoluteFilePath();
     m_watcher.removePath(absolutePath);
-    watchReadable(absolutePath);
-}
-
-/// What cannot be read cannot be watched, and would be reported.
-void QuickMessagesModel::watchReadable(const QString &path)
-{
-    if (QFileInfo(path).isReadable())
-        m_watcher.addPath(path);
+    m_fileExists = QFileInfo(absolutePath).isReadable() && m_watcher.addPath(absolutePath);
 }
 
 void QuickMessagesModel::load()
@@ -115,17 +118,16 @@ void QuickMessagesModel::load()
                  << "file path is empty, can't load file";
         return;
     }
-    QFile file(m_filePath);
-    if (!file.exists()) {
+    // Not QFile's own exists(), for which a link to nowhere is a file.
+    if (!QFileInfo::exists(m_filePath)) {
         m_fileExists = false;
-        setStringList(m_defaultValue);
+        show(m_defaultValue);
         return;
     }
+    QFile file(m_filePath);
     // Before it is read: what is written from now on is noticed.
     watchFile(m_filePath);
     const bool opened = file.open(QIODevice::ReadOnly | QIODevice::Text);
-    if (opened)
-        m_fileExists = true;
     setHasError(!opened);
     // A handler may have chosen another file, whose messages are shown by now.
     if (file.fileName() != m_filePath)
@@ -133,9 +135,22 @@ void QuickMessagesModel::load()
     // Nor before that: a handler may have saved.
     const QStringList messages = opened ? messagesFromJson(file.readAll()) : QStringList();
     if (messages.isEmpty())
-        setStringList(m_defaultValue);
+        show(m_defaultValue);
     else if (messages != stringList())
-        setStringList(messages);
+        show(messages);
+}
+
+void QuickMessagesModel::show(const QStringList &messages)
+{
+    const bool hadMany = count() > manyRows;
+    setStringList(messages);
+#ifdef __GLIBC__
+    // To free so many texts leaves their memory with the process.
+    if (hadMany)
+        malloc_trim(0);
+#else
+    Q_UNUSED(hadMany)
+#endif
 }
 
 void QuickMessagesModel::save()
@@ -233,7 +248,6 @@ void QuickMessagesModel::directoryChanged(const QString &path)
         if (!files.isEmpty())
             m_watcher.removePaths(files);
     } else if (!m_fileExists) {
-        m_fileExists = true;
         watchFile(m_filePath);
         load();
     }

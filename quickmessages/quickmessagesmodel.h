@@ -69,8 +69,9 @@ private Q_SLOTS:
 private:
     void watch(const QString &path);
     void stopWatching();
-    void watchFile();
+    void watchFile(const QString &path);
     void load();
+    void show(const QStringList &messages);
     void setHasError(bool hasError);
 
     bool m_active = true;
