@@ -1,0 +1,204 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+// What one answer of a call filter costs the UI thread, for 10 to 100,000 rules and 1 to 8 SIMs, at
+// worst: none of the SIMs has a rule, and none is allowed by default. Prints CPU time of that
+// thread, from the signal that the rules have changed to the change of the permission, and each
+// figure's ratio to the one of a tenth of the rules.
+//
+// Every figure is from processes of their own, on a private bus; the telephony stack is a thread.
+
+#include "privatebus.h"
+#include "simfiltershelper.h"
+#include "telephonystack.h"
+
+#include <QCoreApplication>
+#include <QDBusMessage>
+#include <QDBusMetaType>
+#include <QDBusVirtualObject>
+#include <QEventLoop>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QThread>
+#include <QVariantMap>
+
+#include <algorithm>
+#include <atomic>
+#include <cstdio>
+#include <ctime>
+#include <iterator>
+#include <vector>
+
+namespace {
+
+constexpr int runs = 5;
+constexpr int answers = 9;
+constexpr int simCounts[] = {1, 2, 4, 8};
+
+const QString filterInterface = QStringLiteral("org.cobalt.ofono.mdm.ParleyFilter");
+const QString dialPath = QStringLiteral("/mdm/parleyfilter/dial");
+
+QString imsiOf(int i)
+{
+    return QStringLiteral("26201%1").arg(i, 10, 10, QLatin1Char('0'));
+}
+
+/// So many SIMs, each in a modem, and so many rules for others.
+class Stack : public QDBusVirtualObject
+{
+public:
+    Stack(int ruleCount, int simCount)
+    {
+        for (int i = 0; i < ruleCount; ++i)
+            m_rules.append({imsiOf(i), SimFiltersHelper::Allow});
+        const QStringList interfaces{QStringLiteral("org.ofono.SimManager")};
+        for (int i = 0; i < simCount; ++i)
+            m_modems.append({QDBusObjectPath(QLatin1Char('/') + imsiOf(ruleCount + i)),
+                             {{QStringLiteral("Interfaces"), interfaces}}});
+    }
+
+    /// Whether the next answer is the one to measure, or that everything is allowed.
+    void setBlocking(bool blocking) { m_blocking = blocking; }
+
+    bool handleMessage(const QDBusMessage &message, const QDBusConnection &connection) override
+    {
+        QVariantList values;
+        if (message.member() == QLatin1String("GetModems"))
+            values.append(QVariant::fromValue(m_modems));
+        else if (message.member() == QLatin1String("GetProperties"))
+            values.append(
+                QVariantMap{{QStringLiteral("Present"), true},
+                            {QStringLiteral("SubscriberIdentity"), message.path().mid(1)}});
+        else if (message.member() != QLatin1String("GetAll"))
+            return false;
+        else if (m_blocking && message.path() == dialPath)
+            values = {1U, uint(SimFiltersHelper::Block), QVariant::fromValue(m_rules)};
+        else
+            values = {1U, uint(SimFiltersHelper::Allow),
+                      QVariant::fromValue(SimFiltersHelper::RuleList())};
+        return connection.send(message.createReply(values));
+    }
+
+    QString introspect(const QString &) const override { return {}; }
+
+private:
+    SimFiltersHelper::RuleList m_rules;
+    ModemEntries m_modems;
+    std::atomic<bool> m_blocking = false;
+};
+
+/// Milliseconds of CPU that this thread has had.
+double threadTime()
+{
+    timespec time = {};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
+}
+
+double median(std::vector<double> values)
+{
+    std::sort(values.begin(), values.end());
+    return values.at(values.size() / 2);
+}
+
+int measure(int ruleCount, int simCount)
+{
+    QTemporaryDir folder;
+    PrivateBus bus;
+    if (!bus.start(folder.path(), QStringLiteral("bus")))
+        return EXIT_FAILURE;
+    qputenv("DBUS_SYSTEM_BUS_ADDRESS", bus.address().toUtf8());
+    qDBusRegisterMetaType<ModemEntry>();
+    qDBusRegisterMetaType<ModemEntries>();
+    qDBusRegisterMetaType<SimFiltersHelper::Rule>();
+    qDBusRegisterMetaType<SimFiltersHelper::RuleList>();
+
+    Stack stack(ruleCount, simCount);
+    QDBusConnection connection =
+        QDBusConnection::connectToBus(bus.address(), QStringLiteral("stack"));
+    if (!connection.registerVirtualObject(QStringLiteral("/"), &stack, QDBusConnection::SubPath)
+        || !connection.registerService(QStringLiteral("org.ofono")))
+        return EXIT_FAILURE;
+    QThread thread;
+    stack.moveToThread(&thread);
+    thread.start();
+
+    SimFiltersHelper helper(nullptr);
+    QEventLoop loop;
+    QObject::connect(&helper, &SimFiltersHelper::readyChanged, &loop, &QEventLoop::quit);
+    loop.exec();
+    QObject::connect(&helper, &SimFiltersHelper::anyActiveSimCanDialChanged, &loop,
+                     &QEventLoop::quit);
+    const QDBusMessage signal =
+        QDBusMessage::createSignal(dialPath, filterInterface, QStringLiteral("RulesChanged"));
+    bool complete = helper.activeSimCount() == simCount;
+    std::vector<double> times;
+    for (int i = 0; i < answers; ++i) {
+        for (const bool blocking : {true, false}) {
+            stack.setBlocking(blocking);
+            connection.send(signal);
+            const double start = threadTime();
+            loop.exec();
+            if (blocking)
+                times.push_back(threadTime() - start);
+            complete = complete && helper.anyActiveSimCanDial() != blocking;
+        }
+    }
+    std::printf("%f\n", median(times));
+
+    thread.quit();
+    thread.wait();
+    QDBusConnection::disconnectFromBus(QStringLiteral("stack"));
+    return complete ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+/// Of several processes; negative if one of them fails.
+double medianOf(const QString &program, int ruleCount, int simCount)
+{
+    std::vector<double> times;
+    for (int run = 0; run < runs; ++run) {
+        QProcess process;
+        process.start(program, {QString::number(ruleCount), QString::number(simCount)});
+        if (!process.waitForFinished(-1) || process.exitCode() != 0) {
+            std::fprintf(stderr, "%s", process.readAllStandardError().constData());
+            return -1;
+        }
+        times.push_back(process.readAllStandardOutput().trimmed().toDouble());
+    }
+    return median(times);
+}
+
+int compare(const QString &program)
+{
+    std::printf("Milliseconds, medians of %d processes each; ratio: to a tenth of the rules.\n\n",
+                runs);
+    std::printf("%8s", "rules");
+    for (const int simCount : simCounts)
+        std::printf(" %6d SIM%c %7s", simCount, simCount == 1 ? ' ' : 's', "ratio");
+    std::printf("\n");
+    std::vector<double> before(std::size(simCounts), 0);
+    for (const int ruleCount : {10, 100, 1000, 10000, 100000}) {
+        std::printf("%8d", ruleCount);
+        for (std::size_t i = 0; i < std::size(simCounts); ++i) {
+            const double time = medianOf(program, ruleCount, simCounts[i]);
+            if (time < 0)
+                return EXIT_FAILURE;
+            std::printf(" %11.3f", time);
+            before[i] > 0 ? std::printf(" %7.1f", time / before[i]) : std::printf(" %7s", "");
+            std::fflush(stdout);
+            before[i] = time;
+        }
+        std::printf("\n");
+    }
+    return EXIT_SUCCESS;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    const QCoreApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    return arguments.size() > 2 ? measure(arguments.at(1).toInt(), arguments.at(2).toInt())
+                                : compare(arguments.constFirst());
+}
