@@ -1,0 +1,294 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+#include "document.h"
+#include "examplerunner.h"
+#include "literals.h"
+
+#include "parleyuiadaptor.h"
+#include "quickmessagesmodel.h"
+#include "reminder.h"
+#include "reminders.h"
+#include "simfiltershelper.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QMetaMethod>
+#include <QMetaProperty>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTest>
+
+#include <algorithm>
+
+namespace {
+
+const QDir source(QStringLiteral(PARLEY_SOURCE_DIR));
+
+QStringList pages()
+{
+    return QDir(source.filePath(u"docs"_s)).entryList({u"*.md"_s});
+}
+
+QString pathOf(const QString &page)
+{
+    return source.filePath(u"docs/"_s + page);
+}
+
+/// What stands in backticks in \a cell.
+QStringList codeIn(const QString &cell)
+{
+    static const QRegularExpression code(u"`([^`]*)`"_s);
+    QStringList words;
+    for (auto it = code.globalMatch(cell); it.hasNext();)
+        words.append(it.next().captured(1));
+    return words;
+}
+
+QString documentedType(const QMetaProperty &property)
+{
+    static const QMap<QString, QString> names{{u"QString"_s, u"string"_s},
+                                              {u"QStringList"_s, u"list of strings"_s},
+                                              {u"QDateTime"_s, u"date"_s},
+                                              {u"Reminders*"_s, u"RemindersBase"_s}};
+    const QString type = QString::fromLatin1(property.typeName());
+    return names.value(type, type) + (property.isWritable() ? QString() : u", read only"_s);
+}
+
+QString callOf(const QMetaMethod &method)
+{
+    QStringList names;
+    const QList<QByteArray> parameters = method.parameterNames();
+    for (const QByteArray &name : parameters)
+        names.append(QString::fromLatin1(name));
+    return QString::fromLatin1(method.name()) + u'(' + names.join(u", "_s) + u')';
+}
+
+/// A line for each member of the class itself that QML sees.
+QStringList membersOf(const QMetaObject &type)
+{
+    QStringList members;
+    QVector<int> notifications;
+    for (int i = type.propertyOffset(); i < type.propertyCount(); ++i) {
+        const QMetaProperty property = type.property(i);
+        notifications.append(property.notifySignalIndex());
+        members.append(u"property "_s + QString::fromLatin1(property.name()) + u": "_s
+                       + documentedType(property));
+    }
+    for (int i = type.methodOffset(); i < type.methodCount(); ++i) {
+        const QMetaMethod method = type.method(i);
+        if (method.access() != QMetaMethod::Public || notifications.contains(i))
+            continue;
+        const bool isSignal = method.methodType() == QMetaMethod::Signal;
+        members.append((isSignal ? u"signal "_s : u"method "_s) + callOf(method));
+    }
+    std::sort(members.begin(), members.end());
+    return members;
+}
+
+/// The same as the page has it.
+QStringList documentedMembers(const Document &page, const QString &type)
+{
+    QStringList members;
+    for (const Document::Row &row : page.rows()) {
+        if (row.section != type)
+            continue;
+        const QString name = codeIn(row.cells.at(0)).value(0);
+        if (row.column == u"property"_s)
+            members.append(u"property "_s + name + u": "_s + row.cells.at(1));
+        else if (row.column == u"method"_s)
+            members.append(u"method "_s + name);
+        else if (row.column == u"signal"_s)
+            members.append(u"signal "_s + name + u'(' + codeIn(row.cells.at(1)).join(u", "_s)
+                           + u')');
+    }
+    std::sort(members.begin(), members.end());
+    return members;
+}
+
+} // namespace
+
+class TestDocs : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void runsItsExamples_data();
+    void runsItsExamples();
+    void hasExamplesThatToolsUnderstand_data();
+    void hasExamplesThatToolsUnderstand();
+    void leavesOutTheBuildAlone();
+    void hasEveryMember_data();
+    void hasEveryMember();
+    void hasEveryContextProperty();
+    void hasEveryMethodOfTheService();
+    void leadsToWhatIsThere_data();
+    void leadsToWhatIsThere();
+};
+
+void TestDocs::runsItsExamples_data()
+{
+    QTest::addColumn<QString>("page");
+    const QStringList names = pages();
+    for (const QString &name : names)
+        QTest::newRow(qUtf8Printable(name)) << name;
+}
+
+void TestDocs::runsItsExamples()
+{
+    QFETCH(QString, page);
+
+    const Document document(pathOf(page));
+    QVERIFY(!document.blocks().isEmpty());
+    ExampleRunner runner;
+    QVERIFY(runner.start());
+    for (const Document::Block &block : document.blocks()) {
+        const QString problem = runner.run(block);
+        QVERIFY2(problem.isEmpty(),
+                 qUtf8Printable(u"%1:%2: %3"_s.arg(page).arg(block.number).arg(problem)));
+    }
+    QCOMPARE(runner.end(), QStringList());
+}
+
+void TestDocs::hasExamplesThatToolsUnderstand_data()
+{
+    runsItsExamples_data();
+}
+
+/// With the description of our types, the linter knows every type of ours that is used.
+void TestDocs::hasExamplesThatToolsUnderstand()
+{
+    QFETCH(QString, page);
+
+    const QTemporaryDir folder;
+    const Document document(pathOf(page));
+    for (const Document::Block &block : document.blocks()) {
+        if (block.kind != u"qml"_s)
+            continue;
+        QFile file(folder.filePath(u"example.qml"_s));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(block.lines.join(u'\n').toUtf8());
+        file.close();
+        QProcess lint;
+        lint.setProcessChannelMode(QProcess::MergedChannels);
+        lint.start(source.filePath(u"tests/lint/check-qml"_s),
+                   {QStringLiteral(PARLEY_QMLLINT), folder.path(), source.filePath(u"qml"_s)});
+        QVERIFY(lint.waitForFinished());
+        QCOMPARE(QString::fromUtf8(lint.readAll()), QString());
+        QCOMPARE(lint.exitCode(), 0);
+    }
+}
+
+void TestDocs::leavesOutTheBuildAlone()
+{
+    const QStringList names = pages();
+    QStringList notRun;
+    for (const QString &name : names) {
+        const Document document(pathOf(name));
+        for (const Document::Block &block : document.blocks()) {
+            if (block.kind.endsWith(u" not-run"_s))
+                notRun += block.lines;
+        }
+    }
+    QCOMPARE(notRun,
+             QStringList({u"cmake -B build && cmake --build build && ctest --test-dir build"_s,
+                          u"cmake --install build"_s}));
+}
+
+void TestDocs::hasEveryMember_data()
+{
+    QTest::addColumn<QString>("type");
+    QTest::addColumn<QStringList>("members");
+
+    QTest::newRow("ParleyUiAdaptor")
+        << u"ParleyUiAdaptor"_s << membersOf(ParleyUiAdaptor::staticMetaObject);
+    QTest::newRow("RemindersBase") << u"RemindersBase"_s << membersOf(Reminders::staticMetaObject);
+    QTest::newRow("Reminder") << u"Reminder"_s << membersOf(Reminder::staticMetaObject);
+    QTest::newRow("QuickMessagesModel")
+        << u"QuickMessagesModel"_s << membersOf(QuickMessagesModel::staticMetaObject);
+    QTest::newRow("simFiltersHelper")
+        << u"simFiltersHelper"_s << membersOf(SimFiltersHelper::staticMetaObject);
+}
+
+void TestDocs::hasEveryMember()
+{
+    QFETCH(QString, type);
+    QFETCH(QStringList, members);
+
+    QVERIFY(!members.isEmpty());
+    const Document page(pathOf(u"qml-api.md"_s));
+    QCOMPARE(documentedMembers(page, type), members);
+}
+
+void TestDocs::hasEveryContextProperty()
+{
+    QFile code(source.filePath(u"app/rootcontext.cpp"_s));
+    QVERIFY(code.open(QIODevice::ReadOnly));
+    static const QRegularExpression call(u"setContextProperty\\(QStringLiteral\\(\"(\\w+)\"\\)"_s);
+    QStringList set;
+    for (auto it = call.globalMatch(QString::fromUtf8(code.readAll())); it.hasNext();)
+        set.append(it.next().captured(1));
+    QVERIFY(!set.isEmpty());
+
+    const Document page(pathOf(u"qml-api.md"_s));
+    QStringList documented;
+    for (const Document::Row &row : page.rows()) {
+        if (row.section == u"The root context"_s)
+            documented += codeIn(row.cells.constFirst());
+    }
+    std::sort(set.begin(), set.end());
+    std::sort(documented.begin(), documented.end());
+    QCOMPARE(documented, set);
+}
+
+/// The page's table is what busctl prints on the same page.
+void TestDocs::hasEveryMethodOfTheService()
+{
+    const Document page(pathOf(u"bus-api.md"_s));
+    QStringList documented;
+    for (const Document::Row &row : page.rows()) {
+        if (row.column == u"method"_s)
+            documented.append(codeIn(row.cells.at(0)).join(QString()) + u' '
+                              + codeIn(row.cells.at(1)).join(QString()) + u' '
+                              + codeIn(row.cells.at(2)).join(QString()));
+    }
+    static const QRegularExpression method(u"^\\.(\\w+) +method +(\\S+) +(\\S+) "_s);
+    QStringList printed;
+    for (const Document::Block &block : page.blocks()) {
+        for (const QString &line : block.lines) {
+            const QRegularExpressionMatch match = method.match(line);
+            if (match.hasMatch())
+                printed.append(
+                    QString(match.captured(1) + u' ' + match.captured(2) + u' ' + match.captured(3))
+                        .remove(u'-'));
+        }
+    }
+    QVERIFY(!printed.isEmpty());
+    std::sort(documented.begin(), documented.end());
+    std::sort(printed.begin(), printed.end());
+    QCOMPARE(documented, printed);
+}
+
+void TestDocs::leadsToWhatIsThere_data()
+{
+    runsItsExamples_data();
+}
+
+void TestDocs::leadsToWhatIsThere()
+{
+    QFETCH(QString, page);
+
+    const Document document(pathOf(page));
+    for (const QString &link : document.links()) {
+        const QString name = link.section(u'#', 0, 0);
+        const QString anchor = link.section(u'#', 1);
+        const QString target = name.isEmpty() ? pathOf(page) : pathOf(name);
+        QVERIFY2(QFileInfo::exists(target), qUtf8Printable(link));
+        QVERIFY2(anchor.isEmpty() || Document(target).anchors().contains(anchor),
+                 qUtf8Printable(link));
+    }
+}
+
+QTEST_GUILESS_MAIN(TestDocs)
+
+#include "tst_docs.moc"

@@ -1,0 +1,55 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+#include "literals.h"
+#include "uiundertest.h"
+
+#include <QJsonArray>
+#include <QTest>
+
+/// What the description of the QML module does where it is installed: nothing, to the process.
+class TestQmlModule : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void leavesTheImportAsItIs_data();
+    void leavesTheImportAsItIs();
+};
+
+void TestQmlModule::leavesTheImportAsItIs_data()
+{
+    QTest::addColumn<bool>("installed");
+
+    QTest::newRow("without it") << false;
+    QTest::newRow("installed") << true;
+}
+
+void TestQmlModule::leavesTheImportAsItIs()
+{
+    QFETCH(bool, installed);
+
+    UiUnderTest ui;
+    QVERIFY(ui.isValid());
+    if (installed)
+        ui.sandbox().place(QStringLiteral(PARLEY_QML_IMPORT_PATH "/com/nimbo/parley"),
+                           QStringLiteral(PARLEY_QML_MODULE));
+    // The probe's own import is the one that is looked at; it lists what it may make.
+    QVERIFY(ui.startProbe({u"-prestart"_s}));
+    const QJsonValue made = ui.evaluate(
+        u"['QuickMessagesModel', 'Reminder', 'RemindersBase', 'Reminders', 'SimFiltersHelper']"
+        u".map(function(type) { try {"
+        u" return String(Qt.createQmlObject('import com.nimbo.parley 1.0; ' + type + ' {}',"
+        u" __window.contentItem)).split('(')[0]; } catch (error) { return 'none'; } })"_s);
+    QCOMPARE(made,
+             QJsonValue(QJsonArray{u"QuickMessagesModel"_s, u"Reminder"_s, u"Reminders"_s,
+                                   u"none"_s, u"none"_s}));
+    const QString noTimeDaemon = u"Unable to query reminder alarms"_s;
+    QVERIFY(ui.lineBeginning(noTimeDaemon).startsWith(noTimeDaemon));
+    ui.stop();
+    QCOMPARE(ui.takeLog(), QStringList());
+}
+
+QTEST_GUILESS_MAIN(TestQmlModule)
+
+#include "tst_qmlmodule.moc"

@@ -1,0 +1,18 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+#include "qmltypes.h"
+
+#include <QQmlExtensionPlugin>
+
+/// The process's QML types as a plugin, for the tool that describes a plugin's types.
+class TypesPlugin : public QQmlExtensionPlugin
+{
+    Q_OBJECT
+    Q_PLUGIN_METADATA(IID QQmlExtensionInterface_iid)
+
+public:
+    void registerTypes(const char *) override { registerQmlTypes(); }
+};
+
+#include "typesplugin.moc"
