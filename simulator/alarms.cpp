@@ -27,12 +27,28 @@ QString describe(uint cookie, const Alarm &alarm)
              alarm.attributes.value(QStringLiteral("phoneNumber")));
 }
 
+QVariantList itemsOf(const QVariantList &values)
+{
+    QVariantList items;
+    const auto alarms = qdbus_cast<AlarmsByCookie>(values.value(0));
+    for (auto it = alarms.cbegin(); it != alarms.cend(); ++it)
+        items.append(QVariantMap{
+            {QStringLiteral("cookie"), it.key()},
+            {QStringLiteral("title"), it->attributes.value(QStringLiteral("TITLE"))},
+            {QStringLiteral("number"), it->attributes.value(QStringLiteral("phoneNumber"))},
+            {QStringLiteral("due"), it->ticker * 1000}});
+    return items;
+}
+
 } // namespace
 
 Alarms::Alarms(QDBusConnection systemBus, Transcript &transcript, QObject *parent)
     : QObject(parent)
     , m_bus(std::move(systemBus))
     , m_transcript(transcript)
+    , m_list(m_bus,
+             {QDBusMessage::createMethodCall(service, path, control, QStringLiteral("List")),
+              QStringLiteral("a{u(uxa{ss})}"), itemsOf})
 {
     registerAlarmTypes();
     m_bus.connect(service, path, control, QStringLiteral("Added"), this, SLOT(added(uint)));
@@ -46,7 +62,7 @@ QVector<Command> Alarms::commands()
         {QStringLiteral("alarms"),
          {},
          QStringLiteral("list the alarms: cookie, time left, name, number"),
-         [this](const QStringList &, const Finish &finish) { list(finish); }},
+         [this](const QStringList &, const Finish &finish) { print(finish); }},
         {QStringLiteral("fire"),
          {QStringLiteral("COOKIE")},
          QStringLiteral("fire an alarm ahead of its time"),
@@ -65,19 +81,22 @@ QVector<Command> Alarms::commands()
 void Alarms::added(uint cookie)
 {
     record(QStringLiteral("alarm %1 is set").arg(cookie));
+    m_list.refresh();
 }
 
 void Alarms::cancelled(uint cookie)
 {
     record(QStringLiteral("alarm %1 is cancelled").arg(cookie));
+    m_list.refresh();
 }
 
 void Alarms::fired(uint cookie)
 {
     record(QStringLiteral("alarm %1 has fired").arg(cookie));
+    m_list.refresh();
 }
 
-void Alarms::list(const Finish &finish)
+void Alarms::print(const Finish &finish)
 {
     const QDBusMessage call =
         QDBusMessage::createMethodCall(service, path, control, QStringLiteral("List"));

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "command.h"
+#include "servicelist.h"
 
 #include <QDBusConnection>
 #include <QObject>
@@ -22,17 +23,22 @@ public:
 
     QVector<Command> commands();
 
+    /// The alarms: maps with "cookie", "title", "number" and "due", in milliseconds since
+    /// 1970-01-01 00:00 UTC.
+    ServiceList *list() { return &m_list; }
+
 private Q_SLOTS:
     void added(uint cookie);
     void cancelled(uint cookie);
     void fired(uint cookie);
 
 private:
-    void list(const Finish &finish);
+    void print(const Finish &finish);
     void fire(const QString &cookie, const Finish &finish);
     void cancel(const QString &cookie, const Finish &finish);
     void record(const QString &line);
 
     QDBusConnection m_bus;
     Transcript &m_transcript;
+    ServiceList m_list;
 };

@@ -17,6 +17,7 @@ namespace {
 const QLatin1String service("org.ofono");
 const QLatin1String path("/");
 const QLatin1String control("com.nimbo.simulator.Telephony");
+const QLatin1String form("uua(su)"); ///< Of the answer with all rules.
 
 struct NamedAction
 {
@@ -53,12 +54,35 @@ QString noAction(const QString &text)
         .arg(text);
 }
 
+QDBusMessage question(const QString &filter)
+{
+    return QDBusMessage::createMethodCall(service, QLatin1String("/mdm/parleyfilter/") + filter,
+                                          QStringLiteral("org.cobalt.ofono.mdm.ParleyFilter"),
+                                          QStringLiteral("GetAll"));
+}
+
+QVariantMap itemOf(const QString &imsi, uint action)
+{
+    return {{QStringLiteral("imsi"), imsi}, {QStringLiteral("action"), describe(action)}};
+}
+
+QVariantList itemsOf(const QVariantList &values)
+{
+    QVariantList items{itemOf({}, values.at(1).toUInt())};
+    const auto rules = qdbus_cast<FilterRules>(values.at(2));
+    for (const FilterRule &rule : rules)
+        items.append(itemOf(rule.imsi, rule.action));
+    return items;
+}
+
 } // namespace
 
 CallRules::CallRules(QDBusConnection systemBus, Transcript &transcript, QObject *parent)
     : QObject(parent)
     , m_bus(std::move(systemBus))
     , m_transcript(transcript)
+    , m_dialList(m_bus, {question(QStringLiteral("dial")), form, itemsOf})
+    , m_incomingList(m_bus, {question(QStringLiteral("incoming")), form, itemsOf})
 {
     registerFilterRuleTypes();
     const auto follow = [this](const char *signal, const char *slot) {
@@ -78,7 +102,7 @@ QVector<Command> CallRules::commands()
          {},
          QStringLiteral("list what calls may be dialled and may come in, by SIM"),
          [this](const QStringList &, const Finish &finish) {
-             list({QStringLiteral("dial"), QStringLiteral("incoming")}, finish);
+             print({QStringLiteral("dial"), QStringLiteral("incoming")}, finish);
          }},
         {QStringLiteral("rule"),
          {filter, QStringLiteral("IMSI"), QStringLiteral("ACTION")},
@@ -98,43 +122,44 @@ QVector<Command> CallRules::commands()
 
 void CallRules::ruleSet(const QString &filter, const QString &imsi, uint action)
 {
-    record(QStringLiteral("%1 rule for %2: %3").arg(filter, imsi, describe(action)));
+    recordRule(filter, {imsi, action});
+    refresh(filter);
 }
 
 void CallRules::ruleRemoved(const QString &filter, const QString &imsi)
 {
     record(QStringLiteral("no %1 rule for %2").arg(filter, imsi));
+    refresh(filter);
 }
 
 void CallRules::rulesSet(const QString &filter)
 {
     record(QStringLiteral("the %1 rules are replaced").arg(filter));
+    refresh(filter);
 }
 
 void CallRules::defaultActionSet(const QString &filter, uint action)
 {
-    record(QStringLiteral("%1 default: %2").arg(filter, describe(action)));
+    recordDefault(filter, action);
+    refresh(filter);
 }
 
 /// The filters are asked one after another, in the order in which they are listed.
-void CallRules::list(const QStringList &filters, const Finish &finish)
+void CallRules::print(const QStringList &filters, const Finish &finish)
 {
     if (filters.isEmpty()) {
         finish(Outcome::Done, {});
         return;
     }
     const QString &filter = filters.constFirst();
-    const QDBusMessage call = QDBusMessage::createMethodCall(
-        service, QLatin1String("/mdm/parleyfilter/") + filter,
-        QStringLiteral("org.cobalt.ofono.mdm.ParleyFilter"), QStringLiteral("GetAll"));
     const auto answered = [this, filters, filter, finish](const QVariantList &values) {
-        defaultActionSet(filter, values.at(1).toUInt());
+        recordDefault(filter, values.at(1).toUInt());
         const auto rules = qdbus_cast<FilterRules>(values.at(2));
         for (const FilterRule &rule : rules)
-            ruleSet(filter, rule.imsi, rule.action);
-        list(filters.mid(1), finish);
+            recordRule(filter, rule);
+        print(filters.mid(1), finish);
     };
-    callBus(m_bus, call, QStringLiteral("uua(su)"), this, finish, answered);
+    callBus(m_bus, question(filter), form, this, finish, answered);
 }
 
 void CallRules::set(const QString &filter, const QString &imsi, const QString &action,
@@ -168,4 +193,22 @@ void CallRules::act(const QString &method, const QVariantList &arguments, const 
 void CallRules::record(const QString &line)
 {
     m_transcript.record(QStringLiteral("rules"), line);
+}
+
+void CallRules::recordRule(const QString &filter, const FilterRule &rule)
+{
+    record(QStringLiteral("%1 rule for %2: %3").arg(filter, rule.imsi, describe(rule.action)));
+}
+
+void CallRules::recordDefault(const QString &filter, uint action)
+{
+    record(QStringLiteral("%1 default: %2").arg(filter, describe(action)));
+}
+
+void CallRules::refresh(const QString &filter)
+{
+    if (filter == QLatin1String("dial"))
+        m_dialList.refresh();
+    else
+        m_incomingList.refresh();
 }

@@ -3,10 +3,13 @@
 
 #include "handset.h"
 
+#include "folderwatch.h"
+
 #include <QDBusConnectionInterface>
 #include <QDBusServiceWatcher>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 #include <chrono>
 #include <utility>
@@ -17,6 +20,8 @@ const QLatin1String sessionConnection("handset-session");
 const QLatin1String systemConnection("handset-system");
 const QLatin1String uiService("com.nimbo.parley.ui");
 constexpr std::chrono::seconds uiPatience(30);
+/// After the first complaint about the QML code, which may be a warning.
+constexpr std::chrono::seconds uiPatienceWithError(2);
 
 } // namespace
 
@@ -25,6 +30,8 @@ Handset::Handset(const Options &options, QObject *parent)
     , m_options(options)
     , m_interpreter(m_transcript, options.atFailure)
     , m_folder(QDir::tempPath() + QLatin1String("/parley-handset-XXXXXX"))
+    , m_journal(m_transcript)
+    , m_replies(m_folder.filePath(QStringLiteral("home")), m_transcript)
 {
     connect(&m_interpreter, &Interpreter::finished, this, &Handset::ended);
     connect(&m_sessionBus, &PrivateBus::died, this,
@@ -90,6 +97,9 @@ void Handset::startServices(const QDBusConnection &session)
 {
     const QDBusConnection system =
         QDBusConnection::connectToBus(m_systemBus.address(), systemConnection);
+    m_journal.watch({{QStringLiteral("session"), m_sessionBus.address(), session},
+                     {QStringLiteral("system"), m_systemBus.address(), system}},
+                    m_options.uiProgram);
     const QString stateFolder = m_options.stateFolder.isEmpty()
         ? m_folder.filePath(QStringLiteral("state"))
         : m_options.stateFolder;
@@ -97,11 +107,16 @@ void Handset::startServices(const QDBusConnection &session)
         Services::World{m_sessionBus.address(), m_systemBus.address(), stateFolder}, session,
         system, m_transcript);
     m_interpreter.add(m_services->commands());
+    m_interpreter.add(m_journal.commands());
+    m_interpreter.add(m_replies.commands());
     m_interpreter.add({restartCommand()});
+    if (m_options.watches)
+        watchScreens();
 
     auto *watcher = new QDBusServiceWatcher(uiService, session,
                                             QDBusServiceWatcher::WatchForRegistration, this);
     connect(watcher, &QDBusServiceWatcher::serviceRegistered, this, [this] {
+        m_uiHasBeenUp = true;
         uiSettled(
             Outcome::Done,
             QStringLiteral("The call UI is on the bus after %1 ms.").arg(m_sinceUiStart.elapsed()));
@@ -113,7 +128,6 @@ void Handset::startServices(const QDBusConnection &session)
                 "The call UI is not on the bus yet; its screens may lack a ParleyUiAdaptor."));
     });
     m_uiPatience.setSingleShot(true);
-    m_uiPatience.setInterval(uiPatience);
 
     placeCatalogue();
     m_services->start([this] {
@@ -139,14 +153,16 @@ void Handset::startUi(const Finish &finish)
     m_ui = std::make_unique<UiProcess>(
         UiProcess::World{m_sessionBus.address(), m_systemBus.address(), m_folder.path()});
     connect(m_ui.get(), &UiProcess::logged, this, &Handset::recordLog);
-    connect(m_ui.get(), &UiProcess::ended, this, &Handset::partDied);
+    connect(m_ui.get(), &UiProcess::ended, this, &Handset::uiDied);
 
-    m_uiPatience.start();
+    m_qmlErrors.clear();
+    m_uiPatience.start(uiPatience);
     m_sinceUiStart.start();
     QStringList command = m_sandbox.wrap({m_options.uiProgram, QStringLiteral("-prestart"),
                                           QStringLiteral("-qml"), m_options.qmlFile});
     const QString program = command.takeFirst();
     m_ui->start(program, command);
+    Q_EMIT uiStarting();
 }
 
 void Handset::uiSettled(Outcome outcome, const QString &text)
@@ -169,13 +185,39 @@ Command Handset::restartCommand()
             }};
 }
 
+void Handset::watchScreens()
+{
+    const QString folder = QFileInfo(m_options.qmlFile).absolutePath();
+    auto *watch = new FolderWatch(folder, this);
+    connect(watch, &FolderWatch::changed, this,
+            [this] { m_interpreter.enqueue(QStringLiteral("restart")); });
+}
+
 void Handset::recordLog(const QString &line)
 {
+    if (m_qmlErrors.read(line) && m_uiFinish
+        && m_uiPatience.remainingTimeAsDuration() > uiPatienceWithError)
+        m_uiPatience.start(uiPatienceWithError);
     const QLatin1String fromScreens("qml: ");
     if (line.startsWith(fromScreens))
         m_transcript.record(QStringLiteral("ui"), line.mid(fromScreens.size()));
     else
         m_transcript.record(QStringLiteral("ui log"), line);
+}
+
+/// A user can start it again, a script cannot go on.
+void Handset::uiDied(const QString &how)
+{
+    const bool isUsed = m_uiHasBeenUp || m_options.hasPanel || m_options.watches;
+    if (!isUsed || m_options.atFailure == Interpreter::AtFailure::Stop) {
+        partDied(how);
+        return;
+    }
+    m_transcript.say(how);
+    m_transcript.say(QStringLiteral("The command \"restart\" starts it again."));
+    Q_EMIT uiEnded(how);
+    if (m_uiFinish)
+        uiSettled(Outcome::Failed, QStringLiteral("it has not come up"));
 }
 
 void Handset::partDied(const QString &what)

@@ -5,7 +5,10 @@
 
 #include "canopy.h"
 #include "interpreter.h"
+#include "journal.h"
 #include "privatebus.h"
+#include "qmlerrors.h"
+#include "quickreplies.h"
 #include "sandbox.h"
 #include "services.h"
 #include "transcript.h"
@@ -31,6 +34,8 @@ public:
         QString catalogueFolder; ///< Of the call UI's texts.
         QString stateFolder; ///< Keeps what outlives the session; empty to keep nothing.
         Interpreter::AtFailure atFailure = Interpreter::AtFailure::GoOn;
+        bool hasPanel = false; ///< Its user can start again what has not started.
+        bool watches = false; ///< Starts the call UI again when its QML code changes.
     };
 
     explicit Handset(const Options &options, QObject *parent = nullptr);
@@ -43,7 +48,18 @@ public:
     /// Takes command lines, from now on.
     Interpreter &interpreter() { return m_interpreter; }
 
+    const Transcript &transcript() const { return m_transcript; }
+    /// Null before start().
+    Services *services() { return m_services.get(); }
+    QmlErrors &qmlErrors() { return m_qmlErrors; }
+    Journal *journal() { return &m_journal; }
+    QString repliesPath() const { return m_replies.filePath(); }
+
 Q_SIGNALS:
+    /// The call UI is started, for the first time or again.
+    void uiStarting();
+    /// The call UI has ended without being asked to, and the handset goes on; \a how is a sentence.
+    void uiEnded(const QString &how);
     /// The commands are through, or a part of the handset has gone without being asked to.
     void ended(bool succeeded);
 
@@ -55,7 +71,9 @@ private:
     void startUi(const Finish &finish);
     void uiSettled(Outcome outcome, const QString &text);
     Command restartCommand();
+    void watchScreens();
     void recordLog(const QString &line);
+    void uiDied(const QString &how);
     void partDied(const QString &what);
 
     const Options m_options;
@@ -64,11 +82,15 @@ private:
     QTemporaryDir m_folder;
     PrivateBus m_sessionBus;
     PrivateBus m_systemBus;
+    Journal m_journal;
     std::unique_ptr<Services> m_services;
     std::unique_ptr<Canopy> m_canopy;
     Sandbox m_sandbox; ///< Of the call UI.
+    QuickReplies m_replies;
     std::unique_ptr<UiProcess> m_ui;
+    QmlErrors m_qmlErrors;
     QElapsedTimer m_sinceUiStart;
     QTimer m_uiPatience;
+    bool m_uiHasBeenUp = false;
     Finish m_uiFinish; ///< Of a start of the call UI that is under way.
 };

@@ -4,6 +4,7 @@
 #include "interpreter.h"
 
 #include "transcript.h"
+#include "words.h"
 
 #include <QRegularExpression>
 
@@ -20,16 +21,6 @@ bool reads(const QString &line, const QString &pattern)
     return QRegularExpression(QRegularExpression::anchoredPattern(expression))
         .match(line)
         .hasMatch();
-}
-
-/// Words between blanks; blanks within double quotes belong to the word.
-QStringList wordsOf(const QString &line)
-{
-    static const QRegularExpression word(QStringLiteral(R"((?:[^\s"]|"[^"]*"?)+)"));
-    QStringList words;
-    for (auto match = word.globalMatch(line); match.hasNext();)
-        words.append(match.next().captured().remove(QLatin1Char('"')));
-    return words;
 }
 
 /// The name's words.
@@ -150,7 +141,7 @@ void Interpreter::run(const QString &line)
 
     m_transcript.beginCommand(line);
     m_lastWasSkipped = false;
-    QStringList arguments = wordsOf(line);
+    QStringList arguments = splitWords(line);
     const auto command =
         std::find_if(m_commands.cbegin(), m_commands.cend(),
                      [&arguments](const Command &one) { return isNamed(one, arguments); });

@@ -16,8 +16,8 @@ class Transcript;
 
 /// Runs command lines one after another.
 ///
-/// A line is a command's name and its arguments, separated by blanks, with double quotes around an
-/// argument that has blanks itself. A line that begins with '#' is a remark and is printed.
+/// A line is a command's name and its arguments, words as splitWords() finds them. A line that
+/// begins with '#' is a remark and is printed.
 /// Of its own the interpreter has "help", "quit" and "expect TEXT". The last waits until a line
 /// that reads TEXT ('*' stands for anything) has been recorded since the last command before it.
 class Interpreter : public QObject

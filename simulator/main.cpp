@@ -3,13 +3,15 @@
 
 #include "handset.h"
 #include "linereader.h"
+#include "panel.h"
 #include "service.h"
 #include "terminationsignals.h"
 
 #include <QCommandLineParser>
-#include <QCoreApplication>
 #include <QFile>
+#include <QGuiApplication>
 
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 
@@ -24,7 +26,26 @@ struct Arguments
     QString service; ///< The one to be run instead of a handset; empty for none.
 };
 
-Arguments parse(const QCoreApplication &application)
+/// Asked before there is an application, because it decides which one there is.
+bool wantsPanel(int argc, char *argv[])
+{
+    const auto forbids = [](const QByteArray &argument) {
+        return argument == "--no-panel" || argument == "--service" || argument == "--help"
+            || argument == "-h";
+    };
+    const auto isSet = [](const char *variable) { return !qEnvironmentVariableIsEmpty(variable); };
+    return std::none_of(argv, argv + argc, forbids)
+        && (isSet("DISPLAY") || isSet("WAYLAND_DISPLAY") || isSet("QT_QPA_PLATFORM"));
+}
+
+std::unique_ptr<QCoreApplication> makeApplication(bool hasPanel, int &argc, char *argv[])
+{
+    if (hasPanel)
+        return std::make_unique<QGuiApplication>(argc, argv);
+    return std::make_unique<QCoreApplication>(argc, argv);
+}
+
+Arguments parse(const QCoreApplication &application, bool hasPanel)
 {
     const QCommandLineOption ui(QStringLiteral("ui"), QStringLiteral("The call UI to run."),
                                 QStringLiteral("program"), QStringLiteral(PARLEY_UI));
@@ -44,6 +65,12 @@ Arguments parse(const QCoreApplication &application)
         QStringLiteral("folder"));
     const QCommandLineOption qml(QStringLiteral("qml"), QStringLiteral("The screens to show."),
                                  QStringLiteral("file"), QStringLiteral(PARLEY_DEMO_QML));
+    const QCommandLineOption watch(
+        QStringLiteral("watch"),
+        QStringLiteral("Starts the call UI again when QML code in the screens' folder changes."));
+    const QCommandLineOption noPanel(
+        QStringLiteral("no-panel"),
+        QStringLiteral("Opens no control panel; without a display there is none anyway."));
     QCommandLineOption service(QStringLiteral("service"), QString(), QStringLiteral("name"));
     service.setFlags(QCommandLineOption::HiddenFromHelp);
 
@@ -51,9 +78,10 @@ Arguments parse(const QCoreApplication &application)
     parser.setApplicationDescription(
         QStringLiteral("A handset on a desktop: runs the call UI with the demo screens on private "
                        "buses, and takes commands\n"
-                       "from standard input. The command \"help\" lists them."));
+                       "from standard input and from its control panel. The command \"help\" lists "
+                       "them."));
     parser.addHelpOption();
-    parser.addOptions({ui, qml, script, tour, state, service});
+    parser.addOptions({ui, qml, watch, script, tour, state, noPanel, service});
     parser.process(application);
 
     Arguments arguments;
@@ -61,6 +89,8 @@ Arguments parse(const QCoreApplication &application)
     arguments.handset.catalogueFolder = QStringLiteral(PARLEY_TRANSLATIONS);
     arguments.handset.qmlFile = parser.value(qml);
     arguments.handset.stateFolder = parser.value(state);
+    arguments.handset.hasPanel = hasPanel;
+    arguments.handset.watches = parser.isSet(watch);
     arguments.service = parser.value(service);
     arguments.script = parser.isSet(tour) ? QStringLiteral(PARLEY_TOUR) : parser.value(script);
     if (!arguments.script.isEmpty())
@@ -72,17 +102,23 @@ Arguments parse(const QCoreApplication &application)
 
 int main(int argc, char *argv[])
 {
-    const QCoreApplication application(argc, argv);
-    const Arguments arguments = parse(application);
+    const bool hasPanel = wantsPanel(argc, argv);
+    if (hasPanel) {
+        TerminationSignals::block();
+        Panel::prepare();
+    }
+    const auto application = makeApplication(hasPanel, argc, argv);
+    const Arguments arguments = parse(*application, hasPanel);
     if (!arguments.service.isEmpty())
         return runService(arguments.service, arguments.handset.stateFolder);
 
     TerminationSignals terminationSignals;
-    QObject::connect(&terminationSignals, &TerminationSignals::received, &application,
+    QObject::connect(&terminationSignals, &TerminationSignals::received, application.get(),
                      [](int signal) { QCoreApplication::exit(128 + signal); });
 
+    const bool isScripted = !arguments.script.isEmpty();
     QFile script(arguments.script);
-    if (!arguments.script.isEmpty() && !script.open(QIODevice::ReadOnly)) {
+    if (isScripted && !script.open(QIODevice::ReadOnly)) {
         std::fprintf(stderr, "%s: %s\n", qUtf8Printable(arguments.script),
                      qUtf8Printable(script.errorString()));
         return EXIT_FAILURE;
@@ -91,11 +127,22 @@ int main(int argc, char *argv[])
     Handset handset(arguments.handset);
     LineReader lines(script.isOpen() ? script.handle() : STDIN_FILENO);
     QObject::connect(&lines, &LineReader::lineRead, &handset.interpreter(), &Interpreter::enqueue);
-    QObject::connect(&lines, &LineReader::ended, &handset.interpreter(), &Interpreter::endInput);
+    // Without standard input there is still the panel.
+    if (isScripted || !hasPanel)
+        QObject::connect(&lines, &LineReader::ended, &handset.interpreter(),
+                         &Interpreter::endInput);
     const auto end = [](bool succeeded) {
         QCoreApplication::exit(succeeded ? EXIT_SUCCESS : EXIT_FAILURE);
     };
     // Queued: it may come before there is an event loop to leave.
-    QObject::connect(&handset, &Handset::ended, &application, end, Qt::QueuedConnection);
-    return handset.start() ? QCoreApplication::exec() : EXIT_FAILURE;
+    QObject::connect(&handset, &Handset::ended, application.get(), end, Qt::QueuedConnection);
+    if (!handset.start())
+        return EXIT_FAILURE;
+
+    std::unique_ptr<Panel> panel;
+    if (hasPanel)
+        panel = std::make_unique<Panel>(handset);
+    if (hasPanel && !isScripted)
+        handset.interpreter().enqueue(QStringLiteral("show"));
+    return QCoreApplication::exec();
 }

@@ -42,12 +42,39 @@ QString describe(uint reason)
     }
 }
 
+/// Names and labels stand in turn.
+QStringList furtherActions(const QStringList &actions)
+{
+    QStringList names;
+    for (int i = 0; i < actions.size(); i += 2) {
+        if (actions.at(i) != QLatin1String("default"))
+            names.append(actions.at(i));
+    }
+    return names;
+}
+
+QVariantList itemsOf(const QVariantList &values)
+{
+    QVariantList items;
+    const auto all = qdbus_cast<NotificationList>(values.value(0));
+    for (const NotificationData &data : all)
+        items.append(QVariantMap{{QStringLiteral("id"), data.id},
+                                 {QStringLiteral("application"), data.appName},
+                                 {QStringLiteral("summary"), data.summary},
+                                 {QStringLiteral("body"), data.body},
+                                 {QStringLiteral("actions"), furtherActions(data.actions)}});
+    return items;
+}
+
 } // namespace
 
 Notifications::Notifications(QDBusConnection sessionBus, Transcript &transcript, QObject *parent)
     : QObject(parent)
     , m_bus(std::move(sessionBus))
     , m_transcript(transcript)
+    , m_list(m_bus,
+             {QDBusMessage::createMethodCall(service, path, control, QStringLiteral("List")),
+              QStringLiteral("a(susssasa{sv}i)"), itemsOf})
 {
     qDBusRegisterMetaType<NotificationData>();
     m_bus.connect(service, path, control, QStringLiteral("Shown"), this,
@@ -64,7 +91,7 @@ QVector<Command> Notifications::commands()
         {QStringLiteral("notifications"),
          {},
          QStringLiteral("list the notifications: id, application, summary, body"),
-         [this](const QStringList &, const Finish &finish) { list(finish); }},
+         [this](const QStringList &, const Finish &finish) { print(finish); }},
         {QStringLiteral("click"),
          {QStringLiteral("ID"), QStringLiteral("[ACTION]")},
          QStringLiteral("choose an action of a notification, or its default one"),
@@ -85,6 +112,7 @@ void Notifications::shown(uint id, const QString &summary, const QString &body)
 {
     record(QStringLiteral("%1 shown: %2: %3")
                .arg(QString::number(id), summary.simplified(), body.simplified()));
+    m_list.refresh();
 }
 
 void Notifications::chosen(uint id, const QString &action)
@@ -95,9 +123,10 @@ void Notifications::chosen(uint id, const QString &action)
 void Notifications::closed(uint id, uint reason)
 {
     record(QStringLiteral("%1 closed (%2)").arg(QString::number(id), describe(reason)));
+    m_list.refresh();
 }
 
-void Notifications::list(const Finish &finish)
+void Notifications::print(const Finish &finish)
 {
     const QDBusMessage call =
         QDBusMessage::createMethodCall(service, path, control, QStringLiteral("List"));

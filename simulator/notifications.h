@@ -4,6 +4,7 @@
 #pragma once
 
 #include "command.h"
+#include "servicelist.h"
 
 #include <QDBusConnection>
 #include <QObject>
@@ -22,16 +23,21 @@ public:
 
     QVector<Command> commands();
 
+    /// The notifications: maps with "id", "application", "summary", "body" and "actions", a list of
+    /// the names of actions besides the default one.
+    ServiceList *list() { return &m_list; }
+
 private Q_SLOTS:
     void shown(uint id, const QString &summary, const QString &body);
     void chosen(uint id, const QString &action);
     void closed(uint id, uint reason);
 
 private:
-    void list(const Finish &finish);
+    void print(const Finish &finish);
     void act(const QString &method, const QVariantList &arguments, const Finish &finish);
     void record(const QString &line);
 
     QDBusConnection m_bus;
     Transcript &m_transcript;
+    ServiceList m_list;
 };

@@ -32,6 +32,7 @@ ServiceProcess::ServiceProcess(Service service, const QDBusConnection &bus,
     connect(&m_process, &QProcess::errorOccurred, this, &ServiceProcess::reportError);
     connect(&m_process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this,
             &ServiceProcess::reportEnd);
+    connect(&m_process, &QProcess::stateChanged, this, [this] { setHung(false); });
     connect(&m_watcher, &QDBusServiceWatcher::serviceRegistered, this,
             [this] { settle(Outcome::Done, QStringLiteral("started")); });
     connect(&m_watcher, &QDBusServiceWatcher::serviceUnregistered, this,
@@ -72,8 +73,9 @@ void ServiceProcess::run(const QString &what, const Finish &finish)
     } else if (what == QLatin1String("stop")) {
         stop(finish);
     } else if (what == QLatin1String("hang") || what == QLatin1String("continue")) {
-        ::kill(static_cast<pid_t>(m_process.processId()),
-               what == QLatin1String("hang") ? SIGSTOP : SIGCONT);
+        const bool hangs = what == QLatin1String("hang");
+        ::kill(static_cast<pid_t>(m_process.processId()), hangs ? SIGSTOP : SIGCONT);
+        setHung(hangs);
         finish(Outcome::Done, QStringLiteral("done"));
     } else {
         finish(Outcome::Failed, QStringLiteral("it can stop, start, hang and continue"));
@@ -83,11 +85,26 @@ void ServiceProcess::run(const QString &what, const Finish &finish)
 void ServiceProcess::stop(const Finish &finish)
 {
     m_process.stop();
+    setHung(false);
     m_finish = finish;
     if (m_bus.interface()->isServiceRegistered(m_service.busName))
         m_patience.start();
     else
         settle(Outcome::Done, QStringLiteral("stopped"));
+}
+
+QString ServiceProcess::state() const
+{
+    if (m_process.state() == QProcess::NotRunning)
+        return QStringLiteral("stopped");
+    return m_isHung ? QStringLiteral("hung") : QStringLiteral("running");
+}
+
+/// Of a process that has started or ended anew, too.
+void ServiceProcess::setHung(bool hung)
+{
+    m_isHung = hung;
+    Q_EMIT stateChanged();
 }
 
 void ServiceProcess::settle(Outcome outcome, const QString &text)

@@ -15,6 +15,9 @@
 class ServiceProcess : public QObject
 {
     Q_OBJECT
+    Q_PROPERTY(QString name READ name CONSTANT)
+    /// "running", "stopped" or "hung" (by its command).
+    Q_PROPERTY(QString state READ state NOTIFY stateChanged)
 
 public:
     struct Service
@@ -31,6 +34,9 @@ public:
     /// Starts it; \a finish is called when it is up, or is not going to be.
     void start(const Finish &finish);
 
+    QString name() const { return m_service.name; }
+    QString state() const;
+
     /// What can be done to it.
     Command command();
 
@@ -39,10 +45,12 @@ Q_SIGNALS:
     void logged(const QString &line);
     /// It has ended without being asked to; \a how goes on after its name.
     void ended(const QString &how);
+    void stateChanged();
 
 private:
     void run(const QString &what, const Finish &finish);
     void stop(const Finish &finish);
+    void setHung(bool hung);
     void settle(Outcome outcome, const QString &text);
     void emitLines();
     void reportError(QProcess::ProcessError error);
@@ -53,5 +61,6 @@ private:
     ChildProcess m_process;
     QDBusServiceWatcher m_watcher;
     QTimer m_patience;
+    bool m_isHung = false;
     Finish m_finish; ///< Of a start or a stop that is under way.
 };

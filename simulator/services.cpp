@@ -84,6 +84,13 @@ QVector<Command> Services::commands()
     return all;
 }
 
+void Services::follow()
+{
+    for (ServiceList *list : {m_alarms.list(), m_notifications.list(), m_sims.list(),
+                              m_rules.dialList(), m_rules.incomingList()})
+        list->follow();
+}
+
 void Services::callHistoryLaunched(const QStringList &arguments)
 {
     m_transcript.record(QStringLiteral("call history"),

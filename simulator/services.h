@@ -43,6 +43,15 @@ public:
     /// What can be done with and to them.
     QVector<Command> commands();
 
+    /// Keeps the lists of what the services have from now on.
+    void follow();
+
+    Alarms &alarms() { return m_alarms; }
+    Notifications &notifications() { return m_notifications; }
+    Sims &sims() { return m_sims; }
+    CallRules &rules() { return m_rules; }
+    const std::vector<std::unique_ptr<ServiceProcess>> &processes() const { return m_processes; }
+
 private Q_SLOTS:
     void callHistoryLaunched(const QStringList &arguments);
 

@@ -25,12 +25,26 @@ QString describe(const QString &modem, const Sim &sim)
     return parts.join(QLatin1String(", "));
 }
 
+QVariantList itemsOf(const QVariantList &values)
+{
+    QVariantList items;
+    const auto sims = qdbus_cast<SimsByModem>(values.value(0));
+    for (auto it = sims.cbegin(); it != sims.cend(); ++it)
+        items.append(QVariantMap{{QStringLiteral("modem"), it.key()},
+                                 {QStringLiteral("imsi"), it->imsi},
+                                 {QStringLiteral("locked"), it->locked}});
+    return items;
+}
+
 } // namespace
 
 Sims::Sims(QDBusConnection systemBus, Transcript &transcript, QObject *parent)
     : QObject(parent)
     , m_bus(std::move(systemBus))
     , m_transcript(transcript)
+    , m_list(m_bus,
+             {QDBusMessage::createMethodCall(service, path, control, QStringLiteral("ListSims")),
+              QStringLiteral("a{s(sb)}"), itemsOf})
 {
     registerSimTypes();
     const auto follow = [this](const char *signal, const char *slot) {
@@ -55,7 +69,7 @@ QVector<Command> Sims::commands()
         {QStringLiteral("sims"),
          {},
          QStringLiteral("list the modems and their SIMs"),
-         [this](const QStringList &, const Finish &finish) { list(finish); }},
+         [this](const QStringList &, const Finish &finish) { print(finish); }},
         {QStringLiteral("sim insert"),
          {QStringLiteral("IMSI"), QStringLiteral("[MODEM]")},
          QStringLiteral("insert a SIM, into the first modem without one or the one that is named"),
@@ -80,34 +94,40 @@ QVector<Command> Sims::commands()
 void Sims::modemAdded(const QString &modem)
 {
     record(QStringLiteral("modem %1 is added").arg(modem));
+    m_list.refresh();
 }
 
 void Sims::modemRemoved(const QString &modem)
 {
     record(QStringLiteral("modem %1 is removed").arg(modem));
+    m_list.refresh();
 }
 
 void Sims::inserted(const QString &modem, const QString &imsi)
 {
     record(QStringLiteral("SIM %1 is in %2").arg(imsi, modem));
+    m_list.refresh();
 }
 
 void Sims::removed(const QString &modem)
 {
     record(QStringLiteral("no SIM is in %1").arg(modem));
+    m_list.refresh();
 }
 
 void Sims::locked(const QString &modem)
 {
     record(QStringLiteral("the SIM in %1 is locked").arg(modem));
+    m_list.refresh();
 }
 
 void Sims::unlocked(const QString &modem)
 {
     record(QStringLiteral("the SIM in %1 is unlocked").arg(modem));
+    m_list.refresh();
 }
 
-void Sims::list(const Finish &finish)
+void Sims::print(const Finish &finish)
 {
     const QDBusMessage call =
         QDBusMessage::createMethodCall(service, path, control, QStringLiteral("ListSims"));

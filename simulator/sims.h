@@ -4,6 +4,7 @@
 #pragma once
 
 #include "command.h"
+#include "servicelist.h"
 
 #include <QDBusConnection>
 #include <QObject>
@@ -23,6 +24,9 @@ public:
 
     QVector<Command> commands();
 
+    /// The modems: maps with "modem" (path), "imsi" (empty without a SIM) and "locked".
+    ServiceList *list() { return &m_list; }
+
 private Q_SLOTS:
     void modemAdded(const QString &modem);
     void modemRemoved(const QString &modem);
@@ -32,11 +36,12 @@ private Q_SLOTS:
     void unlocked(const QString &modem);
 
 private:
-    void list(const Finish &finish);
+    void print(const Finish &finish);
     void insert(const QString &imsi, const QString &modem, const Finish &finish);
     void act(const QString &method, const QString &modem, const Finish &finish);
     void record(const QString &line);
 
     QDBusConnection m_bus;
     Transcript &m_transcript;
+    ServiceList m_list;
 };

@@ -27,7 +27,7 @@ TerminationSignals::TerminationSignals(QObject *parent)
     : QObject(parent)
 {
     const sigset_t set = terminationSet();
-    sigprocmask(SIG_BLOCK, &set, nullptr);
+    block();
     m_descriptor = signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK);
 
     auto *notifier = new QSocketNotifier(m_descriptor, QSocketNotifier::Read, this);
@@ -36,6 +36,12 @@ TerminationSignals::TerminationSignals(QObject *parent)
         if (read(m_descriptor, &info, sizeof info) == sizeof info)
             Q_EMIT received(static_cast<int>(info.ssi_signo));
     });
+}
+
+void TerminationSignals::block()
+{
+    const sigset_t set = terminationSet();
+    sigprocmask(SIG_BLOCK, &set, nullptr);
 }
 
 TerminationSignals::~TerminationSignals()

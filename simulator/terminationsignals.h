@@ -15,6 +15,10 @@ public:
     explicit TerminationSignals(QObject *parent = nullptr);
     ~TerminationSignals() override;
 
+    /// Keeps the signals for the object that is made later. To be called before the first thread is
+    /// started, which would take them otherwise.
+    static void block();
+
 Q_SIGNALS:
     void received(int signal);
 

@@ -9,12 +9,14 @@ void Transcript::say(const QString &line)
 {
     std::puts(qUtf8Printable(line));
     std::fflush(stdout);
+    Q_EMIT said(line);
 }
 
 void Transcript::beginCommand(const QString &line)
 {
     m_happened.clear();
     say(QLatin1String("> ") + line);
+    Q_EMIT commandBegun(line);
 }
 
 void Transcript::record(const QString &source, const QString &line)

@@ -29,6 +29,10 @@ public:
 
 Q_SIGNALS:
     void recorded();
+    /// A line is printed.
+    void said(const QString &line);
+    /// A command is started, as \a line.
+    void commandBegun(const QString &line);
 
 private:
     QStringList m_happened;

@@ -93,12 +93,15 @@ void UiProcess::reportError(QProcess::ProcessError error)
         Q_EMIT ended(QStringLiteral("The call UI could not be started: ") + errorString());
 }
 
+/// A sandbox ends with 128 + N where the process within was ended by signal N.
 void UiProcess::reportEnd(int code, QProcess::ExitStatus status)
 {
+    const bool signalledWithin = program() == QLatin1String("bwrap") && code > 128;
+    const bool signalled = status == QProcess::CrashExit || signalledWithin;
     emitLines();
     if (const QByteArray rest = readAll(); !rest.isEmpty())
         Q_EMIT logged(QString::fromUtf8(rest));
-    Q_EMIT ended(status == QProcess::CrashExit
-                     ? QStringLiteral("The call UI was ended by signal %1").arg(code)
-                     : QStringLiteral("The call UI has ended with status %1").arg(code));
+    Q_EMIT ended(signalled ? QStringLiteral("The call UI was ended by signal %1")
+                                 .arg(signalledWithin ? code - 128 : code)
+                           : QStringLiteral("The call UI has ended with status %1").arg(code));
 }

@@ -9,11 +9,15 @@
 #include <QDBusMessage>
 #include <QDir>
 #include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
 #include <QProcess>
 #include <QRegularExpression>
+#include <QSaveFile>
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <algorithm>
 #include <csignal>
 #include <initializer_list>
 #include <memory>
@@ -81,6 +85,19 @@ private Q_SLOTS:
     void failsWhereAnAnswerIsOfAnotherForm_data();
     void failsWhereAnAnswerIsOfAnotherForm();
     void goesOnWithoutAService();
+    void keepsAJournal();
+    void tellsARefusalInTheJournal();
+    void goesOnWithoutItsJournal();
+    void goesOnWithoutTheUi();
+    void endsAScriptWithoutTheUi();
+    void opensAPanelWhereThereIsADisplay_data();
+    void opensAPanelWhereThereIsADisplay();
+    void opensNoPanelWhereItMayNot();
+    void startsTheUiAgainWhenAScreenChanges();
+    void goesOnWithAScreenThatHasAnError();
+    void showsAndWritesQuickReplies();
+    void opensQuickRepliesInAnEditor();
+    void saysWhyAnEditorDoesNotOpen();
     void endsAScriptAtItsFirstFailure();
     void ignoresTheUsersOwnWorld();
     void listsItsCommands();
@@ -98,7 +115,9 @@ private:
     bool says(const QString &pattern);
     bool ends(int status);
     QString writeScript(const QByteArray &commands);
+    void setVariable(const QString &name, const QString &value);
     pid_t processNamed(const QByteArray &command);
+    void killTheUi();
     pid_t serviceNamed(const QByteArray &service);
     void hasLeftAFolderOnly();
 
@@ -122,6 +141,7 @@ void TestHandset::init()
     environment.insert(u"TMPDIR"_s, m_folder->path());
     environment.remove(u"DISPLAY"_s);
     environment.remove(u"WAYLAND_DISPLAY"_s);
+    environment.remove(u"QT_QPA_PLATFORM"_s);
     m_handset->setProcessEnvironment(environment);
     m_handset->setProcessChannelMode(QProcess::MergedChannels);
 }
@@ -171,6 +191,14 @@ QString TestHandset::writeScript(const QByteArray &commands)
         : QString();
 }
 
+/// Of the handset's environment.
+void TestHandset::setVariable(const QString &name, const QString &value)
+{
+    QProcessEnvironment environment = m_handset->processEnvironment();
+    environment.insert(name, value);
+    m_handset->setProcessEnvironment(environment);
+}
+
 /// The process that was started with \a command, a part of its command line; 0 if there is none.
 pid_t TestHandset::processNamed(const QByteArray &command)
 {
@@ -180,6 +208,18 @@ pid_t TestHandset::processNamed(const QByteArray &command)
             return process;
     }
     return 0;
+}
+
+/// The process itself, within the sandbox.
+void TestHandset::killTheUi()
+{
+    const QList<pid_t> processes = processesMarked(m_mark);
+    const auto isUi = [](pid_t process) {
+        return QFile::symLinkTarget(u"/proc/%1/exe"_s.arg(process)).endsWith(u"/parley-ui"_s);
+    };
+    const auto ui = std::find_if(processes.cbegin(), processes.cend(), isUi);
+    QVERIFY(ui != processes.cend());
+    QCOMPARE(kill(*ui, SIGKILL), 0);
 }
 
 pid_t TestHandset::serviceNamed(const QByteArray &service)
@@ -481,6 +521,238 @@ void TestHandset::goesOnWithoutAService()
     QVERIFY(ends(0));
 }
 
+void TestHandset::keepsAJournal()
+{
+    start({u"--script"_s,
+           writeScript(
+               "dial 5551234\nalarms\nsims\njournal\n"
+               "expect *:*:*.* session -> dial(\"5551234\") = true, *.* ms\n"
+               "open remind:5550100?seconds=1000\n"
+               "expect screen: contact 5550100 (reminder)\nexpect 1 shown: *\n"
+               "alarms\nnotifications\n" // answered after what was asked before
+               "journal 100\n"
+               "expect * session -> openUrl([\"remind:5550100?seconds=1000\"]) = done, * ms\n"
+               "expect * system <- add_event((*\"phoneNumber\": \"5550100\"*)) at * = 1, * ms\n"
+               "expect * session <- Notify(\"Phone\", 0, *) at * = 1, * ms\n"
+               "expect * system -> alarm_triggers_changed({1: *}) at *\n"
+               "sim insert 26201 ril_0\nexpect sims: 1\njournal 100\n"
+               "expect * system -> PropertyChanged(\"Present\", true) at /ril_0\n"
+               "expect * system <- GetProperties() at /ril_0 = {*}, * ms\n"
+               "restart\njournal clear\ndial 77\njournal\n"
+               "expect * session -> dial(\"77\") = true, * ms\n")});
+    QVERIFY2(ends(0), qUtf8Printable(m_output.right(800)));
+    for (const QString &control :
+         {u" List("_s, u" ListSims("_s, u" GetNameOwner("_s, u" AddMatch("_s})
+        QVERIFY2(!m_output.contains(control), qUtf8Printable(m_output.right(800)));
+    QVERIFY(!m_output.mid(m_output.indexOf(u"> journal clear"_s)).contains(u"5551234"_s));
+}
+
+void TestHandset::tellsARefusalInTheJournal()
+{
+    if (geteuid() != 0)
+        QSKIP("only root can act as another user");
+    start({u"--script"_s,
+           writeScript("toggle-as 65534 65534\njournal 5\n"
+                       "expect * session -> toggleCall() = "
+                       "org.freedesktop.DBus.Error.AccessDenied: PID * is not in privileged "
+                       "group, * ms\n")});
+    QVERIFY2(ends(0), qUtf8Printable(m_output.right(800)));
+}
+
+void TestHandset::goesOnWithoutItsJournal()
+{
+    start({});
+    QVERIFY(says(u"The call UI is on the bus after .*"_s));
+    for (int buses = 2; buses > 0; --buses) {
+        const pid_t monitor = processNamed("dbus-monitor");
+        QVERIFY(monitor > 0);
+        QCOMPARE(kill(monitor, SIGKILL), 0);
+        QTRY_COMPARE(m_output.count(u"dbus-monitor was ended by signal 9\n"_s), 3 - buses);
+    }
+    QVERIFY(says(u"The journal goes on without the session bus: .*"_s));
+    QVERIFY(says(u"The journal goes on without the system bus: .*"_s));
+    m_handset->write("journal clear\ndial 5551234\njournal\n");
+    m_handset->closeWriteChannel();
+    QVERIFY(ends(0));
+    QVERIFY2(says(u"reply: true \\(.* ms\\)"_s), qUtf8Printable(m_output));
+    QVERIFY2(says(u"reply: the journal is empty"_s), qUtf8Printable(m_output));
+}
+
+void TestHandset::goesOnWithoutTheUi()
+{
+    start({});
+    QVERIFY(says(u"The call UI is on the bus after .*"_s));
+    killTheUi();
+    QVERIFY2(says(u"The call UI was ended by signal 9"_s), qUtf8Printable(m_output));
+    QVERIFY(says(u"The command \"restart\" starts it again\\."_s));
+    m_handset->write("sims\nrestart\ndial 5551234\n");
+    QVERIFY(says(u"sims: /ril_0, no SIM"_s));
+    QVERIFY2(says(u"ui: screen: calling 5551234"_s), qUtf8Printable(m_output));
+    killTheUi();
+    m_handset->write("dial 5\nquit\n");
+    QVERIFY(ends(0));
+    QVERIFY2(says(u"failed: org.freedesktop.DBus.Error.*"_s), qUtf8Printable(m_output));
+}
+
+void TestHandset::endsAScriptWithoutTheUi()
+{
+    start({u"--script"_s, writeScript("show\nexpect never\n")});
+    QVERIFY(says(u"ui: screen: dial pad"_s));
+    killTheUi();
+    QVERIFY2(ends(1), qUtf8Printable(m_output));
+    QVERIFY(says(u"The call UI was ended by signal 9"_s));
+}
+
+void TestHandset::opensAPanelWhereThereIsADisplay_data()
+{
+    QTest::addColumn<bool>("killsTheUi");
+    QTest::addColumn<int>("signal");
+
+    QTest::newRow("SIGINT") << false << SIGINT;
+    QTest::newRow("SIGTERM") << false << SIGTERM;
+    QTest::newRow("SIGHUP") << false << SIGHUP;
+    QTest::newRow("SIGINT after the UI was killed") << true << SIGINT;
+}
+
+/// It shows the phone, and goes on without standard input.
+void TestHandset::opensAPanelWhereThereIsADisplay()
+{
+    QFETCH(bool, killsTheUi);
+    QFETCH(int, signal);
+
+    const QTemporaryDir runtimeFolder; // as a display comes with one
+    setVariable(u"XDG_RUNTIME_DIR"_s, runtimeFolder.path());
+    setVariable(u"LSAN_OPTIONS"_s, QStringLiteral(PARLEY_OFFSCREEN_LEAKS));
+    setVariable(u"QT_QPA_PLATFORM"_s, u"offscreen"_s);
+    start({});
+    m_handset->closeWriteChannel();
+    QVERIFY(says(u"> show"_s));
+    QVERIFY2(says(u"ui: screen: dial pad"_s), qUtf8Printable(m_output));
+    if (killsTheUi) {
+        killTheUi();
+        QVERIFY(says(u"The command \"restart\" starts it again\\."_s));
+    }
+    QCOMPARE(kill(static_cast<pid_t>(m_handset->processId()), signal), 0);
+    QVERIFY2(ends(128 + signal), qUtf8Printable(m_output));
+    QVERIFY2(!m_output.contains(u"qrc:"_s), qUtf8Printable(m_output));
+}
+
+void TestHandset::opensNoPanelWhereItMayNot()
+{
+    setVariable(u"QT_QPA_PLATFORM"_s, u"nonexistent"_s);
+    start({u"--no-panel"_s});
+    QVERIFY(says(u"The call UI is on the bus after .*"_s));
+    m_handset->closeWriteChannel();
+    QVERIFY(ends(0));
+    QVERIFY(!m_output.contains(u"> show"_s));
+}
+
+void TestHandset::startsTheUiAgainWhenAScreenChanges()
+{
+    QDir folder(m_folder->filePath(u"screens"_s));
+    QVERIFY(folder.mkpath(u"deeper"_s));
+    const auto write = [&folder](const QString &name, const QByteArray &content) {
+        QSaveFile file(folder.filePath(name));
+        return file.open(QIODevice::WriteOnly) && file.write(content) > 0 && file.commit();
+    };
+    const QByteArray screens = "import QtQuick 2.15\nimport com.nimbo.parley 1.0\n"
+                               "Item { Loader { source: 'deeper/Part.qml' } ParleyUiAdaptor {} }\n";
+    QVERIFY(write(u"main.qml"_s, screens));
+    QVERIFY(write(u"deeper/Part.qml"_s,
+                  "import QtQml 2.15\nQtObject { Component.onCompleted: console.info('one') }\n"));
+    start({u"--qml"_s, folder.filePath(u"main.qml"_s), u"--watch"_s});
+    QVERIFY(says(u"ui: one"_s));
+    QVERIFY(says(u"The call UI is on the bus after .*"_s));
+
+    QVERIFY(write(u"notes.txt"_s, "no code"));
+    QVERIFY(write(u"deeper/Part.qml"_s,
+                  "import QtQml 2.15\nQtObject { Component.onCompleted: console.info('two') }\n"));
+    QVERIFY2(says(u"ui: two"_s), qUtf8Printable(m_output));
+    // Once more: what has taken the place of a watched file is watched.
+    QVERIFY(
+        write(u"deeper/Part.qml"_s,
+              "import QtQml 2.15\nQtObject { Component.onCompleted: console.info('three') }\n"));
+    QVERIFY2(says(u"ui: three"_s), qUtf8Printable(m_output));
+    QTRY_COMPARE_WITH_TIMEOUT(m_output.count(u"reply: The call UI is on the bus"_s), 2, 30000);
+
+    // Files that come and go, in a folder that was not there at the start.
+    QVERIFY(folder.mkpath(u"new"_s));
+    QVERIFY(write(u"new/More.js"_s, "var more = 1;\n"));
+    QTRY_COMPARE_WITH_TIMEOUT(m_output.count(u"reply: The call UI is on the bus"_s), 3, 30000);
+    QVERIFY(folder.remove(u"new/More.js"_s));
+    QTRY_COMPARE_WITH_TIMEOUT(m_output.count(u"reply: The call UI is on the bus"_s), 4, 30000);
+    QCOMPARE(m_output.count(u"> restart"_s), 4);
+    m_handset->closeWriteChannel();
+    const bool succeeded = ends(0);
+    QVERIFY(folder.removeRecursively());
+    QVERIFY2(succeeded, qUtf8Printable(m_output));
+}
+
+/// It does not come up, and does once the error is mended.
+void TestHandset::goesOnWithAScreenThatHasAnError()
+{
+    QDir folder(m_folder->filePath(u"screens"_s));
+    QVERIFY(folder.mkpath(u"."_s));
+    QFile screens(folder.filePath(u"main.qml"_s));
+    const auto write = [&screens](const QByteArray &content) {
+        return screens.open(QIODevice::WriteOnly) && screens.write(content) == content.size()
+            && (screens.close(), true);
+    };
+    QVERIFY(write("import QtQuick 2.15\nItem { bogus }\n"));
+    start({u"--qml"_s, screens.fileName(), u"--watch"_s});
+    QVERIFY2(says(u"The call UI is not on the bus yet; .*"_s), qUtf8Printable(m_output));
+    QVERIFY(says(u"ui log: file://.*/main\\.qml:2:\\d+: .*"_s));
+    QVERIFY(write("import QtQuick 2.15\nimport com.nimbo.parley 1.0\n"
+                  "Item { ParleyUiAdaptor {} }\n"));
+    QVERIFY2(says(u"reply: The call UI is on the bus after .*"_s), qUtf8Printable(m_output));
+    m_handset->closeWriteChannel();
+    const bool succeeded = ends(0);
+    QVERIFY(folder.removeRecursively());
+    QVERIFY2(succeeded, qUtf8Printable(m_output));
+}
+
+void TestHandset::showsAndWritesQuickReplies()
+{
+    start({u"--script"_s,
+           writeScript(
+               "replies\nexpect */home/.local/share/system/privileged/Phone/quick-replies.json\n"
+               "expect there is no such file; the defaults are shown\n"
+               "replies write \"On my way\" \"Who is \\\"Ada\\\"?\" \"\"\n"
+               "replies\nexpect *\"On my way\",\nexpect *\"Who is \\\"Ada\\\"?\",\n"
+               "expect *\"\"\nreplies write\nreplies\nexpect [\nexpect ]\n")});
+    QVERIFY2(ends(0), qUtf8Printable(m_output));
+}
+
+/// The editor here is a program that copies the file to where the test sees it.
+void TestHandset::opensQuickRepliesInAnEditor()
+{
+    setVariable(u"VISUAL"_s, u"cp -t %1"_s.arg(m_folder->path()));
+    setVariable(u"EDITOR"_s, u"/nonexistent"_s);
+    start({});
+    QVERIFY(says(u"The call UI is on the bus after .*"_s));
+    m_handset->write("replies edit\n");
+    QVERIFY2(says(u"reply: opened with cp"_s), qUtf8Printable(m_output));
+    QFile edited(m_folder->filePath(u"quick-replies.json"_s));
+    QTRY_VERIFY(edited.size() > 0);
+    QVERIFY(edited.open(QIODevice::ReadOnly));
+    QTRY_COMPARE(
+        QJsonDocument::fromJson((edited.seek(0), edited.readAll())).array(),
+        QJsonArray({u"parley-me-please_call_later"_s, u"parley-me-cant_talk_at_the_moment"_s,
+                    u"parley-me-will_call_back"_s}));
+    QVERIFY(edited.remove());
+    m_handset->closeWriteChannel();
+    QVERIFY(ends(0));
+}
+
+void TestHandset::saysWhyAnEditorDoesNotOpen()
+{
+    setVariable(u"VISUAL"_s, QString());
+    setVariable(u"EDITOR"_s, u"/nonexistent --wait"_s);
+    start({u"--script"_s, writeScript("replies edit\n")});
+    QVERIFY(ends(1));
+    QVERIFY2(says(u"failed: /nonexistent cannot be started"_s), qUtf8Printable(m_output));
+}
+
 void TestHandset::endsAScriptAtItsFirstFailure()
 {
     start({u"--script"_s, writeScript("show\nbogus\ndial 1\n")});
@@ -531,6 +803,11 @@ void TestHandset::listsItsCommands()
                                    u"rules"_s,
                                    u"rule dial\\|incoming IMSI ACTION"_s,
                                    u"default dial\\|incoming ACTION"_s,
+                                   u"replies"_s,
+                                   u"replies edit"_s,
+                                   u"replies write \\[TEXT\\.\\.\\.\\]"_s,
+                                   u"journal clear"_s,
+                                   u"journal \\[COUNT\\]"_s,
                                    u"restart"_s,
                                    u"time-daemon stop\\|start\\|hang\\|continue"_s,
                                    u"notification-service stop\\|start\\|hang\\|continue"_s,
@@ -585,8 +862,6 @@ void TestHandset::leavesNothingBehind_data()
     QTest::newRow("SIGTERM") << handset << SIGTERM << 128 + SIGTERM << QString();
     QTest::newRow("SIGQUIT") << handset << SIGQUIT << 128 + SIGQUIT << QString();
     QTest::newRow("SIGHUP") << handset << SIGHUP << 128 + SIGHUP << QString();
-    QTest::newRow("the UI killed")
-        << QByteArray("parley-ui") << SIGKILL << 1 << u"The call UI was ended by signal 9"_s;
     QTest::newRow("the session bus killed")
         << QByteArray("/session.conf") << SIGKILL << 1 << u"The session bus has ended"_s;
     QTest::newRow("the system bus killed")

@@ -5,6 +5,7 @@
 #include "literals.h"
 #include "messagelog.h"
 #include "transcript.h"
+#include "words.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -24,6 +25,9 @@ private Q_SLOTS:
     void waitsForACommandToEnd();
     void splitsArguments_data();
     void splitsArguments();
+    void joinsWords_data();
+    void joinsWords();
+    void makesOneLineOfSeveral();
     void countsArguments_data();
     void countsArguments();
     void goesOnAfterAFailureOrStops_data();
@@ -129,6 +133,12 @@ void TestInterpreter::splitsArguments_data()
     QTest::newRow("quotes") << u"do \"a b\" c"_s << QStringList{u"a b"_s, u"c"_s};
     QTest::newRow("empty") << u"do \"\" c"_s << QStringList{QString(), u"c"_s};
     QTest::newRow("name of two words") << u"of  words words"_s << QStringList{u"words"_s};
+    QTest::newRow("escapes") << u"do \"say \\\"hi\\\" \\\\ \\n\""_s
+                             << QStringList{u"say \"hi\" \\ \\n"_s};
+    QTest::newRow("backslash outside of quotes")
+        << u"do a\\b \\\"c d\""_s << QStringList{u"a\\b"_s, u"\\c d"_s};
+    QTest::newRow("quotes not closed") << u"do \"a b"_s << QStringList{u"a b"_s};
+    QTest::newRow("backslash at the end") << u"do \"a\\"_s << QStringList{u"a\\"_s};
     QTest::newRow("number sign") << u"do *#06#"_s << QStringList{u"*#06#"_s};
 }
 
@@ -139,6 +149,34 @@ void TestInterpreter::splitsArguments()
 
     QVERIFY(run({line}));
     QCOMPARE(m_called, QVector<QStringList>{arguments});
+}
+
+void TestInterpreter::joinsWords_data()
+{
+    QTest::addColumn<QStringList>("words");
+    QTest::addColumn<QString>("line");
+
+    QTest::newRow("plain") << QStringList{u"dial"_s, u"*#06#"_s} << u"dial *#06#"_s;
+    QTest::newRow("blanks") << QStringList{u"dial"_s, u"+49 30"_s} << u"dial \"+49 30\""_s;
+    QTest::newRow("empty") << QStringList{u"dial"_s, QString()} << u"dial \"\""_s;
+    QTest::newRow("quotes") << QStringList{u"do"_s, u"\"a\""_s} << u"do \"\\\"a\\\"\""_s;
+    QTest::newRow("backslashes") << QStringList{u"a\\b"_s, u"a\\ b"_s, u"\\"_s, u" \\"_s}
+                                 << u"a\\b \"a\\\\ b\" \\ \" \\\\\""_s;
+    QTest::newRow("no remark") << QStringList(u"#1"_s) << u"\"#1\""_s;
+}
+
+void TestInterpreter::joinsWords()
+{
+    QFETCH(QStringList, words);
+    QFETCH(QString, line);
+
+    QCOMPARE(joinWords(words), line);
+    QCOMPARE(splitWords(line), words);
+}
+
+void TestInterpreter::makesOneLineOfSeveral()
+{
+    QCOMPARE(joinWords({u"do"_s, u"a\nb\rc"_s}), u"do \"a b c\""_s);
 }
 
 void TestInterpreter::countsArguments_data()

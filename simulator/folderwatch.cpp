@@ -1,0 +1,64 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+#include "folderwatch.h"
+
+#include <QDirIterator>
+
+#include <chrono>
+#include <utility>
+
+namespace {
+
+/// An editor writes a file in several steps.
+constexpr std::chrono::milliseconds rest(200);
+
+} // namespace
+
+FolderWatch::FolderWatch(QString folder, QObject *parent)
+    : QFileSystemWatcher(parent)
+    , m_folder(std::move(folder))
+{
+    m_rest.setSingleShot(true);
+    m_rest.setInterval(rest);
+    const auto wait = qOverload<>(&QTimer::start);
+    connect(this, &QFileSystemWatcher::fileChanged, &m_rest, wait);
+    connect(this, &QFileSystemWatcher::directoryChanged, &m_rest, wait);
+    connect(&m_rest, &QTimer::timeout, this, &FolderWatch::check);
+    m_files = scan();
+}
+
+/// The files as they are now. What is new among files and folders is watched, and what a rename has
+/// put in the place of a watched file.
+FolderWatch::Files FolderWatch::scan()
+{
+    Files found;
+    QStringList paths{m_folder};
+    const QStringList names{QStringLiteral("*.qml"), QStringLiteral("*.js"),
+                            QStringLiteral("qmldir")};
+    QDirIterator all(m_folder, names, QDir::Files | QDir::AllDirs | QDir::NoDotAndDotDot,
+                     QDirIterator::Subdirectories);
+    while (all.hasNext()) {
+        all.next();
+        const QFileInfo file = all.fileInfo();
+        paths.append(file.filePath());
+        if (file.isFile())
+            found.insert(file.filePath(), {file.lastModified(), file.size()});
+    }
+    for (const QStringList &watched : {files(), directories()}) {
+        for (const QString &path : watched)
+            paths.removeAll(path);
+    }
+    if (!paths.isEmpty()) {
+        addPaths(paths);
+        m_rest.start(); // it may have changed before it was watched
+    }
+    return found;
+}
+
+void FolderWatch::check()
+{
+    const Files before = std::exchange(m_files, scan());
+    if (m_files != before)
+        Q_EMIT changed();
+}

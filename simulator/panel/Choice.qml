@@ -1,0 +1,27 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+import QtQuick 2.15
+
+/// The actions that a rule can have; the one it has is lit.
+Row {
+    id: root
+
+    property var actions: ["none", "block", "allow", "hangup"]
+    property string current
+    property string name
+    signal chosen(string action)
+
+    spacing: 2
+
+    Repeater {
+        model: root.actions
+
+        Act {
+            highlighted: modelData === root.current
+            objectName: root.name + " " + modelData
+            text: modelData
+            onClicked: root.chosen(modelData)
+        }
+    }
+}

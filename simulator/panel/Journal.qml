@@ -1,0 +1,84 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+import QtQuick 2.15
+import QtQuick.Controls 2.15
+import QtQuick.Layouts 1.15
+
+/// The bus traffic of the call UI.
+Section {
+    id: root
+
+    title: "Journal: the call UI on the buses"
+
+    ListView {
+        id: list
+
+        property bool follows: true
+
+        Layout.fillHeight: true
+        Layout.fillWidth: true
+        ScrollBar.vertical: ScrollBar {}
+        activeFocusOnTab: true
+        boundsBehavior: Flickable.StopAtBounds
+        clip: true
+        model: panel.journal
+        objectName: "journal"
+        spacing: 3
+
+        Keys.onDownPressed: flick(0, -400)
+        Keys.onUpPressed: flick(0, 400)
+        onContentHeightChanged: {
+            if (follows)
+                Qt.callLater(positionViewAtEnd);
+        }
+        onMovementEnded: follows = atYEnd
+
+        delegate: Column {
+            readonly property var member: model.member.split(" at ")
+
+            width: ListView.view.width - 10
+
+            Words {
+                color: model.incoming ? Look.text : Look.accent
+                elide: Text.ElideNone
+                font.pixelSize: Look.size - 1
+                objectName: "entry " + index
+                text: model.time + " " + model.bus + (model.incoming ? " → " : " ← ")
+                    + member[0] + "(" + model.arguments + ")"
+                    + (member.length > 1 ? " at " + member[1] : "")
+                width: parent.width
+                wrapMode: Text.Wrap
+            }
+            Words {
+                color: model.failed ? Look.bad : Look.dimText
+                elide: Text.ElideNone
+                font.pixelSize: Look.size - 1
+                leftPadding: 16
+                text: (model.outcome === "" ? "" : model.outcome + " ")
+                    + (model.milliseconds < 0 ? "" : "in " + model.milliseconds.toFixed(1) + " ms ")
+                    + (model.peer === "" ? "" : (model.incoming ? "from " : "to ") + model.peer)
+                width: parent.width
+                wrapMode: Text.Wrap
+            }
+        }
+    }
+    RowLayout {
+        Act {
+            objectName: "journalClear"
+            text: "Clear"
+            onClicked: panel.run(["journal", "clear"])
+        }
+        Item {
+            Layout.fillWidth: true
+        }
+        Act {
+            text: "Latest"
+            visible: !list.follows
+            onClicked: {
+                list.follows = true;
+                list.positionViewAtEnd();
+            }
+        }
+    }
+}

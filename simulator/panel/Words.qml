@@ -1,0 +1,13 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+import QtQuick 2.15
+
+/// A text that is read only.
+Text {
+    color: Look.text
+    elide: Text.ElideRight
+    font.pixelSize: Look.size
+    textFormat: Text.PlainText
+    verticalAlignment: Text.AlignVCenter
+}

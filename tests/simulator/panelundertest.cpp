@@ -1,0 +1,175 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+#include "panelundertest.h"
+
+#include "literals.h"
+#include "service.h"
+
+#include <QDir>
+#include <QFile>
+#include <QGuiApplication>
+#include <QQuickWindow>
+#include <QRegularExpression>
+#include <QTest>
+
+#include <cstring>
+
+namespace {
+
+constexpr int patience = 30000;
+
+QQuickItem *findItem(QQuickItem *root, const QString &name)
+{
+    if (root->objectName() == name)
+        return root;
+    const QList<QQuickItem *> children = root->childItems();
+    for (QQuickItem *child : children) {
+        if (QQuickItem *found = findItem(child, name))
+            return found;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+std::optional<int> PanelUnderTest::runServiceInstead(int argc, char *argv[])
+{
+    if (argc != 5 || std::strcmp(argv[1], "--service") != 0)
+        return std::nullopt;
+    const QCoreApplication application(argc, argv);
+    return runService(QString::fromLocal8Bit(argv[2]), QString::fromLocal8Bit(argv[4]));
+}
+
+void PanelUnderTest::init()
+{
+    m_log.reset();
+    m_log = std::make_unique<MessageLog>();
+    m_folder = std::make_unique<QTemporaryDir>(m_tempPath + u"/tst_panel-XXXXXX"_s);
+    QVERIFY(m_folder->isValid());
+    QFile::setPermissions(m_folder->path(), QFile::Permissions(0x7111)); // another user calls, too
+    qputenv("TMPDIR", m_folder->path().toUtf8());
+    m_lines.clear();
+    m_commands.clear();
+}
+
+/// Whatever was done, QML had nothing to complain about, and nothing is left.
+void PanelUnderTest::cleanup()
+{
+    m_panel.reset();
+    m_handset.reset();
+    QCOMPARE(uiProcess(), 0);
+    QFile::remove(m_folder->filePath(u"screens.qml"_s));
+    QCOMPARE(QDir(m_folder->path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
+             QStringList());
+    QCOMPARE(m_log->take(), QStringList());
+}
+
+bool PanelUnderTest::writeScreens(const QByteArray &qml) const
+{
+    QFile file(m_folder->filePath(u"screens.qml"_s));
+    return file.open(QIODevice::WriteOnly) && file.write(qml) == qml.size();
+}
+
+bool PanelUnderTest::startWith(const QByteArray &qml)
+{
+    return writeScreens(qml) && start(m_folder->filePath(u"screens.qml"_s));
+}
+
+bool PanelUnderTest::start(const QString &qmlFile)
+{
+    Handset::Options options;
+    options.uiProgram = qEnvironmentVariable("PARLEY_UI");
+    options.qmlFile = qmlFile;
+    options.catalogueFolder = QStringLiteral(PARLEY_TRANSLATIONS);
+    options.hasPanel = true;
+    m_handset = std::make_unique<Handset>(options);
+    connect(&m_handset->transcript(), &Transcript::said, this,
+            [this](const QString &line) { m_lines.append(line.trimmed()); });
+    connect(&m_handset->transcript(), &Transcript::commandBegun, this,
+            [this](const QString &line) { m_commands.append(line); });
+    if (!m_handset->start())
+        return false;
+    m_panel = std::make_unique<Panel>(*m_handset);
+    const QRegularExpression settled(u"^The call UI is (on the bus after|not on the bus yet).*"_s);
+    return QTest::qWaitFor(
+        [&] {
+            return m_panel->window() && m_panel->window()->isExposed()
+                && m_lines.indexOf(settled) >= 0;
+        },
+        patience);
+}
+
+QQuickItem *PanelUnderTest::item(const QString &name) const
+{
+    return findItem(m_panel->window()->contentItem(), name);
+}
+
+bool PanelUnderTest::isShown(const QString &name) const
+{
+    const QQuickItem *found = item(name);
+    return found && found->isVisible();
+}
+
+QString PanelUnderTest::textOf(const QString &name) const
+{
+    const QQuickItem *found = item(name);
+    return found ? found->property("text").toString() : QString();
+}
+
+bool PanelUnderTest::setText(const QString &name, const QString &text) const
+{
+    QQuickItem *found = item(name);
+    return found && found->setProperty("text", text);
+}
+
+bool PanelUnderTest::isLit(const QString &name) const
+{
+    const QQuickItem *found = item(name);
+    return found && found->property("highlighted").toBool();
+}
+
+/// An empty line is a remark: it is printed when the command before it is through.
+bool PanelUnderTest::runsToTheEnd(const QString &line)
+{
+    const auto remark = u"# after %1"_s.arg(m_lines.size());
+    m_panel->type(remark);
+    return QTest::qWaitFor([&] { return m_lines.contains(remark); }, patience)
+        && !m_commands.isEmpty() && m_commands.constLast() == line;
+}
+
+void PanelUnderTest::press(const QString &name)
+{
+    item(name)->forceActiveFocus();
+    QTest::keyClick(m_panel->window(), Qt::Key_Space);
+}
+
+void PanelUnderTest::click(const QString &name, const QString &line)
+{
+    QTRY_VERIFY2(isShown(name), qUtf8Printable(name));
+    QTRY_VERIFY2(item(name)->isEnabled(), qUtf8Printable(name));
+    const int before = m_commands.size();
+    press(name);
+    QVERIFY2(runsToTheEnd(line), qUtf8Printable(m_commands.join(u'\n')));
+    QCOMPARE(m_commands.size(), before + 1);
+}
+
+pid_t PanelUnderTest::uiProcess() const
+{
+    const QByteArray folder = "TMPDIR=" + m_folder->path().toUtf8();
+    const QStringList entries = QDir(u"/proc"_s).entryList({u"[0-9]*"_s}, QDir::Dirs);
+    for (const QString &entry : entries) {
+        const QString process = u"/proc/"_s + entry;
+        QFile environment(process + u"/environ"_s);
+        if (QFile::symLinkTarget(process + u"/exe"_s).endsWith(u"/parley-ui"_s)
+            && environment.open(QIODevice::ReadOnly)
+            && environment.readAll().split('\0').contains(folder))
+            return entry.toInt();
+    }
+    return 0;
+}
+
+bool PanelUnderTest::prints(const QString &line)
+{
+    return QTest::qWaitFor([&] { return m_lines.contains(line); }, patience);
+}

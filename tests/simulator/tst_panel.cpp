@@ -1,0 +1,398 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+#include "literals.h"
+#include "panelundertest.h"
+
+#include <QClipboard>
+#include <QFile>
+#include <QGuiApplication>
+#include <QProcess>
+#include <QQuickWindow>
+#include <QRegularExpression>
+#include <QTest>
+
+#include <csignal>
+#include <initializer_list>
+#include <utility>
+
+namespace {
+
+constexpr int patience = 30000;
+
+const QByteArray screens =
+    "import QtQuick 2.15\nimport com.nimbo.parley 1.0\nItem { ParleyUiAdaptor {} }\n";
+
+} // namespace
+
+class TestPanel : public PanelUnderTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void asksTheCallUi();
+    void quotesWhatIsTyped();
+    void changesSims();
+    void changesRules();
+    void showsRulesThatOthersSet();
+    void showsAlarms();
+    void showsNotifications();
+    void controlsServices();
+    void showsNothingOfAServiceThatIsAway();
+    void opensAndWritesQuickReplies();
+    void startsAgainAUiThatWasKilled();
+    void showsErrorsOfScreens();
+    void showsTheJournal();
+    void showsTheTranscript();
+    void givesAScriptThatCanBeReplayed();
+    void reachesEverythingWithTheKeyboard();
+    void fitsASmallWindow();
+};
+
+void TestPanel::asksTheCallUi()
+{
+    QVERIFY(startWith(screens));
+    for (const auto &[button, line] : std::initializer_list<std::pair<QString, QString>>{
+             {u"show"_s, u"show"_s},
+             {u"ongoing"_s, u"ongoing"_s},
+             {u"toggle"_s, u"toggle"_s},
+             {u"toggleAs"_s, u"toggle-as 65534 65534"_s},
+             {u"errorDialog"_s, u"error-dialog"_s},
+             {u"dial"_s, u"dial \"+49 30 1234567\""_s},
+             {u"contact"_s, u"contact \"+49 30 1234567\""_s},
+             {u"incoming"_s, u"open incoming:%2B49%2030%201234567"_s},
+             {u"dialVia"_s, u"dial-via /ril_1 \"+49 30 1234567\""_s},
+             {u"open"_s, u"open https://example.org/voicemail"_s},
+             {u"restart"_s, u"restart"_s}})
+        click(button, line);
+}
+
+void TestPanel::quotesWhatIsTyped()
+{
+    QVERIFY(startWith(screens));
+    QVERIFY(setText(u"number"_s, u" \"*#06#\" \\"_s));
+    click(u"dial"_s, u"dial \" \\\"*#06#\\\" \\\\\""_s);
+    QVERIFY(setText(u"number"_s, QString()));
+    click(u"contact"_s, u"contact \"\""_s);
+}
+
+void TestPanel::changesSims()
+{
+    QVERIFY(startWith(screens));
+    QTRY_VERIFY(isShown(u"imsi /ril_1"_s));
+    QVERIFY(setText(u"imsi /ril_1"_s, u"26202"_s));
+    click(u"insert /ril_1"_s, u"sim insert 26202 /ril_1"_s);
+    click(u"lock /ril_1"_s, u"sim lock /ril_1"_s);
+    click(u"unlock /ril_1"_s, u"sim unlock /ril_1"_s);
+    QTRY_VERIFY(isShown(u"lock /ril_1"_s));
+    QVERIFY(isShown(u"insert /ril_0"_s));
+    click(u"remove /ril_1"_s, u"sim remove /ril_1"_s);
+    QTRY_VERIFY(isShown(u"insert /ril_1"_s));
+}
+
+void TestPanel::changesRules()
+{
+    QVERIFY(startWith(screens));
+    QTRY_VERIFY(isShown(u"imsi /ril_0"_s));
+    QVERIFY(setText(u"imsi /ril_0"_s, u"26201"_s));
+    click(u"insert /ril_0"_s, u"sim insert 26201 /ril_0"_s);
+    QTRY_VERIFY(isLit(u"dial 26201 none"_s));
+    click(u"dial 26201 block"_s, u"rule dial 26201 block"_s);
+    QTRY_VERIFY(isLit(u"dial 26201 block"_s));
+    QVERIFY(!isLit(u"dial 26201 none"_s));
+    QVERIFY(isLit(u"incoming 26201 none"_s));
+    click(u"incoming 26201 hangup"_s, u"rule incoming 26201 hangup"_s);
+    QTRY_VERIFY(isLit(u"incoming 26201 hangup"_s));
+    click(u"dial 26201 none"_s, u"rule dial 26201 none"_s);
+    QTRY_VERIFY(isLit(u"dial 26201 none"_s));
+    QVERIFY(isLit(u"dial default allow"_s));
+    click(u"dial default block"_s, u"default dial block"_s);
+    QTRY_VERIFY(isLit(u"dial default block"_s));
+    QVERIFY(!isLit(u"dial default allow"_s));
+
+    // A rule stays when its SIM goes.
+    click(u"remove /ril_0"_s, u"sim remove /ril_0"_s);
+    QTRY_VERIFY(isShown(u"insert /ril_0"_s));
+    QVERIFY(isShown(u"incoming 26201 hangup"_s));
+    QTRY_VERIFY(!isShown(u"dial 26201 none"_s));
+}
+
+void TestPanel::showsRulesThatOthersSet()
+{
+    QVERIFY(startWith(screens));
+    m_panel->run({u"rule"_s, u"dial"_s, u"26203"_s, u"7"_s});
+    QTRY_VERIFY(isShown(u"dial 26203 none"_s));
+    for (const QString &action : {u"none"_s, u"block"_s, u"allow"_s, u"hangup"_s})
+        QVERIFY(!isLit(u"dial 26203 "_s + action));
+}
+
+void TestPanel::showsAlarms()
+{
+    QVERIFY(startWith(screens));
+    QVERIFY(setText(u"remindNumber"_s, u"555"_s));
+    QVERIFY(setText(u"remindSeconds"_s, u"3600"_s));
+    QVERIFY(setText(u"remindName"_s, u"Ada L"_s));
+    click(u"remind"_s, u"remind 555 3600 \"Ada L\""_s);
+    const QRegularExpression time(u"^(0:59:5\\d|1:00:00)$"_s);
+    QTRY_VERIFY2(time.match(textOf(u"left 1"_s)).hasMatch(), qUtf8Printable(textOf(u"left 1"_s)));
+    const QString before = textOf(u"left 1"_s);
+    QTRY_VERIFY(textOf(u"left 1"_s) < before || before == u"1:00:00"_s);
+    click(u"remind"_s, u"remind 555 3600 \"Ada L\""_s);
+    click(u"fire 1"_s, u"fire 1"_s);
+    QTRY_VERIFY(!isShown(u"fire 1"_s));
+    click(u"cancel 2"_s, u"cancel 2"_s);
+    QTRY_VERIFY(!isShown(u"cancel 2"_s));
+}
+
+void TestPanel::showsNotifications()
+{
+    QVERIFY(startWith(screens));
+    for (const QString &name : {u"Ada"_s, u"Bob"_s, u"Cyd"_s})
+        m_panel->run({u"remind"_s, u"555"_s, u"3600"_s, name});
+    QTRY_COMPARE(textOf(u"summary 3"_s), u"Call Cyd"_s);
+    click(u"click 1"_s, u"click 1"_s);
+    QVERIFY(m_lines.contains(u"notifications: 1 chosen: default"_s));
+    QTRY_VERIFY(!isShown(u"click 1"_s));
+    click(u"click 2 app"_s, u"click 2 app"_s);
+    QVERIFY(m_lines.contains(u"notifications: 2 chosen: app"_s));
+    click(u"dismiss 3"_s, u"dismiss 3"_s);
+    QTRY_VERIFY(!isShown(u"dismiss 3"_s));
+}
+
+void TestPanel::controlsServices()
+{
+    QVERIFY(startWith(screens));
+    for (const QString &service :
+         {u"time-daemon"_s, u"notification-service"_s, u"call-history"_s, u"telephony"_s}) {
+        const QString state = u"state "_s + service;
+        QCOMPARE(textOf(state), u"running"_s);
+        click(u"hang "_s + service, service + u" hang"_s);
+        QTRY_COMPARE(textOf(state), u"hung"_s);
+        click(u"hang "_s + service, service + u" continue"_s);
+        QTRY_COMPARE(textOf(state), u"running"_s);
+        click(u"hang "_s + service, service + u" hang"_s);
+        click(u"stop "_s + service, service + u" stop"_s);
+        QTRY_COMPARE(textOf(state), u"stopped"_s);
+        QVERIFY(!item(u"hang "_s + service)->isEnabled());
+        click(u"stop "_s + service, service + u" start"_s);
+        QTRY_COMPARE(textOf(state), u"running"_s);
+    }
+    QCOMPARE(textOf(u"state ui"_s), u"running"_s);
+}
+
+void TestPanel::showsNothingOfAServiceThatIsAway()
+{
+    QVERIFY(startWith(screens));
+    m_panel->run({u"remind"_s, u"555"_s, u"3600"_s});
+    QTRY_VERIFY(isShown(u"fire 1"_s));
+    QTRY_VERIFY(isShown(u"insert /ril_0"_s));
+    m_panel->run({u"telephony"_s, u"hang"_s});
+    m_panel->run({u"time-daemon"_s, u"stop"_s});
+    QTRY_VERIFY(!isShown(u"fire 1"_s));
+    QVERIFY(isShown(u"insert /ril_0"_s));
+    m_panel->run({u"telephony"_s, u"stop"_s});
+    QTRY_VERIFY(!isShown(u"insert /ril_0"_s));
+    QTRY_VERIFY(!isShown(u"dial default block"_s));
+    m_panel->run({u"telephony"_s, u"start"_s});
+    m_panel->run({u"time-daemon"_s, u"start"_s});
+    QTRY_VERIFY(isShown(u"insert /ril_0"_s));
+    QTRY_VERIFY(isShown(u"dial default block"_s));
+    QTRY_VERIFY(isShown(u"fire 1"_s));
+}
+
+void TestPanel::opensAndWritesQuickReplies()
+{
+    qputenv("VISUAL", "true");
+    QVERIFY(startWith(screens));
+    QCOMPARE(textOf(u"repliesPath"_s), m_handset->repliesPath());
+    QFile replies(m_handset->repliesPath());
+    QVERIFY(!replies.exists());
+    click(u"repliesEdit"_s, u"replies edit"_s);
+    QVERIFY(replies.exists());
+    QVERIFY(setText(u"repliesTexts"_s, u"On my way\n\nSay \"please\"\n"_s));
+    click(u"repliesWrite"_s, u"replies write \"On my way\" \"Say \\\"please\\\"\""_s);
+    QVERIFY(replies.open(QIODevice::ReadOnly));
+    QVERIFY(replies.readAll().contains("Say \\\"please\\\""));
+    click(u"repliesPrint"_s, u"replies"_s);
+    qunsetenv("VISUAL");
+}
+
+void TestPanel::startsAgainAUiThatWasKilled()
+{
+    QVERIFY(startWith(screens));
+    QVERIFY(!isShown(u"banner"_s));
+    const pid_t ui = uiProcess();
+    QVERIFY(ui > 0);
+    QCOMPARE(kill(ui, SIGKILL), 0);
+    QTRY_VERIFY(isShown(u"banner"_s));
+    QCOMPARE(textOf(u"bannerText"_s), u"The call UI was ended by signal 9"_s);
+    QCOMPARE(textOf(u"state ui"_s), u"ended"_s);
+    click(u"startAgain"_s, u"restart"_s);
+    QVERIFY(!isShown(u"banner"_s));
+    QCOMPARE(textOf(u"state ui"_s), u"running"_s);
+    click(u"show"_s, u"show"_s);
+    QCOMPARE(m_lines.filter(QRegularExpression(u"^reply: done \\("_s)).size(), 1);
+}
+
+void TestPanel::showsErrorsOfScreens()
+{
+    QVERIFY(startWith("import QtQuick 2.15\n\nItem { bogus: 1 }\n"));
+    QVERIFY(m_lines.last().startsWith(u"The call UI is not on the bus yet"_s));
+    QTRY_VERIFY(isShown(u"qmlErrors"_s));
+    QTRY_COMPARE(textOf(u"qmlError 0"_s),
+                 m_folder->filePath(u"screens.qml"_s)
+                     + u":3:8: Cannot assign to non-existent property \"bogus\""_s);
+    QVERIFY(writeScreens(screens));
+    click(u"restart"_s, u"restart"_s);
+    QTRY_VERIFY(!isShown(u"qmlErrors"_s));
+    click(u"show"_s, u"show"_s);
+}
+
+void TestPanel::showsTheJournal()
+{
+    QVERIFY(startWith(screens));
+    const auto shows = [this](const QString &part) {
+        QQuickItem *list = item(u"journal"_s);
+        for (int i = 0; i < list->property("count").toInt(); ++i) {
+            QMetaObject::invokeMethod(list, "positionViewAtIndex", Q_ARG(int, i), Q_ARG(int, 0));
+            if (textOf(u"entry %1"_s.arg(i)).contains(part))
+                return true;
+        }
+        return false;
+    };
+    click(u"dial"_s, u"dial \"+49 30 1234567\""_s);
+    QTRY_VERIFY(shows(u" session → com.nimbo.parley.ui.dial(\"+49 30 1234567\")"_s));
+    click(u"journalClear"_s, u"journal clear"_s);
+    QTRY_VERIFY(!shows(u"dial"_s));
+}
+
+void TestPanel::showsTheTranscript()
+{
+    QVERIFY(startWith(screens));
+    QVERIFY(setText(u"command"_s, u"dial 555 # not a remark"_s));
+    item(u"command"_s)->forceActiveFocus();
+    QTest::keyClick(m_panel->window(), Qt::Key_Return);
+    QVERIFY(runsToTheEnd(u"dial 555 # not a remark"_s));
+    QCOMPARE(textOf(u"command"_s), QString());
+    QTRY_VERIFY(
+        textOf(u"transcript"_s).contains(u"> dial 555 # not a remark\n  failed: usage: "_s));
+    QVERIFY(textOf(u"transcript"_s).contains(u"The call UI is on the bus after "_s));
+
+    for (int i = 0; i < 1200; ++i)
+        m_panel->type(u"# remark %1"_s.arg(i));
+    QTRY_VERIFY_WITH_TIMEOUT(textOf(u"transcript"_s).endsWith(u"# remark 1199"_s), patience);
+    QVERIFY(textOf(u"transcript"_s).count(u'\n') < 1100);
+}
+
+void TestPanel::givesAScriptThatCanBeReplayed()
+{
+    QVERIFY(startWith(screens));
+    click(u"dial"_s, u"dial \"+49 30 1234567\""_s);
+    click(u"insert /ril_0"_s, u"sim insert 262010000000001 /ril_0"_s);
+    click(u"remind"_s, u"remind 5550123 600 Ada"_s);
+    click(u"click 1"_s, u"click 1"_s);
+    click(u"stop time-daemon"_s, u"time-daemon stop"_s);
+    const QString script = u"dial \"+49 30 1234567\"\nsim insert 262010000000001 /ril_0\n"
+                           "remind 5550123 600 Ada\nclick 1\ntime-daemon stop\n"_s;
+    QCOMPARE(m_panel->script(), script);
+    press(u"copyScript"_s);
+    QCOMPARE(QGuiApplication::clipboard()->text(), script);
+
+    QFile file(m_folder->filePath(u"script"_s));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(script.toUtf8());
+    file.close();
+    QProcess other;
+    other.setProcessChannelMode(QProcess::MergedChannels);
+    other.start(qEnvironmentVariable("PARLEY_HANDSET"),
+                {u"--no-panel"_s, u"--qml"_s, m_folder->filePath(u"screens.qml"_s), u"--script"_s,
+                 file.fileName()});
+    QVERIFY(other.waitForFinished(patience));
+    QVERIFY2(other.exitCode() == 0, other.readAll().constData());
+    QVERIFY(file.remove());
+}
+
+/// Tab goes around all that can be clicked, and a key clicks it.
+void TestPanel::reachesEverythingWithTheKeyboard()
+{
+    QVERIFY(startWith(screens));
+    QQuickWindow *window = m_panel->window();
+    window->requestActivate();
+    QTRY_VERIFY(window->isActive());
+    m_panel->run({u"remind"_s, u"555"_s, u"3600"_s, u"Ada"_s});
+    QTRY_VERIFY(isShown(u"click 1"_s));
+
+    QStringList reached;
+    for (int i = 0; i < 200; ++i) {
+        QTest::keyClick(window, Qt::Key_Tab);
+        QVERIFY(window->activeFocusItem());
+        const QQuickItem *one = window->activeFocusItem();
+        while (one->objectName().isEmpty() && one->parentItem())
+            one = one->parentItem(); // a list's entry
+        const QString name = one->objectName();
+        if (reached.contains(name) && reached.constFirst() == name)
+            break;
+        reached.append(name);
+    }
+    for (const QString &name : {u"show"_s,           u"number"_s,
+                                u"dial"_s,           u"incoming"_s,
+                                u"modem"_s,          u"url"_s,
+                                u"open"_s,           u"imsi /ril_0"_s,
+                                u"insert /ril_1"_s,  u"dial default block"_s,
+                                u"fire 1"_s,         u"cancel 1"_s,
+                                u"click 1"_s,        u"click 1 app"_s,
+                                u"dismiss 1"_s,      u"remind"_s,
+                                u"restart"_s,        u"hang telephony"_s,
+                                u"stop telephony"_s, u"repliesEdit"_s,
+                                u"repliesTexts"_s,   u"repliesWrite"_s,
+                                u"journal"_s,        u"journalClear"_s,
+                                u"transcript"_s,     u"command"_s,
+                                u"copyScript"_s})
+        QVERIFY2(reached.contains(name), qUtf8Printable(name + u" of "_s + reached.join(u", "_s)));
+
+    item(u"dismiss 1"_s)->forceActiveFocus();
+    QTest::keyClick(window, Qt::Key_Return);
+    QVERIFY(runsToTheEnd(u"dismiss 1"_s));
+    item(u"show"_s)->forceActiveFocus();
+    QTest::keyClick(window, Qt::Key_Space);
+    QVERIFY(runsToTheEnd(u"show"_s));
+}
+
+/// What has the keyboard is within the window, however small that is.
+void TestPanel::fitsASmallWindow()
+{
+    QVERIFY(startWith(screens));
+    QQuickWindow *window = m_panel->window();
+    for (const QSize &size : {QSize(760, 400), QSize(420, 600)}) {
+        window->resize(size);
+        QTRY_COMPARE(window->contentItem()->size().toSize(), size);
+        for (const QString &name :
+             {u"repliesWrite"_s, u"stop telephony"_s, u"show"_s, u"copyScript"_s}) {
+            QQuickItem *one = item(name);
+            one->forceActiveFocus();
+            const auto isInside = [&] {
+                const QRectF place = one->mapRectToScene({0, 0, one->width(), one->height()});
+                return QRectF(QPointF(), window->size()).contains(place);
+            };
+            QTRY_VERIFY2(isInside(), qUtf8Printable(name));
+        }
+    }
+}
+
+int main(int argc, char *argv[])
+{
+    if (const auto status = PanelUnderTest::runServiceInstead(argc, argv))
+        return *status;
+    const QTemporaryDir home;
+    for (const char *variable : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QUICK_BACKEND"})
+        qunsetenv(variable);
+    for (const char *variable : {"HOME", "XDG_RUNTIME_DIR", "XDG_CACHE_HOME"})
+        qputenv(variable, home.path().toUtf8());
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    Panel::prepare();
+    const QGuiApplication application(argc, argv);
+    TestPanel test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_panel.moc"
