@@ -1270,9 +1270,10 @@ void TestQuickMessagesModel::endsWithTheLastContent_data()
 {
     QTest::addColumn<QString>("way");
 
-    for (const char *way : {"in-place", "by-rename", "by-deletion", "truncated-first"}) {
+    for (const QString &way :
+         {u"in-place"_s, u"by-rename"_s, u"by-deletion"_s, u"truncated-first"_s}) {
         for (int run = 1; run <= 5; ++run)
-            QTest::addRow("%s %d", way, run) << QString::fromLatin1(way);
+            QTest::newRow(qUtf8Printable(u"%1 %2"_s.arg(way).arg(run))) << way;
     }
 }
 
