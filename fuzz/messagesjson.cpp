@@ -9,6 +9,24 @@
 #include <cstdint>
 #include <cstdlib>
 
+namespace {
+
+/// Qt takes a byte-order mark at the beginning of a text for one and leaves it out, but not of
+/// every text.
+QStringList withoutMarks(const QStringList &messages)
+{
+    QStringList all;
+    for (QString message : messages) {
+        while (message.startsWith(QChar(QChar::ByteOrderMark)))
+            message.remove(0, 1);
+        if (!message.trimmed().isEmpty())
+            all.append(message);
+    }
+    return all;
+}
+
+} // namespace
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     const QStringList messages =
@@ -19,7 +37,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
             std::abort();
         expected.append(message.trimmed());
     }
-    if (messagesFromJson(messagesToJson(messages)) != expected)
+    if (withoutMarks(messagesFromJson(messagesToJson(messages))) != withoutMarks(expected))
         std::abort();
     return 0;
 }
