@@ -1,0 +1,316 @@
+# SPDX-FileCopyrightText: 2026 The Parley developers
+# SPDX-License-Identifier: BSD-3-Clause
+
+"""What is measured, and how. Each figure goes into a table as docs/performance.md describes it."""
+
+import collections
+import math
+import os
+import re
+import subprocess
+import time
+from pathlib import Path
+from statistics import median
+
+import counting
+from handset import PATIENCE, Failure, Handset
+
+START_GOALS = {"present": 1.25, "absent": 1.15, "no bus": 1.15}
+CALLS = 100  # of one method, one after the other
+COUNTS = 5  # of the same instructions
+
+
+class Programs:
+    """The commands to be measured, in a build's folder; counts is for what callgrind writes."""
+
+    def __init__(self, folder, qml_folder, counts):
+        self.folder = folder
+        self.counts = counts
+        self.handset = folder / "simulator/parley-handset"
+        self.roundtrips = folder / "bench/roundtrips"
+        ui = folder / "app/parley-ui"
+        screens = qml_folder / "Screens.qml"
+        self.ours = [ui, "-qml", screens]
+        self.bare = [folder / "bench/barehost", screens]
+        self.native = [ui, "-qml", qml_folder / "nativescreens.qml"]
+
+
+def run_until_drawn(handset, command):
+    """Seconds until the screens are loaded, and until they are drawn."""
+    process = handset.start(command)
+    try:
+        return process.wait_for("qml: completed"), process.wait_for("qml: drawn")
+    finally:
+        process.end()
+
+
+def count_start(handset, programs, command, times=COUNTS):
+    """Instructions until the screens are loaded and until they are drawn: lists of so many counts.
+    The caches in the home are filled first."""
+    run_until_drawn(handset, command)
+    output = programs.counts / "start"
+    completed, drawn = [], []
+    for _ in range(times):
+        run_until_drawn(handset, counting.under_callgrind(command, output))
+        completed.append(counting.counted(output, 1))
+        drawn.append(completed[-1] + counting.counted(output, 2))
+    return completed, drawn
+
+
+def spread(counts):
+    """How far apart they are, of their median."""
+    return (max(counts) - min(counts)) / median(counts)
+
+
+def start_instructions(table, programs):
+    """Instructions of all threads."""
+    for services, goal in START_GOALS.items():
+        with Handset(services, programs.handset) as handset:
+            bare = count_start(handset, programs, programs.bare)
+            for name, command, its_goal in (("", programs.ours, goal),
+                                            (", every native type", programs.native, None)):
+                ours = count_start(handset, programs, command)
+                for moment, our, yard in zip(("completed", "first frame"), ours, bare):
+                    apart = max(spread(our), spread(yard))
+                    table.add(f"start to {moment}, services {services}{name}", "M instructions",
+                              median(our) / 1e6, median(yard) / 1e6, its_goal,
+                              f"± {apart / 2:.2%}")
+
+
+def start_times(table, programs, runs):
+    """Wall time, ours and the bare host's in turn."""
+    for services, goal in START_GOALS.items():
+        with Handset(services, programs.handset) as handset:
+            times = collections.defaultdict(list)
+            for command in (programs.bare, programs.ours, programs.native):
+                run_until_drawn(handset, command)
+            for _ in range(runs):
+                for name, command in (("bare", programs.bare), ("", programs.ours),
+                                      (", every native type", programs.native)):
+                    for moment, taken in zip(("completed", "first frame"),
+                                             run_until_drawn(handset, command)):
+                        times[name, moment].append(taken * 1e3)
+            for name in ("", ", every native type"):
+                for moment in ("completed", "first frame"):
+                    table.add(f"start to {moment}, services {services}{name}", "ms",
+                              median(times[name, moment]), median(times["bare", moment]),
+                              None if name else goal)
+
+
+def memory_of(pid):
+    """The peak of resident memory, and what no other process shares, in KiB."""
+    status = Path(f"/proc/{pid}/status").read_text()
+    rollup = Path(f"/proc/{pid}/smaps_rollup").read_text()
+    peak = int(re.search(r"^VmHWM:\s+(\d+)", status, re.MULTILINE)[1])
+    unique = sum(int(size) for size in re.findall(r"^Private_\w+:\s+(\d+)", rollup, re.MULTILINE))
+    return peak, unique
+
+
+def memory(table, programs, runs):
+    """After the first frame."""
+    with Handset("present", programs.handset) as handset:
+        sizes = collections.defaultdict(list)
+        for _ in range(runs):
+            for name, command in (("bare", programs.bare), ("", programs.ours),
+                                  (", every native type", programs.native)):
+                process = handset.start(command)
+                process.wait_for("qml: drawn")
+                for figure, size in zip(("peak memory", "unique memory"), memory_of(process.pid)):
+                    sizes[name, figure].append(size)
+                process.end()
+        for name in ("", ", every native type"):
+            for figure, goal in (("peak memory", 1.15), ("unique memory", None)):
+                table.add(figure + name, "KiB", median(sizes[name, figure]),
+                          median(sizes["bare", figure]), None if name else goal)
+
+
+def call(handset, programs, runs, *methods, calls=CALLS, options=(), prefix=()):
+    """Microseconds for each round and method."""
+    printed = handset.run([*prefix, programs.roundtrips, *options, str(runs), str(calls), *methods])
+    return [[float(time) for time in line.split()] for line in printed.splitlines()]
+
+
+def call_medians(*arguments, **options):
+    """For each method, over the rounds."""
+    return [median(times) for times in zip(*call(*arguments, **options))]
+
+
+def dial(table, programs, runs):
+    """From another process into a QML handler and back, and the instructions of that."""
+    with Handset("present", programs.handset) as handset:
+        process = handset.start(programs.native)
+        process.wait_for("qml: drawn")
+        call(handset, programs, 1, "Ping", "dial")
+        ping, dialled = call_medians(handset, programs, runs, "Ping", "dial")
+        process.end()
+        table.add("dial, there and back", "µs", dialled, ping, 1.3)
+        table.add("dial, the call UI's part", "k instructions",
+                  count_calls(handset, programs, "dial") / 1e3,
+                  count_calls(handset, programs, "Ping") / 1e3)
+
+
+def count_calls(handset, programs, method):
+    """Instructions of the call UI for one call, all threads: the mean of many, and the least of
+    several such means, since a thread that is woken once too often only adds to it."""
+    output = programs.counts / "calls"
+    process = handset.start(counting.under_callgrind(programs.native, output))
+    process.wait_for("qml: drawn")
+    # The first calls settle what is done once. A showOngoing is a moment, and costs something.
+    call(handset, programs, 1, method)
+    for _ in range(2):
+        call(handset, programs, 1, "showOngoing", calls=1)
+    for _ in range(COUNTS):
+        call(handset, programs, 1, method)
+        call(handset, programs, 1, "showOngoing", calls=1)
+    process.end()
+    # The start has the moments 1 and 2.
+    least = min(counting.counted(output, part) for part in range(5, 5 + COUNTS))
+    return (least - counting.counted(output, 4)) / CALLS
+
+
+def toggle_call(table, programs, runs):
+    """For each answer: its time, and how often the call UI has asked the bus."""
+    with Handset("present", programs.handset) as handset:
+        process = handset.start(programs.native)
+        process.wait_for("qml: drawn")
+        toggle_as(table, handset, programs, runs, "by the owner of com.nimbo.canopy",
+                  options=["--own", "com.nimbo.canopy"])
+        if os.geteuid() == 0:
+            toggle_as(table, handset, programs, runs, "by root")
+            toggle_as(table, handset, programs, runs, "refused", options=["--refused"],
+                      prefix=["setpriv", "--reuid", "nobody", "--regid", "nogroup",
+                              "--clear-groups"])
+        else:
+            print("Not root: toggleCall is measured for the owner of com.nimbo.canopy alone.")
+        process.end()
+        toggle_as(table, handset, programs, runs, "by the process itself", options=["--self"])
+
+
+def toggle_as(table, handset, programs, runs, outcome, options=(), prefix=()):
+    how = {"options": options, "prefix": prefix}
+    ping, toggled = call_medians(handset, programs, runs, "Ping", "toggleCall", **how)
+    asked = count_questions(handset, lambda: call(handset, programs, 1, "toggleCall", **how))
+    table.add(f"toggleCall {outcome}", "µs", toggled, ping)
+    table.add(f"toggleCall {outcome}: the bus is asked", "times", asked / CALLS)
+
+
+def count_questions(handset, action):
+    """How often the session bus is asked for the process of a connection meanwhile."""
+    log = handset.folder / "monitor"
+    with log.open("w") as output:
+        monitor = subprocess.Popen(["dbus-monitor", "--address", handset.session,
+                                    "type='method_call'"],
+                                   stdout=output, stderr=subprocess.DEVNULL)
+    try:
+        see(handset, log, "Begin")
+        action()
+        see(handset, log, "End")
+    finally:
+        monitor.terminate()
+        monitor.wait()
+    return log.read_text(errors="replace").count("member=GetConnectionUnixProcessID")
+
+
+def see(handset, log, member):
+    """Returns when the monitor has seen that, and so whatever came to the bus before it."""
+    deadline = time.monotonic() + PATIENCE
+    while f"member={member}\n" not in log.read_text(errors="replace"):
+        if time.monotonic() > deadline:
+            raise Failure("dbus-monitor sees nothing")
+        handset.run(["dbus-send", "--type=method_call", f"--bus={handset.session}",
+                     "--dest=org.freedesktop.DBus", "/",
+                     f"com.nimbo.bench.{member}"])
+        time.sleep(0.05)
+
+
+def threads(pid):
+    """How often each thread has been given the processor, and the system call that it is in."""
+    found = {}
+    for thread in Path(f"/proc/{pid}/task").iterdir():
+        status = (thread / "status").read_text()
+        switches = sum(int(n) for n in re.findall(r"ctxt_switches:\s+(\d+)", status))
+        found[thread.name] = (switches, (thread / "syscall").read_text().split())
+    return found
+
+
+def waits_for_ever(syscall):
+    """Whether that is a poll() or ppoll() without an end, or a futex() without one."""
+    number, *arguments = syscall
+    if number == "7":
+        return int(arguments[2], 16) & 0xFFFFFFFF == 0xFFFFFFFF
+    return number in ("271", "202") and int(arguments[2 if number == "271" else 3], 16) == 0
+
+
+def idle(table, programs):
+    """A thread that is not given the processor makes no system call: it neither wakes up nor
+    reads, writes or sends anything."""
+    with Handset("present", programs.handset) as handset:
+        process = handset.start(programs.native)
+        process.wait_for("qml: drawn")
+        settle(process.pid)
+        for seconds in (0.1, 1, 60):
+            before = threads(process.pid)
+            time.sleep(seconds)
+            after = threads(process.pid)
+            woken = sum(after[one][0] - before.get(one, (0,))[0] for one in after)
+            table.add(f"{seconds:g} s of idling", "wake-ups", woken, goal=0)
+        timers = sum(not waits_for_ever(syscall) for _, syscall in after.values())
+        table.add("idling threads that wait for a time", "threads", timers, goal=0,
+                  note=f"of {len(after)}")
+        process.end()
+
+
+def settle(pid):
+    """What comes after the first frame has been done when nothing has happened for a second."""
+    deadline = time.monotonic() + PATIENCE
+    before = None
+    while (now := threads(pid)) != before:
+        if time.monotonic() > deadline:
+            raise Failure("The call UI does not come to rest")
+        before = now
+        time.sleep(1)
+
+
+def growth(table, benchmarks):
+    """The last figure of each column, and the exponent over the last decade of sizes."""
+    for benchmark in benchmarks:
+        print(f"\n{benchmark.name}\n", flush=True)
+        printed = subprocess.run([benchmark], check=True, capture_output=True, text=True).stdout
+        print(printed, flush=True)
+        title, rows = parse_growth(printed)
+        last, before = rows[-1], rows[-2]
+        decades = math.log10(last[0] / before[0])
+        for column, name in enumerate(title):
+            if name == "ratio":
+                exponent = math.log10(last[column]) / decades
+                table.add(f"{benchmark.name}: {title[column - 1]}, {last[0]:,.0f} {title[0]}",
+                          "", last[column - 1], note=f"exponent {exponent:.2f}")
+
+
+def parse_growth(printed):
+    """The titles and the last two or more rows, in which each column has a number."""
+    lines = [line for line in printed.splitlines() if line.strip()]
+    title = next(line for line in lines if "ratio" in line.split())
+    names = re.split(r"\s{2,}", re.sub(r"\bratio\b", "  ratio  ", title).strip())
+    rows = [[float(value) for value in line.split()] for line in lines
+            if re.fullmatch(r"[\d\s.]+", line)]
+    return names, [row for row in rows if len(row) == len(names)]
+
+
+def profile(programs):
+    """Prints the start's instructions for each library, with those beyond the bare host's."""
+    for services in START_GOALS:
+        with Handset(services, programs.handset) as handset:
+            counts = []
+            for command in (programs.ours, programs.bare):
+                count_start(handset, programs, command, 1)
+                counts.append(counting.by_library(programs.counts / "start", 1))
+        ours, bare = counts
+        more = {one: ours[one] - bare[one] for one in ours.keys() | bare.keys()}
+        print(f"\n| to completed, services {services}: thousand instructions in "
+              "| ours | bare host | more |\n| --- | --- | --- | --- |")
+        for library in sorted(more, key=lambda one: -abs(more[one]))[:14]:
+            print(f"| {library} | {ours[library] / 1e3:,.0f} | {bare[library] / 1e3:,.0f} "
+                  f"| {more[library] / 1e3:+,.0f} |")
+        print(f"| all | {sum(ours.values()) / 1e3:,.0f} | {sum(bare.values()) / 1e3:,.0f} "
+              f"| {sum(more.values()) / 1e3:+,.0f} |")

@@ -1,0 +1,129 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+// How long the call UI takes to answer another process on the session bus: roundtrips [OPTION ...]
+// ROUNDS CALLS METHOD ... makes so many blocking calls of each method in turn, so often, and prints
+// a line of medians for each round, in microseconds. "Ping" is org.freedesktop.DBus.Peer's, which
+// is answered without any code of the call UI; the others are those of com.nimbo.parley.ui.
+//
+// --own NAME   takes that name first
+// --refused    toggleCall has to be refused, not answered
+// --self       answers as well: the calls of a process to itself
+
+#include "parleyuiadaptor.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QElapsedTimer>
+#include <QThread>
+
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+#include <vector>
+
+namespace {
+
+struct Task
+{
+    QString ownName;
+    bool refused = false;
+    int rounds = 0;
+    int calls = 0;
+    QStringList methods;
+};
+
+QDBusMessage callOf(const QString &method)
+{
+    const QString service = QStringLiteral("com.nimbo.parley.ui");
+    const QString interface =
+        method == QLatin1String("Ping") ? QStringLiteral("org.freedesktop.DBus.Peer") : service;
+    QDBusMessage call =
+        QDBusMessage::createMethodCall(service, QStringLiteral("/"), interface, method);
+    if (method == QLatin1String("dial"))
+        call.setArguments({QStringLiteral("+49305551234")});
+    return call;
+}
+
+bool isExpected(const Task &task, const QString &method, const QDBusMessage &answer)
+{
+    if (task.refused && method == QLatin1String("toggleCall"))
+        return answer.errorName() == QLatin1String("org.freedesktop.DBus.Error.AccessDenied");
+    if (method == QLatin1String("dial"))
+        return answer.arguments() == QVariantList{true};
+    return answer.type() == QDBusMessage::ReplyMessage;
+}
+
+/// The median of the calls, in microseconds; negative where an answer is not the expected one.
+double measure(const QDBusConnection &bus, const Task &task, const QString &method)
+{
+    std::vector<double> times;
+    for (int i = 0; i < task.calls; ++i) {
+        const QDBusMessage call = callOf(method);
+        QElapsedTimer timer;
+        timer.start();
+        const QDBusMessage answer = bus.call(call);
+        times.push_back(static_cast<double>(timer.nsecsElapsed()) / 1e3);
+        if (!isExpected(task, method, answer)) {
+            std::fprintf(stderr, "%s was answered with %s %s\n", qUtf8Printable(method),
+                         qUtf8Printable(answer.errorName()), qUtf8Printable(answer.errorMessage()));
+            return -1;
+        }
+    }
+    std::sort(times.begin(), times.end());
+    return times.at(times.size() / 2);
+}
+
+int run(const Task &task)
+{
+    QDBusConnection bus =
+        QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("caller"));
+    if (!task.ownName.isEmpty() && !bus.registerService(task.ownName))
+        return EXIT_FAILURE;
+    for (int round = 0; round < task.rounds; ++round) {
+        for (const QString &method : task.methods) {
+            const double time = measure(bus, task, method);
+            if (time < 0)
+                return EXIT_FAILURE;
+            std::printf("%.1f ", time);
+        }
+        std::printf("\n");
+    }
+    return EXIT_SUCCESS;
+}
+
+int runWithin(QCoreApplication &application, const Task &task)
+{
+    const ParleyUiAdaptor ui;
+    int status = EXIT_FAILURE;
+    const std::unique_ptr<QThread> caller(QThread::create([&] { status = run(task); }));
+    QObject::connect(caller.get(), &QThread::finished, &application, &QCoreApplication::quit);
+    caller->start();
+    QCoreApplication::exec();
+    caller->wait();
+    return status;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QCoreApplication application(argc, argv);
+    const QCommandLineOption own(QStringLiteral("own"), QString(), QStringLiteral("name"));
+    const QCommandLineOption refused(QStringLiteral("refused"));
+    const QCommandLineOption self(QStringLiteral("self"));
+    QCommandLineParser parser;
+    parser.addOptions({own, refused, self});
+    parser.process(application);
+    const QStringList arguments = parser.positionalArguments();
+    if (arguments.size() < 3) {
+        std::fputs("roundtrips [--own NAME] [--refused] [--self] ROUNDS CALLS METHOD ...\n",
+                   stderr);
+        return EXIT_FAILURE;
+    }
+    const Task task{parser.value(own), parser.isSet(refused), arguments.at(0).toInt(),
+                    std::max(1, arguments.at(1).toInt()), arguments.mid(2)};
+    return parser.isSet(self) ? runWithin(application, task) : run(task);
+}
