@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Parley developers
 // SPDX-License-Identifier: BSD-3-Clause
 
+#include "callmeanwhile.h"
 #include "childprocess.h"
 #include "filterrule.h"
 #include "literals.h"
@@ -213,7 +214,7 @@ bool TestSimFilterServices::isDone(const QString &path, const QString &interface
 {
     // The log is read meanwhile: a UI that cannot get rid of it stops.
     const QDBusMessage reply =
-        m_system->call(message(path, interface, method, arguments), QDBus::BlockWithGui, patience);
+        callMeanwhile(*m_system, message(path, interface, method, arguments), patience);
     if (reply.type() == QDBusMessage::ReplyMessage)
         return true;
     qWarning() << method << reply.errorName() << reply.errorMessage();

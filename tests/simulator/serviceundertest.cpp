@@ -3,8 +3,9 @@
 
 #include "serviceundertest.h"
 
+#include "callmeanwhile.h"
+
 #include <QDBusConnectionInterface>
-#include <QDBusPendingCall>
 #include <QDBusReply>
 #include <QDir>
 #include <QFile>
@@ -86,7 +87,7 @@ QDBusMessage ServiceUnderTest::callAt(const QString &path, const QString &interf
 {
     QDBusMessage message = QDBusMessage::createMethodCall(m_place.service, path, interface, method);
     message.setArguments(arguments);
-    return m_bus.call(message, QDBus::BlockWithGui, patience);
+    return callMeanwhile(m_bus, message, patience);
 }
 
 QStringList ServiceUnderTest::busctl(const QString &verb, const QStringList &arguments) const
