@@ -48,7 +48,7 @@ Alarms::Alarms(QDBusConnection systemBus, Transcript &transcript, QObject *paren
     , m_transcript(transcript)
     , m_list(m_bus,
              {QDBusMessage::createMethodCall(service, path, control, QStringLiteral("List")),
-              QStringLiteral("a{u(uxa{ss})}"), itemsOf})
+              QStringLiteral("a{u(uxa{ss})}"), itemsOf, QStringLiteral("cookie")})
 {
     registerAlarmTypes();
     m_bus.connect(service, path, control, QStringLiteral("Added"), this, SLOT(added(uint)));

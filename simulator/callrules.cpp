@@ -81,8 +81,9 @@ CallRules::CallRules(QDBusConnection systemBus, Transcript &transcript, QObject 
     : QObject(parent)
     , m_bus(std::move(systemBus))
     , m_transcript(transcript)
-    , m_dialList(m_bus, {question(QStringLiteral("dial")), form, itemsOf})
-    , m_incomingList(m_bus, {question(QStringLiteral("incoming")), form, itemsOf})
+    , m_dialList(m_bus, {question(QStringLiteral("dial")), form, itemsOf, QStringLiteral("imsi")})
+    , m_incomingList(m_bus,
+                     {question(QStringLiteral("incoming")), form, itemsOf, QStringLiteral("imsi")})
 {
     registerFilterRuleTypes();
     const auto follow = [this](const char *signal, const char *slot) {

@@ -74,7 +74,7 @@ Notifications::Notifications(QDBusConnection sessionBus, Transcript &transcript,
     , m_transcript(transcript)
     , m_list(m_bus,
              {QDBusMessage::createMethodCall(service, path, control, QStringLiteral("List")),
-              QStringLiteral("a(susssasa{sv}i)"), itemsOf})
+              QStringLiteral("a(susssasa{sv}i)"), itemsOf, QStringLiteral("id")})
 {
     qDBusRegisterMetaType<NotificationData>();
     m_bus.connect(service, path, control, QStringLiteral("Shown"), this,

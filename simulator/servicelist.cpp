@@ -7,13 +7,29 @@
 
 #include <QDBusServiceWatcher>
 
+#include <algorithm>
 #include <utility>
 
 ServiceList::ServiceList(QDBusConnection bus, Source source, QObject *parent)
-    : QObject(parent)
+    : QAbstractListModel(parent)
     , m_bus(std::move(bus))
     , m_source(std::move(source))
 {
+}
+
+int ServiceList::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : m_items.size();
+}
+
+QVariant ServiceList::data(const QModelIndex &index, int role) const
+{
+    return role == Qt::UserRole ? m_items.value(index.row()) : QVariant();
+}
+
+QHash<int, QByteArray> ServiceList::roleNames() const
+{
+    return {{Qt::UserRole, QByteArrayLiteral("entry")}};
 }
 
 void ServiceList::follow()
@@ -61,6 +77,50 @@ void ServiceList::setItems(const QVariantList &items)
 {
     if (items == m_items)
         return;
-    m_items = items;
+    int row = 0;
+    for (const QVariant &item : items) {
+        const int found = rowOf(item, row);
+        if (found < 0) {
+            insertRow(row, item);
+        } else {
+            removeRowsBetween(row, found);
+            replaceRow(row, item);
+        }
+        ++row;
+    }
+    removeRowsBetween(row, m_items.size());
     Q_EMIT itemsChanged();
+}
+
+/// -1 if it has none from \a firstRow on.
+int ServiceList::rowOf(const QVariant &item, int firstRow) const
+{
+    const auto keyOf = [this](const QVariant &any) { return any.toMap().value(m_source.key); };
+    const auto isIt = [&](const QVariant &other) { return keyOf(other) == keyOf(item); };
+    const auto found = std::find_if(m_items.cbegin() + firstRow, m_items.cend(), isIt);
+    return found == m_items.cend() ? -1 : static_cast<int>(found - m_items.cbegin());
+}
+
+void ServiceList::insertRow(int row, const QVariant &item)
+{
+    beginInsertRows({}, row, row);
+    m_items.insert(row, item);
+    endInsertRows();
+}
+
+void ServiceList::replaceRow(int row, const QVariant &item)
+{
+    if (m_items.at(row) == item)
+        return;
+    m_items.replace(row, item);
+    Q_EMIT dataChanged(index(row), index(row));
+}
+
+void ServiceList::removeRowsBetween(int firstRow, int endRow)
+{
+    if (firstRow == endRow)
+        return;
+    beginRemoveRows({}, firstRow, endRow - 1);
+    m_items.erase(m_items.begin() + firstRow, m_items.begin() + endRow);
+    endRemoveRows();
 }

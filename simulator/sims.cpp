@@ -44,7 +44,7 @@ Sims::Sims(QDBusConnection systemBus, Transcript &transcript, QObject *parent)
     , m_transcript(transcript)
     , m_list(m_bus,
              {QDBusMessage::createMethodCall(service, path, control, QStringLiteral("ListSims")),
-              QStringLiteral("a{s(sb)}"), itemsOf})
+              QStringLiteral("a{s(sb)}"), itemsOf, QStringLiteral("modem")})
 {
     registerSimTypes();
     const auto follow = [this](const char *signal, const char *slot) {

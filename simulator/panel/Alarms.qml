@@ -30,13 +30,12 @@ Section {
         onTriggered: root.now = Date.now()
     }
     Repeater {
-        model: root.items.length
+        model: panel.alarms
 
         RowLayout {
             id: row
 
-            readonly property var entry: root.items[index]
-                || ({cookie: 0, title: "", number: "", due: 0})
+            required property var entry
 
             spacing: Look.gap
 

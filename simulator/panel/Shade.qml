@@ -9,23 +9,20 @@ import QtQuick.Layouts 1.15
 Section {
     id: root
 
-    readonly property var items: panel.notifications.items
-
     title: "Notifications"
 
     Words {
         color: Look.dimText
         text: "None"
-        visible: root.items.length === 0
+        visible: panel.notifications.items.length === 0
     }
     Repeater {
-        model: root.items.length
+        model: panel.notifications
 
         AbstractButton {
             id: card
 
-            readonly property var entry: root.items[index]
-                || ({id: 0, application: "", summary: "", body: "", actions: []})
+            required property var entry
 
             Layout.fillWidth: true
             objectName: "click " + entry.id

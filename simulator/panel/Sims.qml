@@ -17,12 +17,13 @@ Section {
         visible: root.items.length === 0
     }
     Repeater {
-        model: root.items.length
+        model: panel.sims
 
         RowLayout {
             id: row
 
-            readonly property var entry: root.items[index] || ({modem: "", imsi: "", locked: false})
+            required property var entry
+            required property int index
             readonly property bool has: entry.imsi !== ""
 
             spacing: Look.gap

@@ -150,11 +150,14 @@ void TestPanel::showsNotifications()
     for (const QString &name : {u"Ada"_s, u"Bob"_s, u"Cyd"_s})
         m_panel->run({u"remind"_s, u"555"_s, u"3600"_s, name});
     QTRY_COMPARE(textOf(u"summary 3"_s), u"Call Cyd"_s);
+    const QQuickItem *const lastButton = item(u"dismiss 3"_s);
     click(u"click 1"_s, u"click 1"_s);
     QVERIFY(m_lines.contains(u"notifications: 1 chosen: default"_s));
     QTRY_VERIFY(!isShown(u"click 1"_s));
     click(u"click 2 app"_s, u"click 2 app"_s);
     QVERIFY(m_lines.contains(u"notifications: 2 chosen: app"_s));
+    QTRY_VERIFY(!isShown(u"click 2"_s));
+    QCOMPARE(item(u"dismiss 3"_s), lastButton); // whoever is pressing it, still is
     click(u"dismiss 3"_s, u"dismiss 3"_s);
     QTRY_VERIFY(!isShown(u"dismiss 3"_s));
 }
