@@ -173,7 +173,6 @@ void QuickMessagesModel::save()
         return;
     }
     QStringList messages = stringList();
-    m_fileExists = true;
     setHasError(false);
     // A handler may have chosen another file, or changed the messages of this one.
     const bool isCurrent = file.fileName() == m_filePath;

@@ -115,12 +115,16 @@ private Q_SLOTS:
     void dropsRequestsWhileOneIsOutstanding();
     void ignoresSignalsWithoutASim();
     void evaluatesForTheSimsOfTheMoment();
+    void ignoresSignalsOfOtherInterfaces();
     void allowsNothingForASimThatHasGone();
+    void waitsForBothAnswersOnceTheLastSimHasGone();
+    void isReadyBeforeItTellsOfPermissions();
 
     void locksNobodyOutWhereRulesCannotBeRead_data();
     void locksNobodyOutWhereRulesCannotBeRead();
     void failsWithoutAValidWatcher_data();
     void failsWithoutAValidWatcher();
+    void asksTheWatcherWhetherThereIsASim();
     void outlivesItsService();
     void survivesHandlersThatChangeTheSims();
     void dropsAnAnswerOnceItHasGone();
@@ -309,9 +313,6 @@ void TestSimFiltersHelper::registersItsTypes()
     const auto iterable = rules.value<QSequentialIterable>();
     QCOMPARE(iterable.size(), 2);
     QCOMPARE(iterable.at(1).value<Rule>().imsi, other);
-
-    const SimFiltersHelper another(nullptr);
-    QCOMPARE(QMetaType::type("SimFiltersHelper::RuleList"), list);
 }
 
 void TestSimFiltersHelper::carriesRules_data()
@@ -824,6 +825,49 @@ void TestSimFiltersHelper::allowsNothingForASimThatHasGone()
     QCOMPARE(settled(), QStringList(u"dial: ready dial receive 0"_s));
 }
 
+void TestSimFiltersHelper::ignoresSignalsOfOtherInterfaces()
+{
+    startAllowed({one});
+    m_service->emitSignal(u"org.ofono.Manager"_s, u"RuleAdded"_s, {}, dial);
+    m_service->emitSignal(interface, u"RuleReplaced"_s, {}, dial);
+    m_service->emitSignal(interface, u"RuleAdded"_s, {}, filters);
+    QCOMPARE(settled(), QStringList());
+    QCOMPARE(m_service->waiting(), 0);
+}
+
+void TestSimFiltersHelper::waitsForBothAnswersOnceTheLastSimHasGone()
+{
+    start();
+    setSims({one});
+    const QDBusMessage dialCall = getAll(dial);
+    const QDBusMessage incomingCall = getAll(incoming);
+    settled();
+    setSims({});
+    QCOMPARE(settled(), QStringList(u"count: dial receive 0"_s));
+    answer(dialCall, allow);
+    answer(incomingCall, allow);
+    QCOMPARE(settled(),
+             QStringList({u"dial: receive 0"_s, u"ready: ready 0"_s, u"receive: ready 0"_s}));
+    Q_EMIT watcher()->presentSimListChanged();
+    QCOMPARE(settled(),
+             QStringList({u"dial: ready dial receive 0"_s, u"receive: ready dial receive 0"_s}));
+}
+
+void TestSimFiltersHelper::isReadyBeforeItTellsOfPermissions()
+{
+    start();
+    setSims({one});
+    answer(getAll(dial), block);
+    const QDBusMessage call = getAll(incoming);
+    QCOMPARE(settled(), QStringList({u"count: dial receive 1"_s, u"dial: receive 1"_s}));
+    setSims({});
+    QCOMPARE(settled(),
+             QStringList({u"count: receive 0"_s, u"ready: ready dial receive 0"_s,
+                          u"dial: ready dial receive 0"_s}));
+    answer(call, allow);
+    QCOMPARE(settled(), QStringList(u"receive: ready dial 0"_s));
+}
+
 void TestSimFiltersHelper::locksNobodyOutWhereRulesCannotBeRead_data()
 {
     QTest::addColumn<QVariantList>("values");
@@ -884,6 +928,20 @@ void TestSimFiltersHelper::failsWithoutAValidWatcher()
     QCOMPARE(settled(), QStringList(u"count: ready dial receive 0"_s));
     m_service->fail(call, u"com.example.Error"_s, {});
     QCOMPARE(settled(), QStringList(u"dial: ready receive 0"_s));
+    QCOMPARE(log(), QStringList(u"debug: (dial) GetAll() failed: \"com.example.Error\" \"\""_s));
+}
+
+void TestSimFiltersHelper::asksTheWatcherWhetherThereIsASim()
+{
+    startAllowed({one});
+    m_service->emitSignal(interface, u"RulesChanged"_s, {}, dial);
+    const QDBusMessage call = getAll(dial);
+    setSims({});
+    settled();
+    m_platform->sims = QStringList{other}; // which the watcher has not told of yet
+    m_service->fail(call, u"com.example.Error"_s, {});
+    QCOMPARE(settled(), QStringList());
+    QVERIFY(m_helper->anyActiveSimCanDial());
     QCOMPARE(log(), QStringList(u"debug: (dial) GetAll() failed: \"com.example.Error\" \"\""_s));
 }
 
