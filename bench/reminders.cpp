@@ -8,6 +8,8 @@
 // Every figure is from a process of its own, on a private bus; the services are a thread of it.
 
 #include "reminders.h"
+
+#include "growth.h"
 #include "privatebus.h"
 #include "reminder.h"
 
@@ -17,14 +19,11 @@
 #include <QDBusMetaType>
 #include <QDBusVirtualObject>
 #include <QEventLoop>
-#include <QFile>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <QThread>
 
 #include <algorithm>
 #include <cstdio>
-#include <ctime>
 #include <memory>
 #include <vector>
 
@@ -35,8 +34,6 @@ Q_DECLARE_METATYPE(AttributesByCookie)
 Q_DECLARE_METATYPE(QVector<NotificationData>)
 
 namespace {
-
-constexpr int runs = 5;
 
 QString numberOf(int i)
 {
@@ -93,27 +90,6 @@ private:
     QVector<NotificationData> m_notifications;
 };
 
-/// Milliseconds of CPU that this thread has had.
-double threadTime()
-{
-    timespec time = {};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
-}
-
-long peakMemory()
-{
-    QFile status(QStringLiteral("/proc/self/status"));
-    if (!status.open(QIODevice::ReadOnly))
-        return 0;
-    const QList<QByteArray> lines = status.readAll().split('\n');
-    for (const QByteArray &line : lines) {
-        if (line.startsWith("VmHWM:"))
-            return line.simplified().split(' ').at(1).toLong();
-    }
-    return 0;
-}
-
 int measure(int size)
 {
     QTemporaryDir folder;
@@ -157,55 +133,12 @@ int measure(int size)
     const double bound = threadTime();
     const bool complete = std::all_of(watching.cbegin(), watching.cend(),
                                       [](const auto &reminder) { return reminder->exists(); });
-    std::printf("%f %f %ld\n", rebuilt - start, bound - rebuilt, peakMemory());
+    std::printf("%f %f %f\n", rebuilt - start, bound - rebuilt, peakMemory());
 
     thread.quit();
     thread.wait();
     QDBusConnection::disconnectFromBus(QStringLiteral("services"));
     return complete ? EXIT_SUCCESS : EXIT_FAILURE;
-}
-
-double median(std::vector<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values.at(values.size() / 2);
-}
-
-int compare(const QString &program)
-{
-    std::printf("Medians of %d processes each; ratio: to a tenth of the numbers.\n\n", runs);
-    std::printf("%8s %14s %7s %14s %7s %12s\n", "numbers", "read back, ms", "ratio", "bind all, ms",
-                "ratio", "peak, KiB");
-    double rebuiltBefore = 0;
-    double boundBefore = 0;
-    for (const int size : {10, 100, 1000, 10000}) {
-        std::vector<double> rebuilt;
-        std::vector<double> bound;
-        std::vector<double> memory;
-        for (int run = 0; run < runs; ++run) {
-            QProcess process;
-            process.start(program, {QString::number(size)});
-            if (!process.waitForFinished(-1) || process.exitCode() != 0) {
-                std::fprintf(stderr, "%s", process.readAllStandardError().constData());
-                return EXIT_FAILURE;
-            }
-            const QList<QByteArray> figures =
-                process.readAllStandardOutput().simplified().split(' ');
-            rebuilt.push_back(figures.at(0).toDouble());
-            bound.push_back(figures.at(1).toDouble());
-            memory.push_back(figures.at(2).toDouble());
-        }
-        std::printf("%8d %14.2f", size, median(rebuilt));
-        rebuiltBefore > 0 ? std::printf(" %7.1f", median(rebuilt) / rebuiltBefore)
-                          : std::printf(" %7s", "");
-        std::printf(" %14.2f", median(bound));
-        boundBefore > 0 ? std::printf(" %7.1f", median(bound) / boundBefore)
-                        : std::printf(" %7s", "");
-        std::printf(" %12.0f\n", median(memory));
-        rebuiltBefore = median(rebuilt);
-        boundBefore = median(bound);
-    }
-    return EXIT_SUCCESS;
 }
 
 } // namespace
@@ -214,8 +147,13 @@ int main(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
-    return arguments.size() > 1 ? measure(arguments.at(1).toInt())
-                                : compare(arguments.constFirst());
+    if (arguments.size() > 1)
+        return measure(arguments.at(1).toInt());
+    return printGrowth({"numbers",
+                        {10, 100, 1000, 10000},
+                        {{{},
+                          {QStringLiteral("read back, ms"), QStringLiteral("bind all, ms"),
+                           QStringLiteral("peak, KiB")}}}});
 }
 
 #include "reminders.moc"

@@ -8,6 +8,7 @@
 //
 // Every figure is from processes of their own, on a private bus; the telephony stack is a thread.
 
+#include "growth.h"
 #include "privatebus.h"
 #include "simfiltershelper.h"
 #include "telephonystack.h"
@@ -17,23 +18,17 @@
 #include <QDBusMetaType>
 #include <QDBusVirtualObject>
 #include <QEventLoop>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <QThread>
 #include <QVariantMap>
 
-#include <algorithm>
 #include <atomic>
 #include <cstdio>
-#include <ctime>
-#include <iterator>
 #include <vector>
 
 namespace {
 
-constexpr int runs = 5;
 constexpr int answers = 9;
-constexpr int simCounts[] = {1, 2, 4, 8};
 
 const QString filterInterface = QStringLiteral("org.cobalt.ofono.mdm.ParleyFilter");
 const QString dialPath = QStringLiteral("/mdm/parleyfilter/dial");
@@ -87,20 +82,6 @@ private:
     std::atomic<bool> m_blocking = false;
 };
 
-/// Milliseconds of CPU that this thread has had.
-double threadTime()
-{
-    timespec time = {};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
-}
-
-double median(std::vector<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values.at(values.size() / 2);
-}
-
 int measure(int ruleCount, int simCount)
 {
     QTemporaryDir folder;
@@ -152,53 +133,19 @@ int measure(int ruleCount, int simCount)
     return complete ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
-/// Of several processes; negative if one of them fails.
-double medianOf(const QString &program, int ruleCount, int simCount)
-{
-    std::vector<double> times;
-    for (int run = 0; run < runs; ++run) {
-        QProcess process;
-        process.start(program, {QString::number(ruleCount), QString::number(simCount)});
-        if (!process.waitForFinished(-1) || process.exitCode() != 0) {
-            std::fprintf(stderr, "%s", process.readAllStandardError().constData());
-            return -1;
-        }
-        times.push_back(process.readAllStandardOutput().trimmed().toDouble());
-    }
-    return median(times);
-}
-
-int compare(const QString &program)
-{
-    std::printf("Milliseconds, medians of %d processes each; ratio: to a tenth of the rules.\n\n",
-                runs);
-    std::printf("%8s", "rules");
-    for (const int simCount : simCounts)
-        std::printf(" %6d SIM%c %7s", simCount, simCount == 1 ? ' ' : 's', "ratio");
-    std::printf("\n");
-    std::vector<double> before(std::size(simCounts), 0);
-    for (const int ruleCount : {10, 100, 1000, 10000, 100000}) {
-        std::printf("%8d", ruleCount);
-        for (std::size_t i = 0; i < std::size(simCounts); ++i) {
-            const double time = medianOf(program, ruleCount, simCounts[i]);
-            if (time < 0)
-                return EXIT_FAILURE;
-            std::printf(" %11.3f", time);
-            before[i] > 0 ? std::printf(" %7.1f", time / before[i]) : std::printf(" %7s", "");
-            std::fflush(stdout);
-            before[i] = time;
-        }
-        std::printf("\n");
-    }
-    return EXIT_SUCCESS;
-}
-
 } // namespace
 
 int main(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
-    return arguments.size() > 2 ? measure(arguments.at(1).toInt(), arguments.at(2).toInt())
-                                : compare(arguments.constFirst());
+    if (arguments.size() > 2)
+        return measure(arguments.at(1).toInt(), arguments.at(2).toInt());
+    Growth growth{"rules", {10, 100, 1000, 10000, 100000}, {}};
+    for (const int simCount : {1, 2, 4, 8})
+        growth.processes.push_back({{QString::number(simCount)},
+                                    {QStringLiteral("%1 SIM%2, ms")
+                                         .arg(QString::number(simCount),
+                                              simCount == 1 ? QString() : QStringLiteral("s"))}});
+    return printGrowth(growth);
 }
