@@ -525,7 +525,7 @@ void TestHandset::keepsAJournal()
 {
     start({u"--script"_s,
            writeScript(
-               "dial 5551234\nalarms\nsims\njournal\n"
+               "dial 5551234\nalarms\nsims\njournal 100\n"
                "expect *:*:*.* session -> dial(\"5551234\") = true, *.* ms\n"
                "open remind:5550100?seconds=1000\n"
                "expect screen: contact 5550100 (reminder)\nexpect 1 shown: *\n"
@@ -538,7 +538,7 @@ void TestHandset::keepsAJournal()
                "sim insert 26201 ril_0\nexpect sims: 1\njournal 100\n"
                "expect * system -> PropertyChanged(\"Present\", true) at /ril_0\n"
                "expect * system <- GetProperties() at /ril_0 = {*}, * ms\n"
-               "restart\njournal clear\ndial 77\njournal\n"
+               "restart\njournal clear\ndial 77\njournal 100\n"
                "expect * session -> dial(\"77\") = true, * ms\n")});
     QVERIFY2(ends(0), qUtf8Printable(m_output.right(800)));
     for (const QString &control :
@@ -552,7 +552,7 @@ void TestHandset::tellsARefusalInTheJournal()
     if (geteuid() != 0)
         QSKIP("only root can act as another user");
     start({u"--script"_s,
-           writeScript("toggle-as 65534 65534\njournal 5\n"
+           writeScript("toggle-as 65534 65534\njournal 100\n" // the UI goes on starting
                        "expect * session -> toggleCall() = "
                        "org.freedesktop.DBus.Error.AccessDenied: PID * is not in privileged "
                        "group, * ms\n")});
