@@ -74,12 +74,22 @@ bool TestDesk::startDemo()
         && clickOn(u"show"_s) && prints(u"ui: screen: dial pad"_s) && phoneRests();
 }
 
+/// Waits until it has stayed where it is for a while: what has come moves what is below.
 bool TestDesk::clickOn(const QString &name)
 {
-    if (!QTest::qWaitFor([&] { return isShown(name); }, patience))
-        return false;
-    const QQuickItem *button = item(name);
-    return clickAt(button->mapToGlobal({button->width() / 2, button->height() / 2}).toPoint());
+    QPoint place;
+    int same = 0;
+    const auto rests = [&] {
+        if (!isShown(name))
+            return false;
+        const QQuickItem *button = item(name);
+        const QPoint now =
+            button->mapToGlobal({button->width() / 2, button->height() / 2}).toPoint();
+        same = now == place ? same + 1 : 0;
+        place = now;
+        return same == 20;
+    };
+    return QTest::qWaitFor(rests, patience) && clickAt(place);
 }
 
 bool TestDesk::fill(const QString &name, const QString &text)

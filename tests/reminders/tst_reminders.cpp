@@ -1310,6 +1310,7 @@ void TestReminders::surviveTheirHandlers()
         m_watching.clear(); // whose handlers reach into this turn of the loop
         m_reminders.reset();
         m_daemon->settle();
+        m_notifications->settle();
         m_daemon->forget();
         m_notifications->forget();
     }

@@ -102,12 +102,14 @@ QDBusMessage ScriptedService::next(const QString &method)
 
 void ScriptedService::reply(const QDBusMessage &call, const QVariantList &values)
 {
-    m_bus.send(call.createReply(values));
+    if (call.type() == QDBusMessage::MethodCallMessage)
+        m_bus.send(call.createReply(values));
 }
 
 void ScriptedService::fail(const QDBusMessage &call, const QString &error, const QString &text)
 {
-    m_bus.send(call.createErrorReply(error, text));
+    if (call.type() == QDBusMessage::MethodCallMessage)
+        m_bus.send(call.createErrorReply(error, text));
 }
 
 void ScriptedService::emitSignal(const QString &interface, const QString &name,

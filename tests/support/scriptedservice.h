@@ -37,6 +37,7 @@ public:
     /// Forgets the calls that have come.
     void forget() { m_calls.clear(); }
 
+    /// Neither answers an invalid message.
     void reply(const QDBusMessage &call, const QVariantList &values);
     void fail(const QDBusMessage &call, const QString &error, const QString &text);
     /// From the object at \a path, or, without one, at the path of the service.
