@@ -50,11 +50,11 @@ void UiTraffic::take(const BusMessage &message)
     drain();
 }
 
-void UiTraffic::start(const QMap<QString, QString> &owners)
+void UiTraffic::start(const QMap<QString, QString> &owners, const QStringList &connections)
 {
     m_owners = owners;
-    for (const QString &owner : owners)
-        askAbout(owner);
+    for (const QString &connection : connections)
+        askAbout(connection);
     --m_questions;
     drain();
 }

@@ -10,6 +10,7 @@
 #include <QObject>
 #include <QQueue>
 #include <QSet>
+#include <QStringList>
 
 #include <functional>
 
@@ -32,9 +33,9 @@ public:
     /// The next message on the bus.
     void take(const BusMessage &message);
 
-    /// Says who owned which well-known name before the first message; what messages tell is newer.
-    /// They wait until this has been called.
-    void start(const QMap<QString, QString> &owners);
+    /// Says which connections there were before the first message, and who of them owned which
+    /// well-known name; what messages tell is newer. They wait until this has been called.
+    void start(const QMap<QString, QString> &owners, const QStringList &connections);
 
 Q_SIGNALS:
     /// Something that the call UI gets (\a incoming) or sends. \a peer is the other side, by its

@@ -62,7 +62,7 @@ void WatchedBus::askWhetherUi(const QString &connection, const std::function<voi
     });
 }
 
-/// The names that were taken before anybody watched.
+/// The connections that were there before anybody watched, and their names.
 void WatchedBus::askForOwners()
 {
     auto *watcher = ask(QStringLiteral("ListNames"), {});
@@ -70,11 +70,13 @@ void WatchedBus::askForOwners()
         watcher->deleteLater();
         const QStringList names = QDBusPendingReply<QStringList>(*watcher).value();
         for (const QString &name : names) {
-            if (name != busService && !name.startsWith(QLatin1Char(':')))
+            if (name.startsWith(QLatin1Char(':')))
+                m_connections.append(name);
+            else if (name != busService)
                 askForOwner(name);
         }
         if (m_awaitedOwners == 0)
-            m_traffic.start(m_owners);
+            m_traffic.start(m_owners, m_connections);
     });
 }
 
@@ -88,7 +90,7 @@ void WatchedBus::askForOwner(const QString &name)
         if (!owner.isError())
             m_owners.insert(name, owner.value());
         if (--m_awaitedOwners == 0)
-            m_traffic.start(m_owners);
+            m_traffic.start(m_owners, m_connections);
     });
 }
 

@@ -56,6 +56,7 @@ private:
     BusMonitor m_monitor;
     UiTraffic m_traffic;
     QMap<QString, QString> m_owners; ///< Of the names that were taken before.
+    QStringList m_connections; ///< That were there before.
     int m_awaitedOwners = 0;
     QString m_mark; ///< To be sent; empty for none.
     bool m_isWatched = true;

@@ -363,7 +363,7 @@ void TestJournal::doesWithoutAMonitor()
 void TestJournal::startTraffic(const QMap<QString, QString> &owners)
 {
     makeTraffic();
-    m_traffic->start(owners);
+    m_traffic->start(owners, owners.values());
 }
 
 /// Questions are kept in m_questions.
@@ -504,7 +504,7 @@ void TestJournal::waitsForTheFirstNames()
     m_traffic->take(call(other, u"com.example.ui"_s, u"two"_s, 2));
     m_questions.value(other)(false);
     QCOMPARE(m_seen, QStringList());
-    m_traffic->start({{u"com.example.Old"_s, other}, {u"com.example.ui"_s, ui}});
+    m_traffic->start({{u"com.example.Old"_s, other}, {u"com.example.ui"_s, ui}}, {other, ui});
     QCOMPARE(m_seen, QStringList());
     m_questions.value(ui)(true);
     QCOMPARE(m_seen, (QStringList{u"one -> com.example.Old"_s, u"two -> :1.9"_s}));
