@@ -5,6 +5,7 @@
 #include "literals.h"
 #include "panelundertest.h"
 
+#include <QDateTime>
 #include <QGuiApplication>
 #include <QImage>
 #include <QProcess>
@@ -207,6 +208,13 @@ namespace {
 
 const char *const onADisplay = "PARLEY_TEST_ON_A_DISPLAY";
 
+/// The time zone (POSIX TZ) in which it is after nine in the morning now: what the demo's reminder
+/// sheet offers depends on the hour.
+QByteArray zoneOfTheMorning()
+{
+    return "MORNING" + QByteArray::number(QDateTime::currentDateTimeUtc().time().hour() - 9);
+}
+
 /// Runs this test once more, on a display of its own.
 int runOnADisplay(int argc, char *argv[])
 {
@@ -226,6 +234,7 @@ int runOnADisplay(int argc, char *argv[])
     qputenv("QT_QUICK_BACKEND", "software");
     for (const char *variable : {"HOME", "XDG_RUNTIME_DIR", "XDG_CACHE_HOME"})
         qputenv(variable, home.path().toUtf8());
+    qputenv("TZ", zoneOfTheMorning());
     qputenv(onADisplay, "1");
     return QProcess::execute(QCoreApplication::applicationFilePath(),
                              QCoreApplication::arguments().mid(1));
