@@ -3,16 +3,68 @@
 
 #include "parleyuiadaptor.h"
 
+#include "answers.h"
+#include "receivelimits.h"
+
 #include <QCoreApplication>
 #include <QDBusAbstractAdaptor>
 #include <QDBusConnection>
-#include <QDBusConnectionInterface>
 #include <QDBusMessage>
-#include <QDBusReply>
 #include <QDebug>
 #include <QFileInfo>
+#include <QPointer>
+#include <QQmlEngine>
+
+#include <numeric>
 
 namespace {
+
+/// The process that owns the bus name \a name, as the bus daemon tells; 0 if there is none. Waits for
+/// the answer. What anybody else sends in its place is no answer.
+qint32 processOf(const QDBusConnection &bus, const QString &name)
+{
+    QDBusMessage question = QDBusMessage::createMethodCall(
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetConnectionUnixProcessID"));
+    question.setArguments({name});
+    const QDBusMessage answer = bus.call(question);
+    if (!isFromBus(answer) || answer.type() != QDBusMessage::ReplyMessage)
+        return 0;
+    return static_cast<qint32>(answer.arguments().value(0).toUInt());
+}
+
+int sizeOf(const QString &text)
+{
+    return text.size();
+}
+
+int sizeOf(const QStringList &texts)
+{
+    return std::accumulate(texts.cbegin(), texts.cend(), texts.size(),
+                           [](int size, const QString &text) { return size + text.size(); });
+}
+
+/// Gives the memory back that a large request has taken in the engine of \a ui, once the handlers
+/// have run: an engine that has little to do would keep it for hours.
+class LargeRequest
+{
+public:
+    LargeRequest(const ParleyUiAdaptor *ui, int size)
+        : m_engine(size > large ? qmlEngine(ui) : nullptr)
+    {
+    }
+    ~LargeRequest()
+    {
+        if (m_engine)
+            m_engine->collectGarbage();
+    }
+
+private:
+    Q_DISABLE_COPY(LargeRequest)
+    static constexpr int large = 1024 * 1024; ///< Characters.
+
+    const QPointer<QQmlEngine> m_engine;
+};
 
 class Adaptor : public QDBusAbstractAdaptor
 {
@@ -28,21 +80,28 @@ public:
 
     // A handler may destroy both objects: nothing here touches a member after an emission.
 public Q_SLOTS:
-    void show(const QStringList &args) { Q_EMIT m_ui->show(args); }
+    void show(const QStringList &args);
     void showOngoing() { Q_EMIT m_ui->showOngoing(); }
     void openUrl(const QStringList &arg);
     bool dial(const QString &number);
     bool dialViaModem(const QString &modemPath, const QString &number);
     void showCellularErrorDialog() { Q_EMIT m_ui->showCellularErrorDialog(); }
-    void openContactCard(const QString &number) { Q_EMIT m_ui->openContactCard(number); }
+    void openContactCard(const QString &number);
     void toggleCall();
 
 private:
     ParleyUiAdaptor *const m_ui;
 };
 
+void Adaptor::show(const QStringList &args)
+{
+    const LargeRequest request(m_ui, sizeOf(args));
+    Q_EMIT m_ui->show(args);
+}
+
 void Adaptor::openUrl(const QStringList &arg)
 {
+    const LargeRequest request(m_ui, sizeOf(arg));
     if (arg.isEmpty())
         Q_EMIT m_ui->show(arg);
     else
@@ -51,14 +110,22 @@ void Adaptor::openUrl(const QStringList &arg)
 
 bool Adaptor::dial(const QString &number)
 {
+    const LargeRequest request(m_ui, sizeOf(number));
     Q_EMIT m_ui->dial(number);
     return true;
 }
 
 bool Adaptor::dialViaModem(const QString &modemPath, const QString &number)
 {
+    const LargeRequest request(m_ui, sizeOf(modemPath) + sizeOf(number));
     Q_EMIT m_ui->dialViaModem(modemPath, number);
     return true;
+}
+
+void Adaptor::openContactCard(const QString &number)
+{
+    const LargeRequest request(m_ui, sizeOf(number));
+    Q_EMIT m_ui->openContactCard(number);
 }
 
 void Adaptor::toggleCall()
@@ -75,6 +142,7 @@ ParleyUiAdaptor::ParleyUiAdaptor(QObject *parent)
     new Adaptor(this);
 
     QDBusConnection bus = QDBusConnection::sessionBus();
+    removeReceiveLimits(bus);
     if (!bus.registerObject(QStringLiteral("/"), this, QDBusConnection::ExportAdaptors)) {
         qWarning("Failed to register the voice call service object on the path '/'");
         return;
@@ -85,15 +153,14 @@ ParleyUiAdaptor::ParleyUiAdaptor(QObject *parent)
 
 bool ParleyUiAdaptor::isPrivilegedCaller(const QStringList &exemptServices)
 {
-    const QDBusConnectionInterface *bus = connection().interface();
-    const auto pid = static_cast<qint32>(bus->servicePid(message().service()).value());
+    const qint32 pid = processOf(connection(), message().service());
     if (pid == static_cast<qint32>(QCoreApplication::applicationPid()))
         return true;
 
     for (const QString &service : exemptServices) {
         // A name without an owner has no process, not even that of a caller that has gone.
-        const QDBusReply<uint> owner = bus->servicePid(service);
-        if (owner.isValid() && static_cast<qint32>(owner.value()) == pid)
+        const qint32 owner = processOf(connection(), service);
+        if (owner != 0 && owner == pid)
             return true;
     }
 
