@@ -3,11 +3,13 @@
 
 #include "simfiltershelper.h"
 
+#include "receivelimits.h"
+
 #include <qofonosimmanager.h>
 #include <qofonosimwatcher.h>
 
+#include <QDBusAbstractInterface>
 #include <QDBusConnection>
-#include <QDBusInterface>
 #include <QDBusMetaType>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
@@ -22,6 +24,18 @@ const QLatin1String service("org.ofono");
 const QLatin1String filterInterface("org.cobalt.ofono.mdm.ParleyFilter");
 const QLatin1String dialPath("/mdm/parleyfilter/dial");
 const QLatin1String incomingPath("/mdm/parleyfilter/incoming");
+
+/// A filter object, which is known beforehand and need not be asked what it is, unlike that of a
+/// QDBusInterface. It is valid where "org.ofono" has an owner.
+class FilterInterface : public QDBusAbstractInterface
+{
+public:
+    FilterInterface(const QString &path, QObject *parent)
+        : QDBusAbstractInterface(::service, path, filterInterface.latin1(),
+                                 QDBusConnection::systemBus(), parent)
+    {
+    }
+};
 
 void registerFilterTypes()
 {
@@ -59,14 +73,14 @@ SimFiltersHelper::SimFiltersHelper(QObject *parent)
     , m_dial{"dial", nullptr}
     , m_incoming{"incoming", nullptr}
 {
+    removeReceiveLimits(QDBusConnection::systemBus());
     m_simWatcher->setRequireSubscriberIdentity(true);
     connect(m_simWatcher, SIGNAL(validChanged()), this, SLOT(updateSims()));
     connect(m_simWatcher, SIGNAL(presentSimListChanged()), this, SLOT(updateSims()));
 
     registerFilterTypes();
-    const QDBusConnection bus = QDBusConnection::systemBus();
-    m_dial.interface = new QDBusInterface(service, dialPath, filterInterface, bus, this);
-    m_incoming.interface = new QDBusInterface(service, incomingPath, filterInterface, bus, this);
+    m_dial.interface = new FilterInterface(dialPath, this);
+    m_incoming.interface = new FilterInterface(incomingPath, this);
     if (m_dial.interface->isValid() && m_incoming.interface->isValid()) {
         connectSignals();
         requestDialRules();

@@ -9,7 +9,7 @@
 #include <QObject>
 #include <QStringList>
 
-class QDBusInterface;
+class QDBusAbstractInterface;
 class QDBusPendingCall;
 class QDBusPendingCallWatcher;
 class QOfonoSimWatcher;
@@ -55,8 +55,7 @@ public:
     /// In the order in which they count: the first rule for a SIM decides. a(su) on the bus.
     using RuleList = QList<Rule>;
 
-    /// Asks the filter objects' owner for their introspection and waits for it: at once where there
-    /// is none, but where it hangs for as long as a call to it takes to fail.
+    /// Waits for the bus daemon, which it asks for the owner of "org.ofono", and for nobody else.
     explicit SimFiltersHelper(QObject *parent);
 
     bool ready() const { return m_dial.ready && m_incoming.ready; }
@@ -84,7 +83,7 @@ private:
     struct Filter
     {
         const char *name; ///< For the log.
-        QDBusInterface *interface;
+        QDBusAbstractInterface *interface;
         bool ready = false; ///< Whether \a allowed has had a value.
         bool allowed = true; ///< Whether any SIM is allowed the call.
         bool requestPending = false;
