@@ -3,6 +3,7 @@
 
 #include "quickmessagesmodel.h"
 
+#include "messagesfile.h"
 #include "messagesjson.h"
 
 #include <QDebug>
@@ -92,18 +93,20 @@ void QuickMessagesModel::watch(const QString &path)
     const QString directoryPath = directory.absolutePath();
     if (QFileInfo(directoryPath).isReadable()) // or it cannot be watched
         m_watcher.addPath(directoryPath);
-    m_fileExists = file.exists();
-    if (m_fileExists)
+    if (file.exists())
         watchFile(path);
+    else
+        m_fileExists = false;
 }
 
-/// A file of the same name may have taken the place of the one that was watched. It may also go at
-/// any moment: what could not be watched is not taken for known, or its return would be no news.
-void QuickMessagesModel::watchFile(const QString &path)
+/// Whether the file can be watched: one that may not be read cannot. A file of the same name may
+/// have taken the place of the one that was watched.
+bool QuickMessagesModel::watchFile(const QString &path)
 {
-    const QString absolutePath = QFileInfo(path).absoluteFilePath();
-    m_watcher.removePath(absolutePath);
-    m_fileExists = QFileInfo(absolutePath).isReadable() && m_watcher.addPath(absolutePath);
+    const QFileInfo file(QFileInfo(path).absoluteFilePath());
+    m_watcher.removePath(file.filePath());
+    m_fileExists = true;
+    return file.isReadable() && m_watcher.addPath(file.filePath());
 }
 
 void QuickMessagesModel::load()
@@ -124,16 +127,18 @@ void QuickMessagesModel::load()
         show(m_defaultValue);
         return;
     }
-    QFile file(m_filePath);
+    const QString path = m_filePath;
+    QFile file(path);
     // Before it is read: what is written from now on is noticed.
-    watchFile(m_filePath);
-    const bool opened = file.open(QIODevice::ReadOnly | QIODevice::Text);
+    watchFile(path);
+    const bool opened = openToRead(file);
     setHasError(!opened);
     // A handler may have chosen another file, whose messages are shown by now.
-    if (file.fileName() != m_filePath)
+    if (path != m_filePath)
         return;
     // Nor before that: a handler may have saved.
-    const QStringList messages = opened ? messagesFromJson(file.readAll()) : QStringList();
+    const QStringList messages =
+        opened ? messagesFromJson(file.read(largestMessagesFile)) : QStringList();
     if (messages.isEmpty())
         show(m_defaultValue);
     else if (messages != stringList())
@@ -165,25 +170,26 @@ void QuickMessagesModel::save()
                    << "filePath is not set, can't save";
         return;
     }
-    QFile file(m_filePath);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Text)) {
+    const QString path = m_filePath;
+    QFile file(path);
+    if (!openToWrite(file)) {
         qWarning() << "void QuickMessagesModel::save()"
-                   << "can't open file" << m_filePath;
+                   << "can't open file" << path;
         setHasError(true);
         return;
     }
     QStringList messages = stringList();
     setHasError(false);
     // A handler may have chosen another file, or changed the messages of this one.
-    const bool isCurrent = file.fileName() == m_filePath;
+    const bool isCurrent = path == m_filePath;
     if (isCurrent)
         messages = stringList();
     // What is written here is no news.
-    m_watcher.removePath(QFileInfo(file).absoluteFilePath());
+    m_watcher.removePath(QFileInfo(path).absoluteFilePath());
     file.write(messagesToJson(messages));
     file.close();
     if (isCurrent)
-        watchFile(m_filePath);
+        watchFile(path);
 }
 
 void QuickMessagesModel::setHasError(bool hasError)
@@ -246,10 +252,16 @@ void QuickMessagesModel::directoryChanged(const QString &path)
         const QStringList files = m_watcher.files();
         if (!files.isEmpty())
             m_watcher.removePaths(files);
-    } else if (!m_fileExists) {
-        watchFile(m_filePath);
-        load();
+        return;
     }
+    // One that is known and not watched could not be read: the rows stay until it can be.
+    const bool isKnown = m_fileExists;
+    const bool isWatched =
+        (m_watcher.files() + m_watcher.directories()).contains(file.absoluteFilePath());
+    if (isKnown && isWatched)
+        return;
+    if (watchFile(m_filePath) || !isKnown)
+        load();
 }
 
 void QuickMessagesModel::fileChanged(const QString &path)

@@ -25,7 +25,8 @@ class QuickMessagesModel : public QStringListModel
     /// Whether the file is read and written at all. True at first; turning true reads it.
     Q_PROPERTY(bool active READ active WRITE setActive NOTIFY activeChanged)
     /// Whether the file could not be opened when it was last read or written, or its directory
-    /// could not be made (which changes this without a signal, and is meant to). A file without
+    /// could not be made (which changes this without a signal, and is meant to). What is no regular
+    /// file, or has more than 16 MiB to read, counts as a file that cannot be opened. A file without
     /// messages is no error, nor is a missing one.
     Q_PROPERTY(bool hasError READ hasError NOTIFY hasErrorChanged)
 
@@ -69,14 +70,14 @@ private Q_SLOTS:
 private:
     void watch(const QString &path);
     void stopWatching();
-    void watchFile(const QString &path);
+    bool watchFile(const QString &path);
     void load();
     void show(const QStringList &messages);
     void setHasError(bool hasError);
 
     bool m_active = true;
     bool m_hasError = false;
-    bool m_fileExists = false; ///< And is watched.
+    bool m_fileExists = false; ///< It may still be one that cannot be watched or read.
     QString m_filePath;
     QStringList m_defaultValue;
     QFileSystemWatcher m_watcher; ///< Of the file and its directory.

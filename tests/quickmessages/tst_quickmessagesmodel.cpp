@@ -21,6 +21,7 @@
 #include <memory>
 #include <optional>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -111,6 +112,11 @@ private Q_SLOTS:
     void reportsErrorsOfWriting();
     void clearsAnErrorWhenWriting();
     void reportsAFileThatItMayNotRead();
+    void keepsItsRowsBesideAFileThatItMayNotRead();
+    void takesRegularFilesAlone_data();
+    void takesRegularFilesAlone();
+    void takesFilesUpToALimit_data();
+    void takesFilesUpToALimit();
     void reportsAFileThatItMayNotWrite();
     void worksInADirectoryThatItMayNotList();
     void writesAFileThatItMayNotRead();
@@ -973,6 +979,106 @@ void TestQuickMessagesModel::reportsAFileThatItMayNotRead()
     QCOMPARE(rows(), QStringList(u"a"_s));
 }
 
+void TestQuickMessagesModel::keepsItsRowsBesideAFileThatItMayNotRead()
+{
+    write(R"(["a"])");
+    QVERIFY(QFile::setPermissions(m_home->path(), QFile::Permissions(0x7755)));
+    QVERIFY(QFile::setPermissions(m_file, QFile::WriteOwner));
+    const QString folder = QFileInfo(m_file).path();
+    QVERIFY(QFile::setPermissions(folder, QFile::Permissions(0x7777)));
+    {
+        const WithoutRights rights;
+        make();
+        m_model->append(u"not saved"_s);
+        takeEvents();
+        changeAndSettle(folder, [&] { writeTo(folder + u"/unrelated"_s, "x"); });
+        QCOMPARE(takeEvents(), QStringList());
+    }
+    QCOMPARE(rows(), ids + QStringList(u"not saved"_s));
+    QVERIFY(m_model->hasError());
+
+    QVERIFY(QFile::setPermissions(m_file, QFile::Permissions(0x6644)));
+    QTRY_COMPARE_WITH_TIMEOUT(rows(), QStringList(u"a"_s), patience);
+    write(R"(["b"])"); // it is watched from then on
+    QTRY_COMPARE_WITH_TIMEOUT(rows(), QStringList(u"b"_s), patience);
+}
+
+void TestQuickMessagesModel::takesRegularFilesAlone_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::newRow("FIFO") << u"FIFO"_s;
+    QTest::newRow("FIFO that somebody reads") << u"read FIFO"_s;
+    QTest::newRow("endless device") << u"/dev/zero"_s;
+    QTest::newRow("device that takes everything") << u"/dev/null"_s;
+    QTest::newRow("full device") << u"/dev/full"_s;
+}
+
+/// What would be waited for, or never end, counts as a file that cannot be opened.
+void TestQuickMessagesModel::takesRegularFilesAlone()
+{
+    QFETCH(QString, kind);
+
+    QVERIFY(QDir().mkpath(QFileInfo(m_file).path()));
+    if (kind.startsWith(u'/'))
+        QVERIFY(QFile::link(kind, m_file));
+    else
+        QCOMPARE(mkfifo(qUtf8Printable(m_file), 0600), 0);
+    const int reader =
+        kind == u"read FIFO"_s ? ::open(qUtf8Printable(m_file), O_RDONLY | O_NONBLOCK) : -1;
+    make();
+    QVERIFY(m_model->hasError());
+    QCOMPARE(rows(), ids);
+    m_model->append(u"not saved"_s);
+    m_model->save();
+    QCOMPARE(log(),
+             QStringList(u"warning: void QuickMessagesModel::save() can't open file \""_s + m_file
+                         + u'"'));
+    QCOMPARE(rows(), ids + QStringList(u"not saved"_s));
+    if (reader >= 0)
+        ::close(reader);
+
+    changeAndSettle(QFileInfo(m_file).path(), [this] { QFile::remove(m_file); });
+    takeEvents();
+    write(R"(["a"])");
+    QTRY_COMPARE_WITH_TIMEOUT(rows(), QStringList(u"a"_s), patience);
+    QVERIFY(takeEvents().contains(u"no error"_s));
+}
+
+void TestQuickMessagesModel::takesFilesUpToALimit_data()
+{
+    QTest::addColumn<qint64>("size");
+    QTest::addColumn<bool>("isTaken");
+
+    constexpr qint64 limit = 16 << 20;
+    QTest::newRow("16 MiB") << limit << true;
+    QTest::newRow("a byte more") << limit + 1 << false;
+    QTest::newRow("1 TB of nothing") << (qint64{1} << 40) << false;
+}
+
+void TestQuickMessagesModel::takesFilesUpToALimit()
+{
+    QFETCH(qint64, size);
+    QFETCH(bool, isTaken);
+
+    write(R"(["a"])");
+    QFile file(m_file);
+    if (size > 1 << 30)
+        QVERIFY(file.resize(size)); // a hole
+    else
+        write(R"(["a")" + QByteArray(static_cast<int>(size) - 5, ' ') + ']');
+    QCOMPARE(QFileInfo(m_file).size(), size);
+    make();
+    QCOMPARE(m_model->hasError(), !isTaken);
+    QCOMPARE(rows(), isTaken ? QStringList(u"a"_s) : ids);
+    // It may be saved over, and be smaller again.
+    m_model->append(u"b"_s);
+    m_model->save();
+    QVERIFY(!m_model->hasError());
+    QVERIFY(content().endsWith("\n    \"b\"\n]\n"));
+    write(R"(["c"])");
+    QTRY_COMPARE_WITH_TIMEOUT(rows(), QStringList(u"c"_s), patience);
+}
+
 void TestQuickMessagesModel::reportsAFileThatItMayNotWrite()
 {
     const QByteArray json = R"(["a"])";
@@ -1089,7 +1195,7 @@ void TestQuickMessagesModel::outlivesAHugeFile_data()
     QTest::addColumn<int>("count");
     QTest::addColumn<int>("rows");
 
-    constexpr int size = 100 << 20;
+    constexpr int size = 15 << 20;
     QTest::newRow("strings") << QByteArray("\"Message of forty characters, all the same\"")
                              << size / 44 << size / 44;
     QTest::newRow("one string") << QByteArray("\"" + QByteArray(size, 'x') + '"') << 1 << 1;
