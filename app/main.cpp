@@ -3,6 +3,7 @@
 
 #include "commandline.h"
 #include "controlgroup.h"
+#include "heaptrim.h"
 #include "qmltypes.h"
 #include "rootcontext.h"
 #include "specialsequences.h"
@@ -62,5 +63,6 @@ Q_DECL_EXPORT int main(int argc, char *argv[])
         view->raise();
     }
 
+    const HeapTrim heapTrim(*view->engine());
     return QGuiApplication::exec();
 }

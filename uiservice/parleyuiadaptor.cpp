@@ -12,10 +12,6 @@
 #include <QDBusMessage>
 #include <QDebug>
 #include <QFileInfo>
-#include <QPointer>
-#include <QQmlEngine>
-
-#include <numeric>
 
 namespace {
 
@@ -33,39 +29,6 @@ qint32 processOf(const QDBusConnection &bus, const QString &name)
     return static_cast<qint32>(answer.arguments().value(0).toUInt());
 }
 
-int sizeOf(const QString &text)
-{
-    return text.size();
-}
-
-int sizeOf(const QStringList &texts)
-{
-    return std::accumulate(texts.cbegin(), texts.cend(), texts.size(),
-                           [](int size, const QString &text) { return size + text.size(); });
-}
-
-/// Gives the memory back that a large request has taken in the engine of \a ui, once the handlers
-/// have run: an engine that has little to do would keep it for hours.
-class LargeRequest
-{
-public:
-    LargeRequest(const ParleyUiAdaptor *ui, int size)
-        : m_engine(size > large ? qmlEngine(ui) : nullptr)
-    {
-    }
-    ~LargeRequest()
-    {
-        if (m_engine)
-            m_engine->collectGarbage();
-    }
-
-private:
-    Q_DISABLE_COPY(LargeRequest)
-    static constexpr int large = 1024 * 1024; ///< Characters.
-
-    const QPointer<QQmlEngine> m_engine;
-};
-
 class Adaptor : public QDBusAbstractAdaptor
 {
     Q_OBJECT
@@ -80,28 +43,21 @@ public:
 
     // A handler may destroy both objects: nothing here touches a member after an emission.
 public Q_SLOTS:
-    void show(const QStringList &args);
+    void show(const QStringList &args) { Q_EMIT m_ui->show(args); }
     void showOngoing() { Q_EMIT m_ui->showOngoing(); }
     void openUrl(const QStringList &arg);
     bool dial(const QString &number);
     bool dialViaModem(const QString &modemPath, const QString &number);
     void showCellularErrorDialog() { Q_EMIT m_ui->showCellularErrorDialog(); }
-    void openContactCard(const QString &number);
+    void openContactCard(const QString &number) { Q_EMIT m_ui->openContactCard(number); }
     void toggleCall();
 
 private:
     ParleyUiAdaptor *const m_ui;
 };
 
-void Adaptor::show(const QStringList &args)
-{
-    const LargeRequest request(m_ui, sizeOf(args));
-    Q_EMIT m_ui->show(args);
-}
-
 void Adaptor::openUrl(const QStringList &arg)
 {
-    const LargeRequest request(m_ui, sizeOf(arg));
     if (arg.isEmpty())
         Q_EMIT m_ui->show(arg);
     else
@@ -110,22 +66,14 @@ void Adaptor::openUrl(const QStringList &arg)
 
 bool Adaptor::dial(const QString &number)
 {
-    const LargeRequest request(m_ui, sizeOf(number));
     Q_EMIT m_ui->dial(number);
     return true;
 }
 
 bool Adaptor::dialViaModem(const QString &modemPath, const QString &number)
 {
-    const LargeRequest request(m_ui, sizeOf(modemPath) + sizeOf(number));
     Q_EMIT m_ui->dialViaModem(modemPath, number);
     return true;
-}
-
-void Adaptor::openContactCard(const QString &number)
-{
-    const LargeRequest request(m_ui, sizeOf(number));
-    Q_EMIT m_ui->openContactCard(number);
 }
 
 void Adaptor::toggleCall()

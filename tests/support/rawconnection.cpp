@@ -113,10 +113,10 @@ RawMessage RawConnection::call(DBusMessage *message, int timeout,
     QElapsedTimer timer;
     timer.start();
     while (!m_answer && isOpen() && !timer.hasExpired(timeout)) {
-        dbus_connection_read_write(m_connection, turn);
-        pump();
         if (meanwhile)
             meanwhile();
+        dbus_connection_read_write(m_connection, turn);
+        pump();
     }
     m_awaited = 0;
     return std::exchange(m_answer, nullptr);

@@ -4,7 +4,10 @@
 // A process that calls the call UI as some user: caller ADDRESS UID GID STEP...
 // Each step prints a line: "own NAME", "release NAME", "toggle", "toggle-elsewhere" (through
 // another connection), "send" (a toggle whose answer is not waited for; prints the connection's
-// name).
+// name), "forge" (a toggle together with answers, in the bus daemon's place, that the caller is the
+// call UI itself).
+
+#include "rawconnection.h"
 
 #include <QCoreApplication>
 #include <QDBusConnection>
@@ -18,6 +21,8 @@
 #include <unistd.h>
 
 namespace {
+
+constexpr int patience = 30000;
 
 bool becomeUser(uid_t user, gid_t group)
 {
@@ -48,6 +53,52 @@ QString sendToggle(const QDBusConnection &connection)
     return connection.baseService();
 }
 
+/// The process of the call UI, as the bus tells it.
+quint32 processOfUi(RawConnection &connection)
+{
+    const RawMessage question =
+        RawConnection::makeCall("org.freedesktop.DBus", "/org/freedesktop/DBus",
+                                "org.freedesktop.DBus", "GetConnectionUnixProcessID");
+    const char *name = "com.nimbo.parley.ui";
+    dbus_message_append_args(question.get(), DBUS_TYPE_STRING, &name, DBUS_TYPE_INVALID);
+    const RawMessage answer = connection.call(question.get(), patience);
+    quint32 process = 0;
+    dbus_message_get_args(answer.get(), nullptr, DBUS_TYPE_UINT32, &process, DBUS_TYPE_INVALID);
+    return process;
+}
+
+/// The last serial of the call UI, which every answer gives away, and its name on the bus.
+RawMessage dial(RawConnection &connection)
+{
+    const RawMessage call = RawConnection::makeCall("com.nimbo.parley.ui", "/",
+                                                    "com.nimbo.parley.ui", "dial");
+    const char *number = "1";
+    dbus_message_append_args(call.get(), DBUS_TYPE_STRING, &number, DBUS_TYPE_INVALID);
+    return connection.call(call.get(), patience);
+}
+
+QString forge(const QString &address)
+{
+    RawConnection connection(address);
+    const quint32 process = processOfUi(connection);
+    const RawMessage dialled = dial(connection);
+    const quint32 serial = dbus_message_get_serial(dialled.get());
+    // So many that some of them are in front of the daemon's answer.
+    const auto sendForgeries = [&] {
+        for (quint32 i = 0; i < 300; ++i) {
+            const RawMessage reply = RawConnection::makeReply(
+                dbus_message_get_sender(dialled.get()), serial + 1 + i % 3);
+            dbus_message_append_args(reply.get(), DBUS_TYPE_UINT32, &process, DBUS_TYPE_INVALID);
+            connection.send(reply.get());
+        }
+    };
+    const RawMessage toggle = RawConnection::makeCall("com.nimbo.parley.ui", "/",
+                                                      "com.nimbo.parley.ui", "toggleCall");
+    const RawMessage answer = connection.call(toggle.get(), patience, sendForgeries);
+    const bool isRefused = dbus_message_get_type(answer.get()) == DBUS_MESSAGE_TYPE_ERROR;
+    return isRefused ? QStringLiteral("refused") : QStringLiteral("admitted");
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -75,6 +126,8 @@ int main(int argc, char *argv[])
             result = toggle(QDBusConnection::connectToBus(address, QStringLiteral("second")));
         else if (step == QLatin1String("send"))
             result = sendToggle(connection);
+        else if (step == QLatin1String("forge"))
+            result = forge(address);
         std::puts(qUtf8Printable(result));
     }
     return EXIT_SUCCESS;

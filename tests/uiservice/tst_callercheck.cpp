@@ -68,6 +68,7 @@ private Q_SLOTS:
     void doesNotTakeAnotherForTheHomeScreen();
     void rejectsACallerThatHasGone_data();
     void rejectsACallerThatHasGone();
+    void believesTheBusDaemonAlone();
     void guardsTogglingAlone();
 
 private:
@@ -229,6 +230,29 @@ void TestCallerCheck::rejectsACallerThatHasGone()
     QTRY_VERIFY(!bus->isServiceRegistered(answer.results.constFirst()));
     QCOMPARE(kill(uiProcess, SIGCONT), 0);
     QVERIFY(m_ui->logs(warning(0, u"user  group "_s)));
+}
+
+/// A forged answer may come in front of the daemon's, and then there is none; it never admits.
+void TestCallerCheck::believesTheBusDaemonAlone()
+{
+    QVERIFY(start());
+    constexpr int tries = 40;
+    QStringList steps;
+    QStringList refused;
+    for (int i = 0; i < tries; ++i) {
+        steps << u"forge"_s;
+        refused << u"refused"_s;
+    }
+    const Answer answer = callAs(ordinaryUser, ordinaryGroup, steps);
+    QCOMPARE(answer.results, refused);
+    QStringList log = m_ui->takeLog();
+    QCOMPARE(log.removeAll(u"qml: dial \"1\""_s), tries);
+    const int deceived = log.removeAll(warning(0, u"user  group "_s));
+    const int undeceived =
+        log.removeAll(warning(answer.processId, u"user nobody group ordinary"_s));
+    QCOMPARE(deceived + undeceived, tries);
+    QVERIFY(deceived > 0);
+    QCOMPARE(log, QStringList());
 }
 
 void TestCallerCheck::guardsTogglingAlone()

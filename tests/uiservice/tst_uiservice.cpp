@@ -8,7 +8,9 @@
 #include <QDBusMessage>
 #include <QDBusPendingCall>
 #include <QDBusPendingCallWatcher>
+#include <QDBusUnixFileDescriptor>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QProcess>
@@ -81,6 +83,8 @@ private Q_SLOTS:
     void toleratesNoSessionBus();
     void toleratesALostSessionBus();
     void losesNoneOfAHundredThousandCalls();
+    void answersTheNextWhateverOneSends_data();
+    void answersTheNextWhateverOneSends();
 
 private:
     std::unique_ptr<UiUnderTest> m_ui;
@@ -412,6 +416,70 @@ void TestUiService::losesNoneOfAHundredThousandCalls()
     if (!qEnvironmentVariableIsSet("PARLEY_UI_OPTIMIZED"))
         QSKIP("a build for debugging may hold on to freed memory");
     QVERIFY(memoryAfter - memoryBefore <= 1024);
+}
+
+void TestUiService::answersTheNextWhateverOneSends_data()
+{
+    QTest::addColumn<int>("calls"); // at once, without waiting for an answer
+    QTest::addColumn<int>("size"); // of the text of each
+    QTest::addColumn<int>("descriptors"); // with each
+
+    QTest::newRow("a text of 70 MB") << 1 << 70000000 << 0;
+    QTest::newRow("three texts of 70 MB") << 3 << 70000000 << 0;
+    QTest::newRow("a hundred texts of 1 MB") << 100 << 1000000 << 0;
+    QTest::newRow("many short texts") << 100000 << 900 << 0;
+    QTest::newRow("many descriptors") << 500 << 1 << 10;
+}
+
+/// The screens are busy at first, so that what comes has to wait, and then they count it.
+void TestUiService::answersTheNextWhateverOneSends()
+{
+    QFETCH(int, calls);
+    QFETCH(int, size);
+    QFETCH(int, descriptors);
+
+    // Room for all of the descriptors, so that the bus has no reason to end the connection.
+    m_ui->setPrefix({u"prlimit"_s, u"--nofile=20000"_s});
+    QVERIFY(m_ui->startScreens(m_ui->writeFile(u"counting.qml"_s, R"(
+        import QtQuick 2.15
+        import com.nimbo.parley 1.0
+        Item {
+            ParleyUiAdaptor {
+                property int count: 0
+                onShowOngoing: {
+                    const end = Date.now() + 500;
+                    while (Date.now() < end) { }
+                }
+                onDial: ++count
+                onShow: console.info("counted " + count)
+            }
+            Component.onCompleted: console.info("loaded")
+        })"),
+                                {u"-prestart"_s}));
+    for (int i = 0; i < 100; ++i)
+        QCOMPARE(m_ui->call(u"dial"_s, {u"1"_s}).arguments(), QVariantList{true});
+    const qint64 memoryBefore = m_ui->residentMemory();
+
+    QDBusMessage call = QDBusMessage::createMethodCall(service, u"/"_s, service, u"dial"_s);
+    QVariantList arguments{QString(size, u'x')};
+    // One that takes descriptors as well is none that there is: it comes no further than QtDBus.
+    QFile null(u"/dev/null"_s);
+    QVERIFY(null.open(QIODevice::ReadOnly));
+    for (int i = 0; i < descriptors; ++i)
+        arguments << QVariant::fromValue(QDBusUnixFileDescriptor(null.handle()));
+    call.setArguments(arguments);
+    QVERIFY(m_ui->session().send(
+        QDBusMessage::createMethodCall(service, u"/"_s, service, u"showOngoing"_s)));
+    for (int i = 0; i < calls; ++i)
+        QVERIFY(m_ui->session().send(call));
+    QCOMPARE(m_ui->call(u"dial"_s, {u"1"_s}).arguments(), QVariantList{true});
+    m_ui->call(u"show"_s, {QStringList()});
+    QVERIFY(m_ui->logs(u"qml: counted %1"_s.arg(101 + (descriptors == 0 ? calls : 0))));
+
+    if (!qEnvironmentVariableIsSet("PARLEY_UI_OPTIMIZED"))
+        QSKIP("a build for debugging may hold on to freed memory");
+    qInfo("memory before: %lld KiB, after: %lld KiB", memoryBefore, m_ui->residentMemory());
+    QTRY_VERIFY_WITH_TIMEOUT(m_ui->residentMemory() - memoryBefore <= 40 * 1024, 30000);
 }
 
 QTEST_GUILESS_MAIN(TestUiService)

@@ -1,0 +1,59 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+#include "heaptrim.h"
+
+#include <QAbstractEventDispatcher>
+#include <QCoreApplication>
+#include <QEvent>
+#include <QQmlEngine>
+
+#include <array>
+#include <cstdio>
+
+#include <unistd.h>
+
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
+
+HeapTrim::HeapTrim(QQmlEngine &engine)
+    : m_engine(engine)
+    , m_size(QStringLiteral("/proc/self/statm")) // proc(5)
+{
+    if (m_size.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+        connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this,
+                &HeapTrim::look);
+}
+
+void HeapTrim::look()
+{
+    static const qint64 much = 32 * 1024 * 1024 / sysconf(_SC_PAGESIZE);
+    const qint64 pages = residentPages();
+    if (m_pagesBefore == 0)
+        m_pagesBefore = pages;
+    if (m_isDue || pages < m_pagesBefore + much)
+        return;
+    // Behind the requests that still wait to be served, whose memory is in use.
+    m_isDue = true;
+    QCoreApplication::postEvent(this, new QEvent(QEvent::User), Qt::LowEventPriority);
+}
+
+void HeapTrim::customEvent(QEvent *)
+{
+    m_isDue = false;
+    m_engine.collectGarbage();
+#ifdef __GLIBC__
+    malloc_trim(0);
+#endif
+    m_pagesBefore = residentPages();
+}
+
+qint64 HeapTrim::residentPages()
+{
+    std::array<char, 128> text{};
+    long long pages = 0;
+    if (m_size.seek(0) && m_size.read(text.data(), text.size() - 1) > 0)
+        std::sscanf(text.data(), "%*s %lld", &pages);
+    return pages;
+}
