@@ -8,7 +8,7 @@
 
 namespace {
 
-/// %1 is the folder for the socket. Messages may be large: callers send what they like.
+/// %1 is the folder for the socket, %2 is a limit. Messages may be large: callers send what they like.
 const char configuration[] =
     R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-BUS Bus Configuration 1.0//EN"
  "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
@@ -26,7 +26,7 @@ const char configuration[] =
   <limit name="max_incoming_bytes">1000000000</limit>
   <limit name="max_outgoing_bytes">1000000000</limit>
   <limit name="max_message_size">1000000000</limit>
-  <limit name="max_replies_per_connection">1000000</limit>
+  <limit name="max_replies_per_connection">%2</limit>
   <limit name="max_match_rules_per_connection">100000</limit>
 </busconfig>
 )";
@@ -39,14 +39,14 @@ QString escaped(const QString &path)
 
 } // namespace
 
-bool PrivateBus::start(const QString &folder, const QString &name)
+bool PrivateBus::start(const QString &folder, const QString &name, int mostReplies)
 {
     QFile file(folder + QLatin1Char('/') + name + QLatin1String(".conf"));
     if (!file.open(QIODevice::WriteOnly)) {
         m_error = file.errorString();
         return false;
     }
-    file.write(QString::fromLatin1(configuration).arg(escaped(folder)).toUtf8());
+    file.write(QString::fromLatin1(configuration).arg(escaped(folder)).arg(mostReplies).toUtf8());
     file.close();
 
     m_daemon.start(QStringLiteral("dbus-daemon"),

@@ -15,8 +15,9 @@ public:
     using QObject::QObject;
 
     /// Starts the bus daemon, with its configuration and its socket in \a folder, and waits until
-    /// it listens. \a name tells it from other buses in that folder.
-    bool start(const QString &folder, const QString &name);
+    /// it listens. \a name tells it from other buses in that folder. A connection may wait for
+    /// \a mostReplies answers at a time.
+    bool start(const QString &folder, const QString &name, int mostReplies = 1000000);
 
     /// Ends the bus daemon. No died() follows.
     void stop() { m_daemon.stop(); }

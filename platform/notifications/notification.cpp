@@ -3,8 +3,13 @@
 
 #include "notification.h"
 
+#include "answers.h"
+
 #include <QDBusConnection>
 #include <QDBusMessage>
+#include <QDBusPendingCall>
+#include <QEventLoop>
+#include <QPointer>
 
 #include <chrono>
 
@@ -49,8 +54,18 @@ void Notification::publish()
         QDBusMessage::createMethodCall(service, path, service, QStringLiteral("Notify"));
     notify.setArguments(
         {m_data.appName, m_data.id, QString(), m_data.summary, m_data.body, actions, hints, -1});
-    const QDBusMessage reply = QDBusConnection::sessionBus().call(
-        notify, QDBus::Block, static_cast<int>(patience.count()));
-    if (reply.type() == QDBusMessage::ReplyMessage && reply.signature() == QLatin1String("u"))
-        m_data.id = reply.arguments().constFirst().toUInt();
+
+    const QDBusConnection bus = QDBusConnection::sessionBus();
+    const QPointer<Notification> self(this);
+    QEventLoop loop;
+    whenOwnerAnswered(
+        bus, service, bus.asyncCall(notify, static_cast<int>(patience.count())), &loop,
+        [&](const QDBusMessage &answer) {
+            const bool hasId = answer.type() == QDBusMessage::ReplyMessage
+                && answer.signature() == QLatin1String("u");
+            if (self && hasId)
+                m_data.id = answer.arguments().constFirst().toUInt();
+            loop.quit();
+        });
+    loop.exec();
 }

@@ -58,7 +58,8 @@ public:
     /// list) that the service makes when the action "name" is chosen, labelled "displayName".
     void setRemoteActions(const QVariantList &actions) { m_remoteActions = actions; }
 
-    /// Has it shown. Waits for the service, for five seconds at most.
+    /// Shows it. Returns once the service has given it an id, or after five seconds at most; events
+    /// are served meanwhile, whose handlers may destroy this object.
     void publish();
 
     /// After publish() the id that the service gave; as it was, if it gave none.

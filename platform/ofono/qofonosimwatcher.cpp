@@ -7,7 +7,7 @@
 #include <QDBusError>
 #include <QDBusMessage>
 #include <QDBusObjectPath>
-#include <QDBusPendingCallWatcher>
+#include <QDBusPendingCall>
 #include <QDBusVariant>
 #include <QDebug>
 #include <QPointer>
@@ -27,27 +27,14 @@ const QLatin1String interfacesProperty("Interfaces");
 const QLatin1String presentProperty("Present");
 const QLatin1String subscriberIdentityProperty("SubscriberIdentity");
 
-/// Waits for the answer as long as oFono lives: one that hangs may go on after minutes, and would
-/// not be asked again. \a handler is not called once \a context has gone.
-template <typename Handler>
-void ask(const QDBusConnection &bus, const QString &path, const QString &interface,
-         const QString &method, QObject *context, Handler handler)
-{
-    const QDBusMessage call = QDBusMessage::createMethodCall(service, path, interface, method);
-    auto *watcher =
-        new QDBusPendingCallWatcher(bus.asyncCall(call, std::numeric_limits<int>::max()), context);
-    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, context, [watcher, handler] {
-        watcher->deleteLater();
-        handler(watcher->reply());
-    });
-}
-
 /// Says so where \a answer is none of that shape.
 bool hasShape(const QDBusMessage &answer, const char *signature, const QString &method)
 {
     if (answer.type() == QDBusMessage::ErrorMessage) {
-        // Without oFono there are no SIMs to know of, and its coming is noticed.
-        if (QDBusError(answer).type() != QDBusError::ServiceUnknown)
+        // Without oFono there are no SIMs to know of, and its coming is noticed; without a bus there
+        // will be none.
+        const QDBusError::ErrorType type = QDBusError(answer).type();
+        if (type != QDBusError::ServiceUnknown && type != QDBusError::Disconnected)
             qWarning() << "Could not ask oFono for" << method << QDBusError(answer);
         return false;
     }
@@ -98,6 +85,18 @@ QList<QSharedPointer<QOfonoSimManager>> QOfonoSimWatcher::presentSimList() const
     return sims;
 }
 
+/// Waits for the answer as long as oFono lives: one that hangs may go on after minutes, and would
+/// not be asked again. \a handler is not called once \a context has gone.
+void QOfonoSimWatcher::ask(const QString &path, const QString &interface, const QString &method,
+                           QObject *context, const AnswerHandler &handler)
+{
+    const auto call = [bus = m_bus, path, interface, method] {
+        return bus.asyncCall(QDBusMessage::createMethodCall(service, path, interface, method),
+                             std::numeric_limits<int>::max());
+    };
+    m_calls.add(context, call, handler);
+}
+
 void QOfonoSimWatcher::ownerChanged(const QString &owner)
 {
     m_manager.reset();
@@ -111,7 +110,7 @@ void QOfonoSimWatcher::ownerChanged(const QString &owner)
 void QOfonoSimWatcher::askForModems()
 {
     m_manager = std::make_unique<QObject>();
-    ask(m_bus, managerPath, managerInterface, QStringLiteral("GetModems"), m_manager.get(),
+    ask(managerPath, managerInterface, QStringLiteral("GetModems"), m_manager.get(),
         [this](const QDBusMessage &answer) { readModems(answer); });
 }
 
@@ -177,7 +176,7 @@ void QOfonoSimWatcher::setInterfaces(const QString &path, const QStringList &int
 
 void QOfonoSimWatcher::askForSim(const QString &path)
 {
-    ask(m_bus, path, simManagerInterface, QStringLiteral("GetProperties"),
+    ask(path, simManagerInterface, QStringLiteral("GetProperties"),
         m_modems.at(path).simManager.get(),
         [this, path](const QDBusMessage &answer) { readSim(path, answer); });
 }

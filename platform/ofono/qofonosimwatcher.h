@@ -5,6 +5,8 @@
 
 #include "qofonosimmanager.h"
 
+#include "callqueue.h"
+
 #include <QDBusConnection>
 #include <QDBusServiceWatcher>
 #include <QList>
@@ -61,6 +63,8 @@ private:
         QString subscriberIdentity;
     };
 
+    void ask(const QString &path, const QString &interface, const QString &method,
+             QObject *context, const AnswerHandler &handler);
     void ownerChanged(const QString &owner);
     void askForModems();
     void readModems(const QDBusMessage &answer);
@@ -73,6 +77,7 @@ private:
 
     QDBusConnection m_bus;
     QDBusServiceWatcher m_serviceWatcher;
+    CallQueue m_calls;
     std::unique_ptr<QObject> m_manager; ///< Takes the answers of the oFono that is there now.
     bool m_modemsKnown = false;
     std::map<QString, Modem> m_modems; ///< By path.
