@@ -12,6 +12,8 @@ Reminder::~Reminder()
 {
     if (m_reminders && !m_phoneNumber.isEmpty())
         m_reminders->detachReminder(this);
+    if (m_reminders)
+        m_reminders->forgetReminder(this);
 }
 
 void Reminder::setPhoneNumber(const QString &number)

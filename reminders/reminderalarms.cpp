@@ -3,7 +3,7 @@
 
 #include "reminderalarms.h"
 
-#include "whenanswered.h"
+#include "receivelimits.h"
 
 #include <timed/exception.h>
 
@@ -115,6 +115,7 @@ void warnOfFailedQuery(const QDBusMessage &answer)
 ReminderAlarms::ReminderAlarms(QObject *parent)
     : QObject(parent)
 {
+    removeReceiveLimits(m_timed.connection());
     qRegisterMetaType<QList<uint>>("Q_List_uint");
     qDBusRegisterMetaType<QList<uint>>();
     qRegisterMetaType<Attributes>("Q_Map_String_String");
@@ -129,27 +130,31 @@ void ReminderAlarms::schedule(uint replaced, const QString &normalizedNumber,
                               const QString &contactName, const QDateTime &due,
                               const std::function<void(uint cookie)> &added)
 {
-    try {
-        const Maemo::Timed::Event event =
-            makeEvent(normalizedNumber, contactName, secondsSinceEpoch(due));
-        const QDBusPendingCall call = replaced != 0 ? m_timed.replace_event_async(event, replaced)
-                                                    : m_timed.add_event_async(event);
-        whenAnswered(call, this, [added](const QDBusMessage &answer) {
-            const bool failed = answer.type() == QDBusMessage::ErrorMessage;
-            const uint cookie = failed ? 0 : toCookie(answer.arguments().value(0));
-            if (cookie == 0)
-                qWarning() << "Failed to create alarm";
-            else
-                added(cookie);
-        });
-    } catch (const Maemo::Timed::Exception &) {
-        qWarning() << " Timed triggered an exception";
-    }
+    const auto call = [=]() -> std::optional<QDBusPendingCall> {
+        try {
+            const Maemo::Timed::Event event =
+                makeEvent(normalizedNumber, contactName, secondsSinceEpoch(due));
+            return replaced != 0 ? m_timed.replace_event_async(event, replaced)
+                                 : m_timed.add_event_async(event);
+        } catch (const Maemo::Timed::Exception &) {
+            qWarning() << " Timed triggered an exception";
+            return std::nullopt;
+        }
+    };
+    m_calls.add(this, call, [added](const QDBusMessage &answer) {
+        const bool failed = answer.type() == QDBusMessage::ErrorMessage;
+        const uint cookie = failed ? 0 : toCookie(answer.arguments().value(0));
+        if (cookie == 0)
+            qWarning() << "Failed to create alarm";
+        else
+            added(cookie);
+    });
 }
 
 void ReminderAlarms::cancel(uint cookie)
 {
-    m_timed.asyncCall(QStringLiteral("cancel"), cookie);
+    // Without a reply, which nobody looks at: the bus limits how many may be awaited.
+    m_timed.call(QDBus::NoBlock, QStringLiteral("cancel"), cookie);
 }
 
 void ReminderAlarms::query(const Found &found)

@@ -3,6 +3,8 @@
 
 #pragma once
 
+#include "callqueue.h"
+
 #include <timed/interface.h>
 
 #include <QDateTime>
@@ -52,4 +54,5 @@ private:
     void queryAttributes(const QList<uint> &cookies, const Found &found);
 
     Maemo::Timed::Interface m_timed;
+    CallQueue m_calls; ///< That make alarms, of which there may be many at once.
 };

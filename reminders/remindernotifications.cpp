@@ -3,7 +3,8 @@
 
 #include "remindernotifications.h"
 
-#include "whenanswered.h"
+#include "answers.h"
+#include "receivelimits.h"
 
 #include <notification.h>
 
@@ -23,11 +24,16 @@ const QLatin1String path("/org/freedesktop/Notifications");
 const QLatin1String category("x-nimbo-call-reminder");
 const QLatin1String cookieHint("x-nimbo-alarm-cookie");
 
-QDBusPendingCall callNotifications(const QString &method, const QVariantList &arguments)
+QDBusMessage callOf(const QString &method, const QVariantList &arguments)
 {
     QDBusMessage message = QDBusMessage::createMethodCall(service, path, service, method);
     message.setArguments(arguments);
-    return QDBusConnection::sessionBus().asyncCall(message);
+    return message;
+}
+
+QDBusPendingCall callNotifications(const QString &method, const QVariantList &arguments)
+{
+    return QDBusConnection::sessionBus().asyncCall(callOf(method, arguments));
 }
 
 /// The call that opens the call history.
@@ -42,15 +48,21 @@ QVariantMap openCallHistory(const QString &actionName)
         {QStringLiteral("arguments"), QVariantList{QStringList(QStringLiteral("callHistory"))}}};
 }
 
-QVector<NotificationData> toNotifications(const QVariant &value)
+using Notifications = QVector<NotificationData>;
+
+Notifications notificationsIn(const QDBusMessage &answer)
 {
-    if (value.userType() != qMetaTypeId<QDBusArgument>())
-        return value.value<QVector<NotificationData>>();
-    // Reading it as another type would end the process.
+    const QVariant value = answer.arguments().value(0);
+    if (value.userType() == qMetaTypeId<Notifications>())
+        return value.value<Notifications>();
+    // The form is the client library's own. Reading it as another one would end the process.
+    const QLatin1String form(QDBusMetaType::typeToSignature(qMetaTypeId<Notifications>()));
     const auto argument = value.value<QDBusArgument>();
-    return argument.currentSignature() == QLatin1String("a(susssasa{sv}i)")
-        ? qdbus_cast<QVector<NotificationData>>(argument)
-        : QVector<NotificationData>();
+    if (argument.currentSignature() == form)
+        return qdbus_cast<Notifications>(argument);
+    qWarning() << "Unable to read reminder notifications of the form" << answer.signature()
+               << "instead of" << form;
+    return {};
 }
 
 } // namespace
@@ -58,6 +70,7 @@ QVector<NotificationData> toNotifications(const QVariant &value)
 ReminderNotifications::ReminderNotifications(QObject *parent)
     : QObject(parent)
 {
+    removeReceiveLimits(QDBusConnection::sessionBus());
     qRegisterMetaType<NotificationData>("NotificationData");
     qDBusRegisterMetaType<NotificationData>();
     qDBusRegisterMetaType<QVector<NotificationData>>();
@@ -65,8 +78,10 @@ ReminderNotifications::ReminderNotifications(QObject *parent)
 
 void ReminderNotifications::subscribe(QObject *receiver, const char *slot)
 {
+    // With the signature: reading an argument of another type would end the process.
     QDBusConnection::sessionBus().connect(service, path, service,
-                                          QStringLiteral("NotificationClosed"), receiver, slot);
+                                          QStringLiteral("NotificationClosed"),
+                                          QStringLiteral("uu"), receiver, slot);
 }
 
 uint ReminderNotifications::publish(const ReminderText &text, uint cookie, uint replaced)
@@ -87,20 +102,29 @@ uint ReminderNotifications::publish(const ReminderText &text, uint cookie, uint 
 
 void ReminderNotifications::close(uint id)
 {
-    callNotifications(QStringLiteral("CloseNotification"), {id});
+    // Without a reply, which nobody looks at: the bus limits how many may be awaited.
+    QDBusConnection::sessionBus().send(callOf(QStringLiteral("CloseNotification"), {id}));
+}
+
+void ReminderNotifications::closeLeftover(uint id)
+{
+    m_leftovers.add(
+        this, [id] { return callNotifications(QStringLiteral("CloseNotification"), {id}); },
+        [](const QDBusMessage &) {});
 }
 
 void ReminderNotifications::query(const Found &found)
 {
     const QDBusPendingCall call =
         callNotifications(QStringLiteral("GetNotificationsByCategory"), {QString(category)});
-    whenAnswered(call, this, [found](const QDBusMessage &answer) {
+    const QDBusConnection bus = QDBusConnection::sessionBus();
+    whenOwnerAnswered(bus, service, call, this, [found](const QDBusMessage &answer) {
         if (answer.type() == QDBusMessage::ErrorMessage) {
             qWarning() << "Unable to query reminder notifications" << QDBusError(answer);
             return;
         }
         QVector<ReminderNotification> notifications;
-        const auto all = toNotifications(answer.arguments().value(0));
+        const auto all = notificationsIn(answer);
         for (const NotificationData &data : all)
             notifications.append({data.id, data.hints.value(cookieHint).toUInt()});
         found(notifications);

@@ -3,6 +3,8 @@
 
 #pragma once
 
+#include "callqueue.h"
+
 #include <QObject>
 #include <QString>
 #include <QVector>
@@ -39,14 +41,20 @@ public:
     static void subscribe(QObject *receiver, const char *slot);
 
     /// Shows \a text for the alarm \a cookie, in the place of the notification \a replaced if that
-    /// is not 0. Waits for the service; the id that it gave, or \a replaced if it gave none.
+    /// is not 0. Returns the id that the service gave, or \a replaced if it gave none; until it has
+    /// answered events are served, whose handlers may do anything.
     static uint publish(const ReminderText &text, uint cookie, uint replaced);
 
     /// Takes a notification away. Whether there was one is not told.
     static void close(uint id);
 
+    /// As close(), for one of any number of notifications: the service gets some of them at a time.
+    void closeLeftover(uint id);
+
     /// Calls \a found with all notifications of call reminders. Logs a warning and calls nothing if
     /// they cannot be had.
-    void
-    query(const std::function<void(const QVector<ReminderNotification> &notifications)> &found);
+    void query(const Found &found);
+
+private:
+    CallQueue m_leftovers;
 };

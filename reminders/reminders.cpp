@@ -34,17 +34,58 @@ void Reminders::createWithStrings(const QString &phoneNumber, const QDateTime &w
 void Reminders::alarmAdded(const PhoneNumberKeys &keys, const QDateTime &due,
                            const ReminderText &text, uint cookie)
 {
-    const QPointer<Reminders> self(this);
     ReminderRecord *record = m_store.findOrAppend(keys);
     m_store.setCookie(*record, cookie);
     record->when = due;
-    const uint id = ReminderNotifications::publish(text, cookie, record->notificationId);
-    // A client of the platform's own may have run events while it waited.
-    record = self ? m_store.find(keys) : nullptr;
-    if (record == nullptr)
+    m_publications.enqueue({keys, cookie, due, text});
+    if (m_publications.size() == 1)
+        publishNext();
+}
+
+/// The one that comes after it begins in a turn of the event loop of its own, so that no two wait
+/// within each other.
+void Reminders::publishNext()
+{
+    while (!m_publications.isEmpty() && recordOf(m_publications.head()) == nullptr)
+        m_publications.dequeue();
+    if (m_publications.isEmpty())
         return;
-    record->notificationId = id;
-    announce(*record, cookie, due);
+
+    const QPointer<Reminders> self(this);
+    const Publication next = m_publications.head();
+    const uint replaced = recordOf(next)->notificationId;
+    m_closedMeanwhile.clear();
+    const uint id = ReminderNotifications::publish(next.text, next.cookie, replaced);
+    if (!self)
+        return;
+
+    ReminderRecord *record = recordOf(m_publications.dequeue());
+    if (!m_publications.isEmpty())
+        QMetaObject::invokeMethod(this, &Reminders::publishNext, Qt::QueuedConnection);
+    if (record != nullptr) {
+        // One that is replaced may have been closed before it was shown again.
+        const bool isClosed = id != replaced && m_closedMeanwhile.contains(id);
+        record->notificationId = isClosed ? 0 : id;
+        announce(*record, next.due);
+    } else if (id != 0) {
+        ReminderNotifications::close(id);
+    }
+}
+
+/// The record of the alarm that is to be shown; null once the number has none any more.
+ReminderRecord *Reminders::recordOf(const Publication &publication)
+{
+    ReminderRecord *record = publication.isWanted ? m_store.find(publication.keys) : nullptr;
+    return record != nullptr && record->alarmCookie != 0 ? record : nullptr;
+}
+
+/// The alarm of \a record goes, and with it what was to be shown, even if another alarm comes.
+void Reminders::forgetPublications(const ReminderRecord &record)
+{
+    for (Publication &publication : m_publications) {
+        if (m_store.find(publication.keys) == &record)
+            publication.isWanted = false;
+    }
 }
 
 /// Reported only when the store is done with it: a handler meets every record as it is to be.
@@ -64,6 +105,11 @@ void Reminders::detachReminder(Reminder *reminder)
         reminder->lose();
 }
 
+void Reminders::forgetReminder(const Reminder *reminder)
+{
+    m_store.forget(reminder);
+}
+
 void Reminders::removeReminder(const Reminder *reminder)
 {
     ReminderRecord *record = m_store.findByReminder(reminder);
@@ -71,6 +117,7 @@ void Reminders::removeReminder(const Reminder *reminder)
         return;
     closeNotification(*record);
     if (record->alarmCookie != 0) {
+        forgetPublications(*record);
         m_alarms.cancel(record->alarmCookie);
         m_store.setCookie(*record, 0);
     }
@@ -81,6 +128,8 @@ void Reminders::notificationClosed(uint id, uint)
 {
     if (ReminderRecord *record = m_store.findByNotification(id))
         record->notificationId = 0;
+    if (!m_publications.isEmpty())
+        m_closedMeanwhile.insert(id);
 }
 
 void Reminders::mergeAlarms(const QVector<ReminderAlarm> &alarms)
@@ -101,11 +150,11 @@ void Reminders::matchNotifications(const QVector<ReminderNotification> &notifica
     for (const ReminderNotification &notification : notifications) {
         ReminderRecord *record = m_store.findByCookie(notification.alarmCookie);
         if (record == nullptr) {
-            ReminderNotifications::close(notification.id);
+            m_notifications.closeLeftover(notification.id);
             continue;
         }
         record->notificationId = notification.id;
-        announce(*record, record->alarmCookie, record->when);
+        announce(*record, record->when);
         if (!self)
             return;
     }
@@ -119,6 +168,7 @@ void Reminders::dropGoneAlarms(const Maemo::Timed::Event::Triggers &triggers)
         ReminderRecord *record = triggers.contains(cookie) ? nullptr : m_store.findByCookie(cookie);
         if (record == nullptr)
             continue;
+        forgetPublications(*record);
         m_store.setCookie(*record, 0);
         closeNotification(*record);
         if (record->reminders.isEmpty())
@@ -137,9 +187,9 @@ void Reminders::closeNotification(ReminderRecord &record)
 }
 
 /// Until a handler takes the alarm away, which tells everybody by itself.
-void Reminders::announce(const ReminderRecord &record, uint cookie, const QDateTime &due)
+void Reminders::announce(const ReminderRecord &record, const QDateTime &due)
 {
-    forEachBound(record, [this, cookie, due](Reminder &reminder) {
+    forEachBound(record, [this, cookie = record.alarmCookie, due](Reminder &reminder) {
         if (m_store.findByCookie(cookie) != nullptr)
             reminder.gain(due);
     });

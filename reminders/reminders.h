@@ -9,6 +9,8 @@
 
 #include <QDateTime>
 #include <QObject>
+#include <QQueue>
+#include <QSet>
 #include <QString>
 
 #include <functional>
@@ -43,6 +45,8 @@ public:
     void attachReminder(Reminder *reminder);
     /// Unbinds \a reminder where the store unbinds it; it shows no reminder any more.
     void detachReminder(Reminder *reminder);
+    /// Drops what is kept of \a reminder for finding it. It is being destroyed.
+    void forgetReminder(const Reminder *reminder);
     /// Takes the alarm and the notification away that \a reminder shows.
     void removeReminder(const Reminder *reminder);
 
@@ -50,16 +54,33 @@ private Q_SLOTS:
     void notificationClosed(uint id, uint reason);
 
 private:
+    /// A notification to be shown for an alarm that has been made.
+    struct Publication
+    {
+        PhoneNumberKeys keys;
+        uint cookie;
+        QDateTime due;
+        ReminderText text;
+        bool isWanted = true; ///< False once the alarm has gone.
+    };
+
     void alarmAdded(const PhoneNumberKeys &keys, const QDateTime &due, const ReminderText &text,
                     uint cookie);
+    void publishNext();
+    ReminderRecord *recordOf(const Publication &publication);
+    void forgetPublications(const ReminderRecord &record);
     void mergeAlarms(const QVector<ReminderAlarm> &alarms);
     void matchNotifications(const QVector<ReminderNotification> &notifications);
     void dropGoneAlarms(const Maemo::Timed::Event::Triggers &triggers);
-    void announce(const ReminderRecord &record, uint cookie, const QDateTime &due);
+    void announce(const ReminderRecord &record, const QDateTime &due);
     static void closeNotification(ReminderRecord &record);
     void forEachBound(const ReminderRecord &record, const std::function<void(Reminder &)> &change);
 
     ReminderStore m_store;
     ReminderAlarms m_alarms;
     ReminderNotifications m_notifications;
+    /// In the order of the alarms. Only the first one is under way: a later one for the same number
+    /// takes the place of what the first has shown.
+    QQueue<Publication> m_publications;
+    QSet<uint> m_closedMeanwhile; ///< Notifications that the service has closed since it began.
 };

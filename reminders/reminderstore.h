@@ -50,6 +50,9 @@ public:
     /// Takes \a reminder out of the first record of the store, and of no other. This is meant.
     void unbindFromFirst(const Reminder *reminder);
 
+    /// Drops the index of \a reminder, which is being destroyed. Records go on listing it, as null.
+    void forget(const Reminder *reminder) { m_byReminder.remove(reminder); }
+
     /// Whether the record of exactly that number lists \a reminder.
     bool isBound(const QString &normalizedNumber, const Reminder *reminder) const;
 

@@ -51,6 +51,8 @@ public:
 
     /// The id that the next publish() gives; 0 for no answer. Counted up by each.
     uint nextNotificationId = 1;
+    /// What happens while the next publish(), and no other, waits for its answer.
+    std::function<void()> whilePublishing;
 
 private:
     Q_DISABLE_COPY(FakePlatform)

@@ -8,7 +8,11 @@
 #include <QDBusArgument>
 #include <QJsonDocument>
 
+#include <utility>
+
 namespace {
+
+bool hasAnotherForm = false;
 
 void record(const char *setter, const QString &value)
 {
@@ -17,10 +21,18 @@ void record(const char *setter, const QString &value)
 
 } // namespace
 
+void useAnotherNotificationForm()
+{
+    hasAnotherForm = true;
+}
+
 QDBusArgument &operator<<(QDBusArgument &argument, const NotificationData &data)
 {
     argument.beginStructure();
-    argument << QString() << data.id << QString() << QString() << QString() << QStringList()
+    if (hasAnotherForm)
+        argument << data.id << data.hints;
+    else
+        argument << QString() << data.id << QString() << QString() << QString() << QStringList()
              << data.hints << -1;
     argument.endStructure();
     return argument;
@@ -32,7 +44,10 @@ const QDBusArgument &operator>>(const QDBusArgument &argument, NotificationData 
     QStringList actions;
     int timeout = 0;
     argument.beginStructure();
-    argument >> text >> data.id >> text >> text >> text >> actions >> data.hints >> timeout;
+    if (hasAnotherForm)
+        argument >> data.id >> data.hints;
+    else
+        argument >> text >> data.id >> text >> text >> text >> actions >> data.hints >> timeout;
     argument.endStructure();
     return argument;
 }
@@ -96,6 +111,8 @@ void Notification::publish()
 {
     record("publish", {});
     FakePlatform &platform = FakePlatform::instance();
+    if (const auto deed = std::exchange(platform.whilePublishing, {}))
+        deed();
     if (platform.nextNotificationId == 0)
         return;
     if (m_id == 0)

@@ -16,6 +16,10 @@ struct NotificationData
     QVariantMap hints;
 };
 
+/// Makes this a library whose notifications have a form of their own on the bus: (ua{sv}). To be
+/// called before anything else: the D-Bus type system asks for the form once.
+void useAnotherNotificationForm();
+
 /// As a notification service sends them: (susssasa{sv}i).
 QDBusArgument &operator<<(QDBusArgument &argument, const NotificationData &data);
 const QDBusArgument &operator>>(const QDBusArgument &argument, NotificationData &data);

@@ -13,6 +13,46 @@ Item {
         base.createWithStrings(number, new Date(seconds * 1000), "app", "contact", "title", "text");
     }
 
+    function later(text) {
+        timer.text = text;
+        timer.start();
+    }
+
+    function createMany(count, seconds) {
+        for (var i = 0; i < count; ++i) {
+            many.push(another.createObject(null, { _reminders: base, phoneNumber: "" + i }));
+            create("" + i, seconds);
+        }
+        return many.length === count;
+    }
+
+    function existing() {
+        return many.filter(function(one) { return one.exists; }).length;
+    }
+
+    function removeMany() {
+        many.forEach(function(one) { one.remove(); });
+        return true;
+    }
+
+    property var many: []
+
+    Component {
+        id: another
+
+        Reminder {
+        }
+    }
+
+    Timer {
+        id: timer
+
+        property string text
+
+        interval: 1
+        onTriggered: console.info(text)
+    }
+
     RemindersBase {
         id: base
     }

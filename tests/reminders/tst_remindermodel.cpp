@@ -402,6 +402,8 @@ QString Comparison::answer(Side &side, const Operation &operation)
     const QString line = u"answer call %1, %2: "_s.arg(QString::number(index), call.member());
     const QString told = answered();
     side.service.catchUp();
+    if (&side == &m_notificationService)
+        side.service.catchUp(); // behind the question of who has answered
     return line + told;
 }
 

@@ -4,6 +4,7 @@
 #include "fakeplatform.h"
 #include "literals.h"
 #include "messagelog.h"
+#include "objectcount.h"
 #include "privatebus.h"
 #include "reminder.h"
 #include "reminders.h"
@@ -26,6 +27,12 @@
 #include <utility>
 #include <vector>
 
+#ifdef __SANITIZE_ADDRESS__
+extern "C" size_t __sanitizer_get_current_allocated_bytes(); // of the compiler's run time
+#else
+#include <malloc.h>
+#endif
+
 using Attributes = QMap<QString, QString>;
 using AttributesByCookie = QMap<uint, Attributes>;
 
@@ -40,6 +47,16 @@ const QDateTime noon(QDate(2030, 1, 2), QTime(12, 0), Qt::UTC);
 Attributes attributes(const QString &number, const QString &triggerTime = u"1000"_s)
 {
     return {{u"phoneNumber"_s, number}, {u"triggerTime"_s, triggerTime}};
+}
+
+/// Of the heap of this process.
+size_t allocatedBytes()
+{
+#ifdef __SANITIZE_ADDRESS__
+    return __sanitizer_get_current_allocated_bytes();
+#else
+    return mallinfo2().uordblks;
+#endif
 }
 
 NotificationData notification(uint id, const QVariant &cookie)
@@ -104,6 +121,21 @@ private Q_SLOTS:
     void replaceTheNotification();
     void publishAnewAfterTheNotificationWasClosed();
 
+    void publishOneAfterTheOther();
+    void endAsOneNotificationForOneNumber();
+    void takeBackWhatFiresWhilePublishing();
+    void takeBackWhatIsRemovedWhilePublishing();
+    void publishAnewWhatIsMadeAnewWhilePublishing();
+    void noticeWhatIsClosedWhilePublishing_data();
+    void noticeWhatIsClosedWhilePublishing();
+    void outliveTheirStoreWhilePublishing();
+
+    void makeSomeAlarmsAtATime();
+    void closeSomeLeftoversAtATime();
+    void askForNoAnswerThatNobodyReads();
+    void leaveNothingOfFinishedCalls();
+    void keepNothingOfDestroyedReminders();
+
     void bindToTheExactNumber();
     void bindToTheFirstLooseNumber();
     void bindToANewRecord();
@@ -136,6 +168,8 @@ private:
     void start(const AttributesByCookie &alarms, const QVector<NotificationData> &notifications);
     Reminder *watch(const QString &name, const QString &number);
     QDBusMessage create(const QString &number, const QDateTime &when = noon);
+    void whilePublishing(const std::function<void()> &deed);
+    QStringList takePublications();
     void createReminder(const QString &number, uint cookie, const QDateTime &when = noon);
     QStringList takeEvents();
     QStringList log() { return m_log->take(); }
@@ -242,6 +276,31 @@ void TestReminders::createReminder(const QString &number, uint cookie, const QDa
     m_daemon->reply(create(number, when), {cookie});
     m_daemon->settle();
     m_platform->takeCalls();
+}
+
+/// During the next publication, and no other; what the deed has caused is awaited, too.
+void TestReminders::whilePublishing(const std::function<void()> &deed)
+{
+    m_platform->whilePublishing = [this, deed] {
+        deed();
+        m_daemon->settle();
+    };
+}
+
+/// The notifications published by now: the cookie of each and what it replaces.
+QStringList TestReminders::takePublications()
+{
+    const QRegularExpression call(u"^set(?:ReplacesId\\(|HintValue\\(.* )(\\d+)\\)$"_s);
+    QStringList numbers;
+    for (const QString &line : m_platform->takeCalls()) {
+        const QRegularExpressionMatch match = call.match(line);
+        if (match.hasMatch())
+            numbers << match.captured(1);
+    }
+    QStringList publications;
+    for (int i = 0; i + 1 < numbers.size(); i += 2)
+        publications << u"%1 for %2"_s.arg(numbers.at(i + 1), numbers.at(i));
+    return publications;
 }
 
 QStringList TestReminders::takeEvents()
@@ -436,7 +495,11 @@ void TestReminders::toleratesNotificationsOfAnotherShape()
                     {QVariant::fromValue(AttributesByCookie())});
     m_notifications->reply(m_notifications->next(u"GetNotificationsByCategory"_s),
                            reply.isValid() ? QVariantList{reply} : QVariantList());
-    m_daemon->settle();
+    QStringList lines;
+    QTRY_VERIFY(!(lines += log()).isEmpty());
+    QCOMPARE(lines.join(u'\n').remove(QRegularExpression(u"the form \"[^\"]*\""_s)),
+             u"warning: Unable to read reminder notifications of  instead of "
+             "\"a(susssasa{sv}i)\""_s);
     QCOMPARE(m_notifications->waiting(), 0);
 }
 
@@ -847,6 +910,266 @@ void TestReminders::publishAnewAfterTheNotificationWasClosed()
     m_daemon->reply(call, {6U});
     m_daemon->settle();
     QVERIFY(m_platform->takeCalls().contains(u"setReplacesId(0)"_s));
+}
+
+/// In the order of the alarms, and none within another.
+void TestReminders::publishOneAfterTheOther()
+{
+    startEmpty();
+    watch(u"a"_s, u"1"_s);
+    watch(u"b"_s, u"2"_s);
+    watch(u"c"_s, u"3"_s);
+    const QDBusMessage first = create(u"1"_s);
+    const QDBusMessage second = create(u"2"_s);
+    const QDBusMessage third = create(u"3"_s);
+    takePublications();
+    whilePublishing([&] {
+        m_daemon->reply(third, {6U});
+        m_daemon->reply(second, {7U});
+        m_daemon->settle();
+        QCOMPARE(takePublications(), QStringList(u"5 for 0"_s));
+        QCOMPARE(takeEvents(), QStringList());
+    });
+    m_daemon->reply(first, {5U});
+    QTRY_COMPARE(m_events.size(), 6);
+    QCOMPARE(takePublications(), QStringList({u"6 for 0"_s, u"7 for 0"_s}));
+    const QString due = u"yes 2030-01-02T12:00:00Z"_s;
+    QCOMPARE(takeEvents(),
+             QStringList({u"a when: "_s + due, u"a exists: "_s + due, u"c when: "_s + due,
+                          u"c exists: "_s + due, u"b when: "_s + due, u"b exists: "_s + due}));
+}
+
+void TestReminders::endAsOneNotificationForOneNumber()
+{
+    startEmpty();
+    watch(u"a"_s, u"1"_s);
+    m_platform->nextNotificationId = 7;
+    const QDBusMessage first = create(u"1"_s, noon);
+    takePublications();
+    whilePublishing([&] {
+        const QDBusMessage second = create(u"1"_s, noon.addSecs(60));
+        QCOMPARE(second.member(), u"replace_event"_s);
+        QCOMPARE(second.arguments().at(1), QVariant(5U));
+        m_daemon->reply(second, {6U});
+    });
+    m_daemon->reply(first, {5U});
+    QTRY_COMPARE(m_events.size(), 4);
+    QCOMPARE(takePublications(), QStringList({u"5 for 0"_s, u"6 for 7"_s}));
+    QCOMPARE(
+        takeEvents(),
+        QStringList(
+            {u"a when: yes 2030-01-02T12:00:00Z"_s, u"a exists: yes 2030-01-02T12:00:00Z"_s,
+             u"a when: yes 2030-01-02T12:01:00Z"_s, u"a exists: yes 2030-01-02T12:01:00Z"_s}));
+}
+
+/// One that is under way, and one whose turn has not come.
+void TestReminders::takeBackWhatFiresWhilePublishing()
+{
+    startEmpty();
+    watch(u"a"_s, u"1"_s);
+    watch(u"b"_s, u"2"_s);
+    m_platform->nextNotificationId = 7;
+    const QDBusMessage first = create(u"1"_s);
+    const QDBusMessage second = create(u"2"_s);
+    takePublications();
+    whilePublishing([&] {
+        m_daemon->reply(second, {6U});
+        m_daemon->emitSignal(u"com.nimbo.timed"_s, u"alarm_triggers_changed"_s,
+                             {QVariant::fromValue(Maemo::Timed::Event::Triggers())});
+    });
+    m_daemon->reply(first, {5U});
+    const QDBusMessage close = m_notifications->next(u"CloseNotification"_s);
+    QCOMPARE(close.arguments(), QVariantList{7U});
+    m_daemon->settle();
+    QCOMPARE(takePublications(), QStringList(u"5 for 0"_s));
+    QCOMPARE(takeEvents(),
+             QStringList({u"a exists: no "_s, u"b exists: no "_s})); // as for every alarm that goes
+    createReminder(u"2"_s, 9);
+    QVERIFY(m_watching.back()->exists());
+}
+
+void TestReminders::takeBackWhatIsRemovedWhilePublishing()
+{
+    startEmpty();
+    Reminder *a = watch(u"a"_s, u"1"_s);
+    m_platform->nextNotificationId = 7;
+    createReminder(u"1"_s, 5);
+    const QDBusMessage again = create(u"1"_s, noon.addSecs(60));
+    takeEvents();
+    whilePublishing([&] { a->remove(); });
+    m_daemon->reply(again, {6U});
+    QCOMPARE(m_notifications->next(u"CloseNotification"_s).arguments(), QVariantList{7U});
+    QCOMPARE(m_daemon->next(u"cancel"_s).arguments(), QVariantList{6U});
+    // Once more, as it may have been shown again since then.
+    QCOMPARE(m_notifications->next(u"CloseNotification"_s).arguments(), QVariantList{7U});
+    m_daemon->settle();
+    QCOMPARE(takeEvents(), QStringList(u"a exists: no 2030-01-02T12:00:00Z"_s));
+}
+
+void TestReminders::publishAnewWhatIsMadeAnewWhilePublishing()
+{
+    startEmpty();
+    Reminder *a = watch(u"a"_s, u"1"_s);
+    m_platform->nextNotificationId = 7;
+    createReminder(u"1"_s, 5);
+    const QDBusMessage again = create(u"1"_s, noon.addSecs(60));
+    takeEvents();
+    takePublications();
+    whilePublishing([&] {
+        a->remove();
+        QCOMPARE(m_daemon->next(u"cancel"_s).arguments(), QVariantList{6U});
+        const QDBusMessage anew = create(u"1"_s, noon.addSecs(120));
+        QCOMPARE(anew.member(), u"add_event"_s);
+        m_daemon->reply(anew, {8U});
+    });
+    m_daemon->reply(again, {6U});
+    QTRY_COMPARE(m_events.size(), 3);
+    m_notifications->forget(); // closed, once or twice
+    QCOMPARE(takePublications(), QStringList({u"6 for 7"_s, u"8 for 0"_s}));
+    QCOMPARE(takeEvents(),
+             QStringList({u"a exists: no 2030-01-02T12:00:00Z"_s,
+                          u"a when: yes 2030-01-02T12:02:00Z"_s,
+                          u"a exists: yes 2030-01-02T12:02:00Z"_s}));
+}
+
+void TestReminders::noticeWhatIsClosedWhilePublishing_data()
+{
+    QTest::addColumn<uint>("closed");
+    QTest::addColumn<bool>("replaces");
+    QTest::addColumn<bool>("isShown");
+
+    QTest::newRow("the new one") << 7U << false << false;
+    QTest::newRow("another") << 9U << false << true;
+    QTest::newRow("one that is shown again") << 7U << true << true;
+}
+
+/// Of a new one it can only be told once it has been shown, that is in front of its id's arrival.
+void TestReminders::noticeWhatIsClosedWhilePublishing()
+{
+    QFETCH(uint, closed);
+    QFETCH(bool, replaces);
+    QFETCH(bool, isShown);
+
+    startEmpty();
+    m_platform->nextNotificationId = 7;
+    if (replaces)
+        createReminder(u"1"_s, 5);
+    const QDBusMessage call = create(u"1"_s);
+    whilePublishing([&] {
+        m_notifications->emitSignal(u"org.freedesktop.Notifications"_s, u"NotificationClosed"_s,
+                                    {closed, 1U});
+    });
+    m_daemon->reply(call, {6U});
+    m_daemon->settle();
+    QCOMPARE(watch(u"b"_s, u"1"_s)->exists(), isShown);
+}
+
+void TestReminders::outliveTheirStoreWhilePublishing()
+{
+    startEmpty();
+    const Reminder *a = watch(u"a"_s, u"1"_s);
+    const QDBusMessage first = create(u"1"_s);
+    const QDBusMessage second = create(u"2"_s);
+    takePublications();
+    whilePublishing([&] {
+        m_daemon->reply(second, {6U});
+        m_daemon->settle();
+        m_reminders.reset();
+    });
+    m_daemon->reply(first, {5U});
+    m_daemon->settle();
+    QCOMPARE(takePublications(), QStringList(u"5 for 0"_s));
+    QCOMPARE(takeEvents(), QStringList());
+    QCOMPARE(a->reminders(), nullptr);
+}
+
+/// A system bus lets a connection wait for 128 answers and refuses what goes beyond.
+void TestReminders::makeSomeAlarmsAtATime()
+{
+    startEmpty();
+    for (int i = 0; i < 300; ++i)
+        m_reminders->createWithStrings(QString::number(i), noon, u"app"_s, u"contact"_s,
+                                       u"title"_s, u"text"_s);
+    m_daemon->settle();
+    for (uint i = 0; i < 300; ++i) {
+        QVERIFY2(m_daemon->waiting() <= 64, qPrintable(QString::number(m_daemon->waiting())));
+        const QDBusMessage call = m_daemon->next(u"add_event"_s);
+        QCOMPARE(call.arguments().constFirst().toStringList().value(6),
+                 u"phoneNumber=%1"_s.arg(i));
+        m_daemon->reply(call, {i + 1});
+    }
+    int published = 0;
+    QTRY_COMPARE(published += takePublications().size(), 300);
+}
+
+void TestReminders::closeSomeLeftoversAtATime()
+{
+    QVector<NotificationData> leftovers;
+    for (uint id = 1; id <= 1000; ++id)
+        leftovers.append(notification(id, id));
+    start({}, leftovers);
+    for (uint id = 1; id <= 1000; ++id) {
+        QVERIFY(m_notifications->waiting() <= 64);
+        const QDBusMessage call = m_notifications->next(u"CloseNotification"_s);
+        QCOMPARE(call.arguments(), QVariantList{id});
+        if (id % 2 == 0)
+            m_notifications->reply(call, {});
+        else
+            m_notifications->fail(call, u"com.example.Error"_s, u"no"_s);
+    }
+}
+
+void TestReminders::askForNoAnswerThatNobodyReads()
+{
+    startEmpty();
+    Reminder *a = watch(u"a"_s, u"1"_s);
+    createReminder(u"1"_s, 5);
+    a->remove();
+    QVERIFY(!m_daemon->next(u"cancel"_s).isReplyRequired());
+    QVERIFY(!m_notifications->next(u"CloseNotification"_s).isReplyRequired());
+}
+
+void TestReminders::leaveNothingOfFinishedCalls()
+{
+    startEmpty();
+    createReminder(u"1"_s, 1);
+    const ObjectCount objects;
+    for (uint cookie = 2; cookie < 100; ++cookie)
+        createReminder(u"1"_s, cookie);
+    m_daemon->settle();
+    QCOMPARE(objects.value(), 0);
+}
+
+/// A record lists a destroyed object as null, unless it is the first; that and the record are all.
+void TestReminders::keepNothingOfDestroyedReminders()
+{
+    constexpr uint many = 10000;
+    AttributesByCookie alarms;
+    for (uint i = 1; i <= many; ++i)
+        alarms.insert(i, attributes(u"alarm %1"_s.arg(i)));
+    const size_t before = allocatedBytes();
+    m_reminders = std::make_unique<Reminders>();
+    QVariantList cookies;
+    m_daemon->reply(m_daemon->next(u"query"_s), {QVariant(cookies)});
+    m_daemon->reply(m_daemon->next(u"get_attributes_by_cookies"_s), {QVariant::fromValue(alarms)});
+    m_notifications->reply(m_notifications->next(u"GetNotificationsByCategory"_s),
+                           {QVariant::fromValue(QVector<NotificationData>())});
+    m_daemon->settle();
+    m_platform->takeCalls();
+    const size_t withAlarms = allocatedBytes();
+    {
+        std::vector<std::unique_ptr<Reminder>> watching(many);
+        for (uint i = 0; i < many; ++i) {
+            watching[i] = std::make_unique<Reminder>();
+            watching[i]->setReminders(m_reminders.get());
+            watching[i]->setPhoneNumber(u"watch %1"_s.arg(i));
+        }
+    }
+    m_platform->takeCalls();
+    const size_t withDestroyed = allocatedBytes();
+    const auto each = (withAlarms - before) / many;
+    const auto eachDestroyed = (withDestroyed - withAlarms) / many;
+    QVERIFY2(eachDestroyed <= each, qPrintable(u"%1 %2"_s.arg(eachDestroyed).arg(each)));
 }
 
 void TestReminders::bindToTheExactNumber()

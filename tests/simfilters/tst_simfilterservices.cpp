@@ -74,6 +74,7 @@ private Q_SLOTS:
     void missTheRulesOfAStackThatComesLater();
     void returnWithTheStack();
     void goOnWhenAHungStackDoes();
+    void startBesideAHungStack();
     void endRightAfterManyChanges();
 
     void haveNoSimWithTheRealDaemon();
@@ -583,6 +584,26 @@ void TestSimFilterServices::goOnWhenAHungStackDoes()
 
     signalProcess(m_stack->processId(), SIGCONT);
     QVERIFY(areTold({u"dial: ready receive 1"_s, u"receive: ready 1"_s}));
+}
+
+/// As soon as with one that answers: it is asked, and not waited for.
+void TestSimFilterServices::startBesideAHungStack()
+{
+    QVERIFY(startTelephony());
+    QVERIFY(isDone(u"SetDefaultAction"_s, {dial, block}));
+    QVERIFY(isDone(u"InsertSim"_s, {one, first}));
+    signalProcess(m_stack->processId(), SIGSTOP);
+    QElapsedTimer timer;
+    timer.start();
+    QVERIFY(startUi());
+    QCOMPARE(state(), u"dial receive 0"_s);
+    QVERIFY(timer.elapsed() < 20000); // one call to it that waits takes 25 s
+
+    signalProcess(m_stack->processId(), SIGCONT);
+    QVERIFY(
+        areTold({u"count: dial receive 1"_s, u"dial: receive 1"_s, u"ready: ready receive 1"_s}));
+    QVERIFY(isDone(u"SetDefaultAction"_s, {dial, allow})); // whose signals it follows
+    QVERIFY(areTold({u"dial: ready dial receive 1"_s}));
 }
 
 void TestSimFilterServices::endRightAfterManyChanges()

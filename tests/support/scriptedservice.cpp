@@ -85,7 +85,9 @@ QDBusMessage ScriptedService::next()
     if (m_calls.isEmpty()) {
         QEventLoop loop;
         connect(this, &ScriptedService::called, &loop, &QEventLoop::quit);
-        QTimer::singleShot(patience, &loop, &QEventLoop::quit);
+        QTimer timer;
+        connect(&timer, &QTimer::timeout, &loop, &QEventLoop::quit);
+        timer.start(patience);
         loop.exec();
     }
     return m_calls.isEmpty() ? QDBusMessage() : m_calls.takeFirst();
@@ -122,6 +124,13 @@ void ScriptedService::emitSignal(const QString &interface, const QString &name,
 }
 
 void ScriptedService::settle()
+{
+    // Once more for what the first time has led to, such as a question about who has answered.
+    for (int i = 0; i < 2; ++i)
+        settleOnce();
+}
+
+void ScriptedService::settleOnce()
 {
     // There and back on either connection: what was sent before is through then.
     waitForBus(QDBusConnection::sessionBus());

@@ -59,6 +59,8 @@ private:
     Q_DISABLE_COPY(ScriptedService)
     class Objects;
 
+    void settleOnce();
+
     QDBusConnection m_bus;
     const QString m_service;
     const QString m_path;
