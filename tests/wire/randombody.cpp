@@ -17,24 +17,23 @@ constexpr int deepestVariant = 12;
 constexpr int mostValues = 300;
 constexpr int mostDescriptors = 4;
 
-/// Texts that the call UI looks for, or does something with.
+/// What the call UI looks for in dictionaries.
+constexpr std::array keys{"Interfaces",  "Present",     "SubscriberIdentity",
+                          "phoneNumber", "triggerTime", "x-nimbo-alarm-cookie"};
+
+/// Other texts that mean something to it, or to QtDBus within it.
 constexpr std::array words{
-    "Interfaces",
     "org.ofono.SimManager",
-    "Present",
-    "SubscriberIdentity",
     "262011111111111",
     "262022222222222",
     "APPLICATION",
     "nimbo_parley_ui",
     "type",
     "reminder",
-    "phoneNumber",
     "+15550100",
-    "triggerTime",
+    "5550199",
     "1893585600",
     "TITLE",
-    "x-nimbo-alarm-cookie",
     "category",
     "x-nimbo-call-reminder",
     "com.nimbo.parley.ui",
@@ -44,11 +43,6 @@ constexpr std::array words{
     "org.freedesktop.DBus",
     ":1.0",
     ":1.3",
-    "remind",
-    "forget",
-    "again",
-    "rebind",
-    "replies",
     "<node/>",
     "<node><interface name='org.cobalt.ofono.mdm.ParleyFilter'><signal name='RuleAdded'/>"
     "<method name='GetAll'><arg type='a(su)' direction='out'/></method></interface></node>"};
@@ -166,8 +160,10 @@ QByteArray RandomBody::text()
 {
     if (oneIn(8))
         return {};
-    if (!oneIn(3))
-        return oneOf(words);
+    if (m_lastText == "Interfaces" && oneIn(2))
+        return "org.ofono.SimManager";
+    if (!oneIn(4))
+        return oneIn(2) ? oneOf(keys) : oneOf(words);
     QByteArray text;
     const quint64 length = oneIn(50) ? 1 + below(20000) : 1 + below(12);
     for (quint64 i = 0; i < length; ++i)

@@ -4,6 +4,7 @@
 #include "randomtraffic.h"
 
 #include <algorithm>
+#include <array>
 
 namespace {
 
@@ -63,8 +64,6 @@ const std::vector<Method> &methods()
     static const std::vector<Method> list{
         {uiService, "show", "as"},
         {uiService, "showOngoing", ""},
-        {uiService, "openUrl", "as"},
-        {uiService, "openUrl", "as"}, // which is what the screens do most for
         {uiService, "openUrl", "as"},
         {uiService, "dial", "s"},
         {uiService, "dialViaModem", "ss"},
@@ -145,8 +144,10 @@ void RandomTraffic::sendOne()
     const quint64 choice = m_random.below(20);
     if (choice < 8)
         sendSignal();
-    else if (choice < 14)
+    else if (choice < 13)
         sendCall();
+    else if (choice < 14)
+        sendOrder();
     else
         sendReply(side);
 }
@@ -184,6 +185,18 @@ void RandomTraffic::sendCall()
     dbus_message_set_no_reply(message.get(), m_random.oneIn(4));
     m_random.appendAbout(message.get(), method.signature);
     side.stranger->send(message.get());
+}
+
+/// Has the screens do something with one of the native types, so that the UI calls its services.
+void RandomTraffic::sendOrder()
+{
+    const RawMessage message = RawConnection::makeCall(m_session.ui, "/", uiService, "openUrl");
+    const char *order = m_random.oneOf(
+        std::array{"remind", "remind", "remind", "forget", "rebind", "again", "replies"});
+    const char **orders = &order;
+    dbus_message_append_args(message.get(), DBUS_TYPE_ARRAY, DBUS_TYPE_STRING, &orders, 1,
+                             DBUS_TYPE_INVALID);
+    m_session.stranger->send(message.get());
 }
 
 /// A stranger's answer to a call that the UI has just made, or is about to make.

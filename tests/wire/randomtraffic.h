@@ -57,6 +57,7 @@ private:
 
     void sendSignal();
     void sendCall();
+    void sendOrder();
     void sendReply(Side &side);
     void moveName(Side &side);
 
