@@ -160,8 +160,10 @@ QByteArray RandomBody::text()
 {
     if (oneIn(8))
         return {};
-    if (m_lastText == "Interfaces" && oneIn(2))
+    if (m_lastText == "Interfaces" && !oneIn(4))
         return "org.ofono.SimManager";
+    if (m_lastText == "phoneNumber" && oneIn(2))
+        return "+15550100";
     if (!oneIn(4))
         return oneIn(2) ? oneOf(keys) : oneOf(words);
     QByteArray text;
@@ -322,16 +324,34 @@ void RandomBody::writeArray(DBusMessageIter *to, DBusSignatureIter *type)
     quint64 count = oneIn(40) ? below(100) : below(4);
     if (signature.contains('h'))
         count = below(2); // a message has no more descriptors than its signature has
+    else if (signature.startsWith("{s") && !oneIn(3))
+        writeKnownEntries(&inner, &element);
     for (quint64 i = 0; i < count && m_valuesLeft > 0; ++i)
         write(&inner, &element);
     dbus_message_iter_close_container(to, &inner);
+}
+
+/// An entry for each key that the call UI looks for.
+void RandomBody::writeKnownEntries(DBusMessageIter *to, DBusSignatureIter *entry)
+{
+    for (const char *key : keys) {
+        DBusSignatureIter value;
+        dbus_signature_iter_recurse(entry, &value);
+        dbus_signature_iter_next(&value);
+        DBusMessageIter inner;
+        dbus_message_iter_open_container(to, DBUS_TYPE_DICT_ENTRY, nullptr, &inner);
+        dbus_message_iter_append_basic(&inner, DBUS_TYPE_STRING, &key);
+        m_lastText = key;
+        write(&inner, &value);
+        dbus_message_iter_close_container(to, &inner);
+    }
 }
 
 void RandomBody::writeVariant(DBusMessageIter *to)
 {
     const char *known = typeBeside(m_lastText);
     QByteArray signature = oneIn(4) ? QByteArray("v") : allowed(type(m_depth));
-    if (known != nullptr && !oneIn(4))
+    if (known != nullptr && !oneIn(8))
         signature = known;
     if (m_valuesLeft <= 0 || m_depth >= deepestVariant)
         signature = "u";

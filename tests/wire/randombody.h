@@ -63,6 +63,7 @@ private:
     void write(DBusMessageIter *to, DBusSignatureIter *type);
     void writeBasic(DBusMessageIter *to, int type);
     void writeArray(DBusMessageIter *to, DBusSignatureIter *type);
+    void writeKnownEntries(DBusMessageIter *to, DBusSignatureIter *entry);
     void writeVariant(DBusMessageIter *to);
     quint64 number();
 

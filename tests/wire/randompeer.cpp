@@ -95,11 +95,11 @@ void RandomPeer::answer(DBusMessage *call)
     const quint32 serial = dbus_message_get_serial(call);
     RawMessage message = RawConnection::makeReply(caller, serial);
     const QByteArray right = replySignature(dbus_message_get_member(call));
-    const quint64 choice = m_random.below(8);
+    const quint64 choice = m_random.below(10);
     if (choice == 0) {
         message = RawConnection::makeError(caller, serial, m_random.dottedName());
         m_random.appendAbout(message.get(), "s");
-    } else if (choice < 5) {
+    } else if (choice < 7) {
         m_random.append(message.get(), right);
     } else {
         m_random.appendAbout(message.get(), right);

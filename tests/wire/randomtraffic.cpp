@@ -38,7 +38,9 @@ std::vector<Signal> makeSignals()
         {bus, busPath, bus, "NameAcquired", "s"},
         {bus, busPath, bus, "NameLost", "s"},
     };
-    for (const char *modem : {"/ril_0", "/ril_1"}) {
+    // The rules are not read before there are SIMs: what brings them comes more often.
+    for (const char *modem : {"/ril_0", "/ril_1", "/ril_0", "/ril_1"}) {
+        list.push_back({ofono, "/", "org.ofono.Manager", "ModemAdded", "oa{sv}"});
         for (const char *interface : {"org.ofono.Modem", "org.ofono.SimManager"})
             list.push_back({ofono, modem, interface, "PropertyChanged", "sv"});
     }
@@ -139,7 +141,7 @@ bool RandomTraffic::findUi()
 void RandomTraffic::sendOne()
 {
     Side &side = m_random.oneIn(2) ? m_session : m_system;
-    if (m_random.oneIn(100))
+    if (m_random.oneIn(200))
         return moveName(side);
     const quint64 choice = m_random.below(20);
     if (choice < 8)

@@ -72,7 +72,7 @@ private:
 void TestWireFuzz::survivesWhateverComes()
 {
     const quint64 seed = numberFromEnvironment("PARLEY_WIRE_SEED", std::random_device()());
-    const quint64 wanted = numberFromEnvironment("PARLEY_WIRE_MESSAGES", 3000);
+    const quint64 wanted = numberFromEnvironment("PARLEY_WIRE_MESSAGES", 20000);
     const quint64 block = std::max<quint64>(numberFromEnvironment("PARLEY_WIRE_BLOCK", 200), 1);
     const QString settings =
         u"PARLEY_WIRE_SEED=%1 PARLEY_WIRE_MESSAGES=%2 PARLEY_WIRE_BLOCK=%3"_s.arg(seed)
