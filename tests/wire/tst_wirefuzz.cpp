@@ -25,17 +25,18 @@ constexpr int moreDescriptors = 16;
 /// What the process may say when services answer nonsense.
 const QRegularExpression &knownLines()
 {
-    static const QRegularExpression lines(
-        QStringLiteral("^(?:"
-                       "Unable to query reminder (?:alarms|notifications) QDBusError\\(.*\\)"
-                       "|Failed to create alarm"
-                       "|\\((?:dial|incoming)\\) GetAll\\(\\) failed: .*"
-                       "|Could not ask oFono for \"(?:GetModems|GetProperties)\" QDBusError\\(.*\\)"
-                       "|oFono has answered \"(?:GetModems|GetProperties)\" with \".*\""
-                       "|A call to com\\.nimbo\\.parley\\.ui\\.toggleCall from pid .* was rejected"
-                       // Qt's, of a signature that is empty, which D-Bus allows.
-                       "|QDBusSignature: invalid signature \"\""
-                       ")$"));
+    static const QRegularExpression lines(QStringLiteral(
+        "^(?:"
+        "Unable to query reminder (?:alarms|notifications) QDBusError\\(.*\\)"
+        "|Failed to create alarm"
+        "|\\((?:dial|incoming)\\) GetAll\\(\\) failed: .*"
+        "|Could not ask oFono for \"(?:GetModems|GetProperties)\" QDBusError\\(.*\\)"
+        "|oFono has answered \"(?:GetModems|GetProperties)\" with \".*\""
+        // A call need not name its interface.
+        "|A call to (?:com\\.nimbo\\.parley\\.ui)?\\.toggleCall from pid .* was rejected"
+        // Qt's, of a signature that is empty, which D-Bus allows.
+        "|QDBusSignature: invalid signature \"\""
+        ")$"));
     return lines;
 }
 
