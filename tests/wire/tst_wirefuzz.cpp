@@ -61,6 +61,7 @@ private Q_SLOTS:
 
 private:
     bool isWell(quint64 check);
+    bool answers(const QByteArray &number);
     QString claimLog(const QString &expected);
     int descriptors() const;
 
@@ -125,20 +126,29 @@ void TestWireFuzz::survivesWhateverComes()
 bool TestWireFuzz::isWell(quint64 check)
 {
     const QByteArray number = "check " + QByteArray::number(check);
-    const bool isAlive = m_traffic->isUiAlive(number, m_ui->isRunning() ? patience : 0,
-                                              [] { QCoreApplication::processEvents(); });
-    // What ends it is told at length, and the end of that comes with the end of the process.
-    if (!isAlive)
+    bool isAlive = answers(number);
+    QString strange = claimLog(u"qml: "_s + QString::fromUtf8(number));
+    // What ends it may just have begun to be told, at length.
+    if (isAlive && !strange.isEmpty())
+        isAlive = answers({});
+    if (!isAlive) {
         m_ui->waitForEnd();
-    const QString strange = claimLog(u"qml: "_s + QString::fromUtf8(number));
+        strange += u'\n' + claimLog({});
+    }
     m_complaint.clear();
     if (!m_ui->isRunning())
         m_complaint += u"\nThe process has ended."_s;
     else if (!isAlive)
         m_complaint += u"\nThe process does not answer."_s;
     if (!strange.isEmpty())
-        m_complaint += u"\nThe end of its log, as far as it is not known:\n"_s + strange;
+        m_complaint += u"\nIts log, where it is not known:\n"_s + strange;
     return m_complaint.isEmpty();
+}
+
+bool TestWireFuzz::answers(const QByteArray &number)
+{
+    return m_traffic->isUiAlive(number, m_ui->isRunning() ? patience : 0,
+                                [] { QCoreApplication::processEvents(); });
 }
 
 /// Claims what has been logged. What there is besides \a expected, which there must be, and the
