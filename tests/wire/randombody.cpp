@@ -68,7 +68,7 @@ constexpr std::array names{"com.nimbo.parley.ui",
                            "org.cobalt.ofono.mdm.ParleyFilter",
                            "a.b"};
 
-constexpr std::array pieces{"\u00e9", "\u4e2d", "\U0001f4de", "\u202e",    "\ufeff", "a",
+constexpr std::array pieces{"\u00e9", "\u4e2d", "\U0001f4de", "\u2028",    "\ufeff", "a",
                             "0",      "%1",     "\n",         "\t",        "\\",     "\"",
                             " ",      "\x01",   "\x7f",       "\U0010ffff"};
 
@@ -89,7 +89,7 @@ const char *typeBeside(const QByteArray &word)
 QByteArray take(DBusSignatureIter *type)
 {
     char *text = dbus_signature_iter_get_signature(type);
-    const QByteArray signature(text);
+    QByteArray signature(text);
     dbus_free(text);
     return signature;
 }
@@ -133,9 +133,8 @@ void RandomBody::appendAbout(DBusMessage *message, const QByteArray &right)
     append(message, choice < 4 ? nearly(right) : choice < 7 ? right : signature());
 }
 
-void RandomBody::append(DBusMessage *message, const QByteArray &right)
+void RandomBody::append(DBusMessage *message, QByteArray signature)
 {
-    QByteArray signature = right;
     if (signature.count('h') > mostDescriptors)
         signature.replace('h', 'u');
     m_valuesLeft = mostValues;
@@ -207,7 +206,7 @@ QByteArray RandomBody::type(int depth)
 {
     const quint64 choice = below(10);
     if (choice < 6 || depth >= deepestType)
-        return QByteArray(1, basicType());
+        return {1, basicType()};
     if (choice == 6)
         return "v";
     if (choice == 7)
@@ -283,7 +282,7 @@ QByteArray RandomBody::changedType(const QByteArray &type, int depth)
     case 3:
         return RandomBody::type(depth);
     default:
-        return QByteArray(1, basicType());
+        return {1, basicType()};
     }
 }
 

@@ -37,8 +37,8 @@ public:
     /// Appends arguments where exactly \a right is expected: half of the time its signature with
     /// one thing changed, else exactly that signature, else any other.
     void appendAbout(DBusMessage *message, const QByteArray &right);
-    /// Appends arguments with exactly \a signature.
-    void append(DBusMessage *message, const QByteArray &signature);
+    /// Appends arguments with exactly \a signature, which has few descriptors.
+    void append(DBusMessage *message, QByteArray signature);
     /// Appends arguments with any signature.
     void appendAny(DBusMessage *message);
 

@@ -31,10 +31,9 @@ QByteArray replySignature(const QByteArray &method)
 
 } // namespace
 
-RandomPeer::RandomPeer(const QString &address, const QByteArray &service, quint64 seed,
-                       SentMessages &sent)
-    : m_address(address)
-    , m_service(service)
+RandomPeer::RandomPeer(QString address, QByteArray service, quint64 seed, SentMessages &sent)
+    : m_address(std::move(address))
+    , m_service(std::move(service))
     , m_random(seed)
     , m_sent(sent)
 {

@@ -21,7 +21,7 @@ class RandomPeer
 {
 public:
     /// On the bus at \a address, with the name \a service unless that is empty.
-    RandomPeer(const QString &address, const QByteArray &service, quint64 seed, SentMessages &sent);
+    RandomPeer(QString address, QByteArray service, quint64 seed, SentMessages &sent);
 
     /// The name of the service, which it may have lost; empty for a stranger.
     QByteArray service() const { return m_service; }
