@@ -4,7 +4,6 @@
 #include "randombody.h"
 
 #include <array>
-#include <cstring>
 #include <limits>
 
 #include <fcntl.h>
@@ -12,7 +11,6 @@
 
 namespace {
 
-constexpr int deepestType = 5;
 constexpr int deepestVariant = 12;
 constexpr int mostValues = 300;
 constexpr int mostDescriptors = 4;
@@ -94,30 +92,11 @@ QByteArray take(DBusSignatureIter *type)
     return signature;
 }
 
-/// \a signature, or another one where it is longer than D-Bus allows.
-QByteArray allowed(const QByteArray &signature)
-{
-    return dbus_signature_validate(signature.constData(), nullptr) ? signature : QByteArray("u");
-}
-
-/// The complete types that \a signature is made of.
-QByteArrayList split(const QByteArray &signature)
-{
-    QByteArrayList types;
-    if (signature.isEmpty())
-        return types;
-    DBusSignatureIter iterator;
-    dbus_signature_iter_init(&iterator, signature.constData());
-    do
-        types.append(take(&iterator));
-    while (dbus_signature_iter_next(&iterator));
-    return types;
-}
-
 } // namespace
 
-RandomBody::RandomBody(quint64 seed)
-    : m_random(seed)
+RandomBody::RandomBody(RandomSource &random)
+    : m_random(random)
+    , m_signature(random)
     , m_descriptor(::open("/dev/null", O_RDONLY | O_CLOEXEC))
 {
 }
@@ -129,8 +108,11 @@ RandomBody::~RandomBody()
 
 void RandomBody::appendAbout(DBusMessage *message, const QByteArray &right)
 {
-    const quint64 choice = below(8);
-    append(message, choice < 4 ? nearly(right) : choice < 7 ? right : signature());
+    const quint64 choice = m_random.below(8);
+    append(message,
+           choice < 4       ? m_signature.nearly(right)
+               : choice < 7 ? right
+                            : m_signature.any());
 }
 
 void RandomBody::append(DBusMessage *message, QByteArray signature)
@@ -150,140 +132,43 @@ void RandomBody::append(DBusMessage *message, QByteArray signature)
     writeAll(&to, &types);
 }
 
-void RandomBody::appendAny(DBusMessage *message)
-{
-    append(message, signature());
-}
-
 QByteArray RandomBody::text()
 {
-    if (oneIn(8))
+    if (m_random.oneIn(8))
         return {};
-    if (m_lastText == "Interfaces" && !oneIn(4))
+    if (m_lastText == "Interfaces" && !m_random.oneIn(4))
         return "org.ofono.SimManager";
-    if (m_lastText == "phoneNumber" && oneIn(2))
+    if (m_lastText == "phoneNumber" && m_random.oneIn(2))
         return "+15550100";
-    if (!oneIn(4))
-        return oneIn(2) ? oneOf(keys) : oneOf(words);
+    if (!m_random.oneIn(4))
+        return m_random.oneIn(2) ? m_random.oneOf(keys) : m_random.oneOf(words);
     QByteArray text;
-    const quint64 length = oneIn(50) ? 1 + below(20000) : 1 + below(12);
+    const quint64 length = m_random.oneIn(50) ? 1 + m_random.below(20000) : 1 + m_random.below(12);
     for (quint64 i = 0; i < length; ++i)
-        text += oneOf(pieces);
+        text += m_random.oneOf(pieces);
     return text;
 }
 
 QByteArray RandomBody::path()
 {
-    if (!oneIn(5))
-        return oneOf(paths);
+    if (!m_random.oneIn(5))
+        return m_random.oneOf(paths);
     QByteArray path;
-    const quint64 depth = oneIn(30) ? below(100) : below(5);
+    const quint64 depth = m_random.oneIn(30) ? m_random.below(100) : m_random.below(5);
     for (quint64 i = 0; i < depth; ++i)
-        path += '/' + QByteArray::number(below(100), 36);
+        path += '/' + QByteArray::number(m_random.below(100), 36);
     return path.isEmpty() ? QByteArray("/") : path;
 }
 
 QByteArray RandomBody::dottedName()
 {
-    if (!oneIn(5))
-        return oneOf(names);
+    if (!m_random.oneIn(5))
+        return m_random.oneOf(names);
     QByteArray name("n");
-    const quint64 parts = 1 + below(20);
+    const quint64 parts = 1 + m_random.below(20);
     for (quint64 i = 0; i < parts; ++i)
-        name += ".x" + QByteArray::number(below(1000), 36);
+        name += ".x" + QByteArray::number(m_random.below(1000), 36);
     return name;
-}
-
-char RandomBody::basicType()
-{
-    // Descriptors are rare: a message may carry only a few.
-    return oneIn(40)
-        ? 'h'
-        : oneOf(std::array{'y', 'b', 'n', 'q', 'i', 'u', 'x', 't', 'd', 's', 'o', 'g'});
-}
-
-QByteArray RandomBody::type(int depth)
-{
-    const quint64 choice = below(10);
-    if (choice < 6 || depth >= deepestType)
-        return {1, basicType()};
-    if (choice == 6)
-        return "v";
-    if (choice == 7)
-        return 'a' + type(depth + 1);
-    if (choice == 8)
-        return QByteArray("a{") + basicType() + type(depth + 1) + '}';
-    QByteArray members;
-    const quint64 count = 1 + below(4);
-    for (quint64 i = 0; i < count; ++i)
-        members += type(depth + 1);
-    return '(' + members + ')';
-}
-
-QByteArray RandomBody::signature()
-{
-    // As deep as D-Bus allows.
-    if (oneIn(100))
-        return QByteArray(32, 'a') + basicType();
-    if (oneIn(100))
-        return QByteArray(32, '(') + basicType() + QByteArray(32, ')');
-    QByteArray types;
-    const quint64 count = below(6);
-    for (quint64 i = 0; i < count; ++i)
-        types += type(0);
-    return allowed(types);
-}
-
-/// Another signature with one thing of \a right changed.
-QByteArray RandomBody::nearly(const QByteArray &right)
-{
-    const QByteArray result = changed(split(right), 0).join();
-    return allowed(result);
-}
-
-QByteArrayList RandomBody::changed(QByteArrayList types, int depth)
-{
-    const quint64 choice = below(8);
-    if (types.isEmpty() || choice == 0) {
-        types.insert(static_cast<int>(below(static_cast<quint64>(types.size()) + 1)), type(depth));
-        return types;
-    }
-    const auto at = static_cast<int>(below(static_cast<quint64>(types.size())));
-    if (choice == 1)
-        types.removeAt(at);
-    else
-        types[at] = changedType(types.at(at), depth);
-    return types;
-}
-
-QByteArray RandomBody::changedType(const QByteArray &type, int depth)
-{
-    const bool isContainer = type.size() > 1;
-    if (isContainer && !oneIn(3)) {
-        // Within: an array's element, or members, of which the first is a dictionary's key.
-        DBusSignatureIter outer;
-        dbus_signature_iter_init(&outer, type.constData());
-        DBusSignatureIter inner;
-        dbus_signature_iter_recurse(&outer, &inner);
-        if (type.startsWith("a{"))
-            return "a{" + type.mid(2, 1) + changedType(type.mid(3, type.size() - 4), depth + 1)
-                + '}';
-        if (type.startsWith('a'))
-            return 'a' + changedType(take(&inner), depth + 1);
-        return '(' + changed(split(type.mid(1, type.size() - 2)), depth + 1).join() + ')';
-    }
-    switch (below(6)) {
-    case 0:
-        return '(' + type + ')';
-    case 1:
-        return 'a' + type;
-    case 2:
-        return "v";
-    case 3:
-        return RandomBody::type(depth);
-    default:
-        return {1, basicType()};
-    }
 }
 
 void RandomBody::writeAll(DBusMessageIter *to, DBusSignatureIter *types)
@@ -320,10 +205,10 @@ void RandomBody::writeArray(DBusMessageIter *to, DBusSignatureIter *type)
     const QByteArray signature = take(&element);
     DBusMessageIter inner;
     dbus_message_iter_open_container(to, DBUS_TYPE_ARRAY, signature.constData(), &inner);
-    quint64 count = oneIn(40) ? below(100) : below(4);
+    quint64 count = m_random.oneIn(40) ? m_random.below(100) : m_random.below(4);
     if (signature.contains('h'))
-        count = below(2); // a message has no more descriptors than its signature has
-    else if (signature.startsWith("{s") && !oneIn(3))
+        count = m_random.below(2); // a message has no more descriptors than its signature has
+    else if (signature.startsWith("{s") && !m_random.oneIn(3))
         writeKnownEntries(&inner, &element);
     for (quint64 i = 0; i < count && m_valuesLeft > 0; ++i)
         write(&inner, &element);
@@ -349,8 +234,8 @@ void RandomBody::writeKnownEntries(DBusMessageIter *to, DBusSignatureIter *entry
 void RandomBody::writeVariant(DBusMessageIter *to)
 {
     const char *known = typeBeside(m_lastText);
-    QByteArray signature = oneIn(4) ? QByteArray("v") : allowed(type(m_depth));
-    if (known != nullptr && !oneIn(8))
+    QByteArray signature = m_random.oneIn(4) ? QByteArray("v") : m_signature.single(m_depth);
+    if (known != nullptr && !m_random.oneIn(8))
         signature = known;
     if (m_valuesLeft <= 0 || m_depth >= deepestVariant)
         signature = "u";
@@ -375,7 +260,7 @@ void RandomBody::writeBasic(DBusMessageIter *to, int type)
     if (type == DBUS_TYPE_STRING || type == DBUS_TYPE_OBJECT_PATH || type == DBUS_TYPE_SIGNATURE) {
         const QByteArray value = type == DBUS_TYPE_STRING ? text()
             : type == DBUS_TYPE_OBJECT_PATH               ? path()
-                                                          : signature();
+                                                          : m_signature.any();
         if (type == DBUS_TYPE_STRING)
             m_lastText = value;
         const char *data = value.constData();
@@ -385,15 +270,17 @@ void RandomBody::writeBasic(DBusMessageIter *to, int type)
     DBusBasicValue value{};
     value.u64 = number();
     if (type == DBUS_TYPE_BOOLEAN)
-        value.bool_val = static_cast<dbus_bool_t>(below(2));
+        value.bool_val = static_cast<dbus_bool_t>(m_random.below(2));
     else if (type == DBUS_TYPE_DOUBLE)
-        value.dbl = oneOf(std::array{0.0, -1.5, std::numeric_limits<double>::quiet_NaN(),
-                                     std::numeric_limits<double>::infinity(), 1e300});
+        value.dbl = m_random.oneOf(std::array{0.0, -1.5, std::numeric_limits<double>::quiet_NaN(),
+                                              std::numeric_limits<double>::infinity(), 1e300});
     dbus_message_iter_append_basic(to, type, &value);
 }
 
 /// Often small, as cookies, ids and actions are.
 quint64 RandomBody::number()
 {
-    return oneIn(4) ? m_random() : oneIn(8) ? std::numeric_limits<quint64>::max() : below(8);
+    return m_random.oneIn(4) ? m_random.any()
+        : m_random.oneIn(8)  ? std::numeric_limits<quint64>::max()
+                             : m_random.below(8);
 }

@@ -96,12 +96,12 @@ void RandomPeer::answer(DBusMessage *call)
     const QByteArray right = replySignature(dbus_message_get_member(call));
     const quint64 choice = m_random.below(10);
     if (choice == 0) {
-        message = RawConnection::makeError(caller, serial, m_random.dottedName());
-        m_random.appendAbout(message.get(), "s");
+        message = RawConnection::makeError(caller, serial, m_body.dottedName());
+        m_body.appendAbout(message.get(), "s");
     } else if (choice < 7) {
-        m_random.append(message.get(), right);
+        m_body.append(message.get(), right);
     } else {
-        m_random.appendAbout(message.get(), right);
+        m_body.appendAbout(message.get(), right);
     }
     send(message.get());
 }

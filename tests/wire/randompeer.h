@@ -4,6 +4,7 @@
 #pragma once
 
 #include "randombody.h"
+#include "randomsource.h"
 #include "rawconnection.h"
 #include "sentmessages.h"
 
@@ -55,7 +56,8 @@ private:
 
     const QString m_address;
     const QByteArray m_service;
-    RandomBody m_random;
+    RandomSource m_random;
+    RandomBody m_body{m_random};
     SentMessages &m_sent;
     std::unique_ptr<RawConnection> m_connection;
     std::deque<Waiting> m_waiting;

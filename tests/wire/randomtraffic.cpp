@@ -167,9 +167,9 @@ void RandomTraffic::sendSignal()
     const bool isDirected = isForged || m_random.oneIn(4);
 
     const RawMessage message = RawConnection::makeSignal(
-        isDirected ? side.ui : QByteArray(), m_random.oneIn(20) ? m_random.path() : signal.path,
+        isDirected ? side.ui : QByteArray(), m_random.oneIn(20) ? m_body.path() : signal.path,
         signal.interface, signal.member);
-    m_random.appendAbout(message.get(), signal.signature);
+    m_body.appendAbout(message.get(), signal.signature);
     (isForged ? side.stranger.get() : service)->send(message.get());
 }
 
@@ -180,12 +180,12 @@ void RandomTraffic::sendCall()
     const Method method = m_random.oneOf(methods());
     const quint64 choice = m_random.below(10);
     const QByteArray interface = choice == 0 ? QByteArray()
-        : choice == 1                        ? m_random.dottedName()
+        : choice == 1                        ? m_body.dottedName()
                                              : method.interface;
     const RawMessage message = RawConnection::makeCall(
-        side.ui, m_random.oneIn(4) ? m_random.path() : QByteArray("/"), interface, method.member);
+        side.ui, m_random.oneIn(4) ? m_body.path() : QByteArray("/"), interface, method.member);
     dbus_message_set_no_reply(message.get(), m_random.oneIn(4));
-    m_random.appendAbout(message.get(), method.signature);
+    m_body.appendAbout(message.get(), method.signature);
     side.stranger->send(message.get());
 }
 
@@ -208,8 +208,8 @@ void RandomTraffic::sendReply(Side &side)
     const auto serial = static_cast<quint32>(around > 8 ? around - 4 : around + 1);
     RawMessage message = RawConnection::makeReply(side.ui, serial);
     if (m_random.oneIn(4))
-        message = RawConnection::makeError(side.ui, serial, m_random.dottedName());
-    m_random.appendAbout(message.get(), m_random.oneOf(replySignatures));
+        message = RawConnection::makeError(side.ui, serial, m_body.dottedName());
+    m_body.appendAbout(message.get(), m_random.oneOf(replySignatures));
     side.stranger->send(message.get());
 }
 

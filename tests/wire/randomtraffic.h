@@ -5,6 +5,7 @@
 
 #include "randombody.h"
 #include "randompeer.h"
+#include "randomsource.h"
 #include "rawconnection.h"
 #include "sentmessages.h"
 
@@ -61,7 +62,8 @@ private:
     void sendReply(Side &side);
     void moveName(Side &side);
 
-    RandomBody m_random;
+    RandomSource m_random;
+    RandomBody m_body{m_random};
     SentMessages m_sent;
     Side m_session;
     Side m_system;
