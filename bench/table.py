@@ -6,18 +6,20 @@
 
 class Table:
     """Rows of figure, ours, yardstick, ratio, goal. A goal is the most that a ratio may be, or,
-    without a yardstick, the most that the figure may be."""
+    without a yardstick, the most that the figure may be. An absolute goal is the latter although
+    there is a yardstick, and is shown with its unit."""
 
     def __init__(self):
         self._rows = []
 
-    def add(self, figure, unit, ours, yardstick=None, goal=None, note=None):
+    def add(self, figure, unit, ours, yardstick=None, goal=None, note=None, absolute=False):
         """Prints nothing yet. The note is shown where the ratio is missing."""
         ratio = ours / yardstick if yardstick else None
-        compared = ours if ratio is None else ratio
+        compared = ours if absolute or ratio is None else ratio
         self._rows.append({
             "figure": figure, "unit": unit, "ours": ours, "yardstick": yardstick, "ratio": ratio,
-            "goal": goal, "met": None if goal is None else compared <= goal, "note": note})
+            "goal": goal, "absolute": absolute,
+            "met": None if goal is None else compared <= goal, "note": note})
 
     def rows(self):
         """As dictionaries, for JSON."""
@@ -34,9 +36,16 @@ class Table:
             lines.append("| " + " | ".join([
                 row["figure"], row["unit"], number(row["ours"]), number(row["yardstick"]),
                 "" if row["ratio"] is None else f"{row['ratio']:.3f}",
-                "" if row["goal"] is None else f"{row['goal']:g}",
+                shown_goal(row),
                 " ".join(filter(None, [said, row["note"]]))]) + " |")
         return "\n".join(lines)
+
+
+def shown_goal(row):
+    """A ratio has no unit."""
+    if row["goal"] is None:
+        return ""
+    return f"{row['goal']:g}" + (f" {row['unit']}" if row["absolute"] else "")
 
 
 def number(value):
