@@ -6,6 +6,8 @@
 // a line of medians for each round, in microseconds. "Ping" is org.freedesktop.DBus.Peer's, which
 // is answered without any code of the call UI; the others are those of com.nimbo.parley.ui.
 //
+// --longest    CALLS is how many milliseconds a method is called for in each round, and the line
+//              has the longest time that any of these calls has taken
 // --own NAME   takes that name first
 // --refused    toggleCall has to be refused, not answered
 // --self       answers as well: the calls of a process to itself
@@ -16,22 +18,27 @@
 #include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
+#include <QDeadlineTimer>
 #include <QElapsedTimer>
 #include <QThread>
 
 #include <algorithm>
 #include <cstdio>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace {
+
+constexpr int patience = 120'000; ///< In milliseconds: a call UI may hang for a while.
 
 struct Task
 {
     QString ownName;
     bool refused = false;
+    bool longest = false;
     int rounds = 0;
-    int calls = 0;
+    int calls = 0; ///< Or milliseconds, for the longest.
     QStringList methods;
 };
 
@@ -56,24 +63,49 @@ bool isExpected(const Task &task, const QString &method, const QDBusMessage &ans
     return answer.type() == QDBusMessage::ReplyMessage;
 }
 
-/// The median of the calls, in microseconds; negative where an answer is not the expected one.
-double measure(const QDBusConnection &bus, const Task &task, const QString &method)
+/// How long the answer takes, in microseconds; nothing where it is not the expected one.
+std::optional<double> measureCall(const QDBusConnection &bus, const Task &task,
+                                  const QString &method)
+{
+    const QDBusMessage call = callOf(method);
+    QElapsedTimer timer;
+    timer.start();
+    const QDBusMessage answer = bus.call(call, QDBus::Block, patience);
+    const auto time = static_cast<double>(timer.nsecsElapsed()) / 1e3;
+    if (isExpected(task, method, answer))
+        return time;
+    std::fprintf(stderr, "%s was answered with %s %s\n", qUtf8Printable(method),
+                 qUtf8Printable(answer.errorName()), qUtf8Printable(answer.errorMessage()));
+    return {};
+}
+
+std::optional<double> measureMedian(const QDBusConnection &bus, const Task &task,
+                                    const QString &method)
 {
     std::vector<double> times;
     for (int i = 0; i < task.calls; ++i) {
-        const QDBusMessage call = callOf(method);
-        QElapsedTimer timer;
-        timer.start();
-        const QDBusMessage answer = bus.call(call);
-        times.push_back(static_cast<double>(timer.nsecsElapsed()) / 1e3);
-        if (!isExpected(task, method, answer)) {
-            std::fprintf(stderr, "%s was answered with %s %s\n", qUtf8Printable(method),
-                         qUtf8Printable(answer.errorName()), qUtf8Printable(answer.errorMessage()));
-            return -1;
-        }
+        const auto time = measureCall(bus, task, method);
+        if (!time)
+            return {};
+        times.push_back(*time);
     }
     std::sort(times.begin(), times.end());
     return times.at(times.size() / 2);
+}
+
+/// Each call is made as soon as the one before has been answered, so that no wait goes unnoticed.
+std::optional<double> measureLongest(const QDBusConnection &bus, const Task &task,
+                                     const QString &method)
+{
+    double most = 0;
+    const QDeadlineTimer end(task.calls);
+    do {
+        const auto time = measureCall(bus, task, method);
+        if (!time)
+            return {};
+        most = std::max(most, *time);
+    } while (!end.hasExpired());
+    return most;
 }
 
 int run(const Task &task)
@@ -84,10 +116,11 @@ int run(const Task &task)
         return EXIT_FAILURE;
     for (int round = 0; round < task.rounds; ++round) {
         for (const QString &method : task.methods) {
-            const double time = measure(bus, task, method);
-            if (time < 0)
+            const auto time =
+                task.longest ? measureLongest(bus, task, method) : measureMedian(bus, task, method);
+            if (!time)
                 return EXIT_FAILURE;
-            std::printf("%.1f ", time);
+            std::printf("%.1f ", *time);
         }
         std::printf("\n");
     }
@@ -113,17 +146,23 @@ int main(int argc, char *argv[])
     QCoreApplication application(argc, argv);
     const QCommandLineOption own(QStringLiteral("own"), QString(), QStringLiteral("name"));
     const QCommandLineOption refused(QStringLiteral("refused"));
+    const QCommandLineOption longest(QStringLiteral("longest"));
     const QCommandLineOption self(QStringLiteral("self"));
     QCommandLineParser parser;
-    parser.addOptions({own, refused, self});
+    parser.addOptions({own, refused, longest, self});
     parser.process(application);
     const QStringList arguments = parser.positionalArguments();
     if (arguments.size() < 3) {
-        std::fputs("roundtrips [--own NAME] [--refused] [--self] ROUNDS CALLS METHOD ...\n",
+        std::fputs("roundtrips [--own NAME] [--refused] [--longest] [--self] ROUNDS CALLS METHOD "
+                   "...\n",
                    stderr);
         return EXIT_FAILURE;
     }
-    const Task task{parser.value(own), parser.isSet(refused), arguments.at(0).toInt(),
-                    std::max(1, arguments.at(1).toInt()), arguments.mid(2)};
+    const Task task{parser.value(own),
+                    parser.isSet(refused),
+                    parser.isSet(longest),
+                    arguments.at(0).toInt(),
+                    std::max(1, arguments.at(1).toInt()),
+                    arguments.mid(2)};
     return parser.isSet(self) ? runWithin(application, task) : run(task);
 }
