@@ -33,6 +33,7 @@ class Programs:
         self.ours = [ui, "-qml", screens]
         self.bare = [folder / "bench/barehost", screens]
         self.native = [ui, "-qml", qml_folder / "nativescreens.qml"]
+        self.reminding = [ui, "-qml", qml_folder / "remindingscreens.qml"]
 
 
 def run_until_drawn(handset, command):

@@ -3,8 +3,10 @@
 
 """A handset for a program to be measured in: a home, two buses, and services on them or not."""
 
+import contextlib
 import os
 import queue
+import signal
 import subprocess
 import tempfile
 import threading
@@ -92,6 +94,7 @@ class Handset:
         self._kind = services
         self._handset_program = handset_program
         self._processes = []
+        self._services = {}
         self._programs = []
 
     def __enter__(self):
@@ -151,6 +154,19 @@ class Handset:
             raise Failure(f"{command} has failed:\n{done.stderr}")
         return done.stdout
 
+    @contextlib.contextmanager
+    def hung(self, services):
+        """These services are stopped meanwhile. They get what they were sent when they go on."""
+        processes = [self._services[one] for one in services]
+        try:
+            for process in processes:
+                process.send_signal(signal.SIGSTOP)
+                os.waitid(os.P_PID, process.pid, os.WSTOPPED)
+            yield
+        finally:
+            for process in processes:
+                process.send_signal(signal.SIGCONT)
+
     def _start_bus(self, name):
         configuration = self.folder / f"{name}.conf"
         configuration.write_text(BUS.format(self.folder / name))
@@ -167,9 +183,10 @@ class Handset:
         buses = {False: dbus.bus.BusConnection(self.session),
                  True: dbus.bus.BusConnection(self.system)}
         for service in SERVICES:
-            self._processes.append(subprocess.Popen(
+            self._services[service] = subprocess.Popen(
                 [self._handset_program, "--service", service, "--state", str(self.folder)],
-                env=self.environment(), stdin=subprocess.DEVNULL))
+                env=self.environment(), stdin=subprocess.DEVNULL)
+            self._processes.append(self._services[service])
         for name, on_system_bus in SERVICES.values():
             deadline = time.monotonic() + PATIENCE
             while not buses[on_system_bus].name_has_owner(name):
