@@ -39,8 +39,7 @@ void whenAnswered(const QDBusPendingCall &call, QObject *context, const AnswerHa
 }
 
 void whenOwnerAnswered(const QDBusConnection &bus, const QString &service,
-                       const QDBusPendingCall &call, QObject *context,
-                       const AnswerHandler &handler)
+                       const QDBusPendingCall &call, QObject *context, const AnswerHandler &handler)
 {
     whenAnswered(call, context, [=](const QDBusMessage &answer) {
         // An error that was made in this process, such as a time-out, has no sender.
@@ -52,12 +51,12 @@ void whenOwnerAnswered(const QDBusConnection &bus, const QString &service,
                                                                QStringLiteral("GetNameOwner"));
         question.setArguments({service});
         whenAnswered(bus.asyncCall(question), context, [=](const QDBusMessage &ownerAnswer) {
-            handler(isOwner(ownerAnswer, answer.service())
-                        ? answer
-                        : QDBusMessage::createError(
-                            QDBusError::AccessDenied,
-                            QStringLiteral("%1 has answered in the place of %2")
-                                .arg(answer.service(), service)));
+            handler(
+                isOwner(ownerAnswer, answer.service())
+                    ? answer
+                    : QDBusMessage::createError(QDBusError::AccessDenied,
+                                                QStringLiteral("%1 has answered in the place of %2")
+                                                    .arg(answer.service(), service)));
         });
     });
 }

@@ -23,9 +23,9 @@ bool isFromBus(const QDBusMessage &message);
 /// Without a bus the answer is an error too.
 void whenAnswered(const QDBusPendingCall &call, QObject *context, const AnswerHandler &handler);
 
-/// As whenAnswered(), for a \a call that was sent to the owner of \a service on \a bus: what another
-/// process has answered in its place is handed over as an error (AccessDenied). It costs one more
-/// round trip to the bus daemon, which is not waited for.
+/// As whenAnswered(), for a \a call that was sent to the owner of \a service on \a bus: what
+/// another process has answered in its place is handed over as an error (AccessDenied). It costs
+/// one more round trip to the bus daemon, which is not waited for.
 void whenOwnerAnswered(const QDBusConnection &bus, const QString &service,
                        const QDBusPendingCall &call, QObject *context,
                        const AnswerHandler &handler);

@@ -33,9 +33,9 @@ bool openRegular(QFile &file, int flags, QIODevice::OpenMode mode, Condition isS
 
 bool openToRead(QFile &file)
 {
-    return openRegular(
-        file, O_RDONLY, QIODevice::ReadOnly,
-        [](int, const struct stat &status) { return status.st_size <= largestMessagesFile; });
+    return openRegular(file, O_RDONLY, QIODevice::ReadOnly, [](int, const struct stat &status) {
+        return status.st_size <= largestMessagesFile;
+    });
 }
 
 bool openToWrite(QFile &file)

@@ -26,8 +26,8 @@ class QuickMessagesModel : public QStringListModel
     Q_PROPERTY(bool active READ active WRITE setActive NOTIFY activeChanged)
     /// Whether the file could not be opened when it was last read or written, or its directory
     /// could not be made (which changes this without a signal, and is meant to). What is no regular
-    /// file, or has more than 16 MiB to read, counts as a file that cannot be opened. A file without
-    /// messages is no error, nor is a missing one.
+    /// file, or has more than 16 MiB to read, counts as a file that cannot be opened. A file
+    /// without messages is no error, nor is a missing one.
     Q_PROPERTY(bool hasError READ hasError NOTIFY hasErrorChanged)
 
 public:

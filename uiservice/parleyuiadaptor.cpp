@@ -15,8 +15,8 @@
 
 namespace {
 
-/// The process that owns the bus name \a name, as the bus daemon tells; 0 if there is none. Waits for
-/// the answer. What anybody else sends in its place is no answer.
+/// The process that owns the bus name \a name, as the bus daemon tells; 0 if there is none. Waits
+/// for the answer. What anybody else sends in its place is no answer.
 qint32 processOf(const QDBusConnection &bus, const QString &name)
 {
     QDBusMessage question = QDBusMessage::createMethodCall(

@@ -31,9 +31,9 @@ public:
     /// "privileged", or one of user "root".
     ///
     /// Where it may not, the caller has been sent org.freedesktop.DBus.Error.AccessDenied, a
-    /// warning has been logged, and nothing is left to do but return. A caller whose process the bus
-    /// daemon itself does not name is refused. Only to be called while a call from the bus is served. Blocks for one round trip to the bus daemon, and one more for
-    /// each exempt service.
+    /// warning has been logged, and nothing is left to do but return. A caller whose process the
+    /// bus daemon itself does not name is refused. Only to be called while a call from the bus is
+    /// served. Blocks for one round trip to the bus daemon, and one more for each exempt service.
     bool isPrivilegedCaller(const QStringList &exemptServices);
 
 Q_SIGNALS:

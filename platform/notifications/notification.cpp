@@ -58,14 +58,13 @@ void Notification::publish()
     const QDBusConnection bus = QDBusConnection::sessionBus();
     const QPointer<Notification> self(this);
     QEventLoop loop;
-    whenOwnerAnswered(
-        bus, service, bus.asyncCall(notify, static_cast<int>(patience.count())), &loop,
-        [&](const QDBusMessage &answer) {
-            const bool hasId = answer.type() == QDBusMessage::ReplyMessage
-                && answer.signature() == QLatin1String("u");
-            if (self && hasId)
-                m_data.id = answer.arguments().constFirst().toUInt();
-            loop.quit();
-        });
+    whenOwnerAnswered(bus, service, bus.asyncCall(notify, static_cast<int>(patience.count())),
+                      &loop, [&](const QDBusMessage &answer) {
+                          const bool hasId = answer.type() == QDBusMessage::ReplyMessage
+                              && answer.signature() == QLatin1String("u");
+                          if (self && hasId)
+                              m_data.id = answer.arguments().constFirst().toUInt();
+                          loop.quit();
+                      });
     loop.exec();
 }

@@ -31,8 +31,8 @@ const QLatin1String subscriberIdentityProperty("SubscriberIdentity");
 bool hasShape(const QDBusMessage &answer, const char *signature, const QString &method)
 {
     if (answer.type() == QDBusMessage::ErrorMessage) {
-        // Without oFono there are no SIMs to know of, and its coming is noticed; without a bus there
-        // will be none.
+        // Without oFono there are no SIMs to know of, and its coming is noticed; without a bus
+        // there will be none.
         const QDBusError::ErrorType type = QDBusError(answer).type();
         if (type != QDBusError::ServiceUnknown && type != QDBusError::Disconnected)
             qWarning() << "Could not ask oFono for" << method << QDBusError(answer);

@@ -63,8 +63,8 @@ private:
         QString subscriberIdentity;
     };
 
-    void ask(const QString &path, const QString &interface, const QString &method,
-             QObject *context, const AnswerHandler &handler);
+    void ask(const QString &path, const QString &interface, const QString &method, QObject *context,
+             const AnswerHandler &handler);
     void ownerChanged(const QString &owner);
     void askForModems();
     void readModems(const QDBusMessage &answer);

@@ -4,6 +4,7 @@
 #include "literals.h"
 #include "messagelog.h"
 #include "privatebus.h"
+#include "rawconnection.h"
 #include "scriptedservice.h"
 
 #include <notification.h>
@@ -16,10 +17,11 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QThread>
+#include <QTimer>
 
 #include <memory>
 
-/// A notification is published by a thread that waits, and answered by this one.
+/// Notifications of a service that is scripted message by message.
 class TestNotification : public QObject
 {
     Q_OBJECT
@@ -32,6 +34,9 @@ private Q_SLOTS:
     void isSentAsSet();
     void keepsItsIdWithoutAnId_data();
     void keepsItsIdWithoutAnId();
+    void servesEventsMeanwhile();
+    void believesItsServiceAlone();
+    void mayEndMeanwhile();
     void waitsNoLongerThanFiveSeconds();
     void isReadBack();
 
@@ -144,13 +149,59 @@ void TestNotification::keepsItsIdWithoutAnId()
     QCOMPARE(notification.replacesId(), 5U);
 }
 
+void TestNotification::servesEventsMeanwhile()
+{
+    Notification notification;
+    connect(m_service.get(), &ScriptedService::called, this,
+            [this] { m_service->reply(m_service->next(u"Notify"_s), {9U}); });
+    notification.publish();
+    QCOMPARE(notification.replacesId(), 9U);
+    m_service->disconnect(this);
+}
+
+/// A stranger cannot give a notification the id of another one.
+void TestNotification::believesItsServiceAlone()
+{
+    m_service.reset();
+    RawConnection service(m_bus.address());
+    QVERIFY(service.own("org.freedesktop.Notifications"));
+    RawConnection stranger(m_bus.address());
+    service.setHandler([&](DBusMessage *call) {
+        const RawMessage forged =
+            RawConnection::makeReply(dbus_message_get_sender(call), dbus_message_get_serial(call));
+        const quint32 id = 8;
+        dbus_message_append_args(forged.get(), DBUS_TYPE_UINT32, &id, DBUS_TYPE_INVALID);
+        stranger.send(forged.get());
+        stranger.pump();
+    });
+    Notification notification;
+    notification.setReplacesId(5);
+    QTimer timer;
+    connect(&timer, &QTimer::timeout, this, [&service] { service.pump(); });
+    timer.start(0);
+    notification.publish();
+    QCOMPARE(notification.replacesId(), 5U);
+}
+
+void TestNotification::mayEndMeanwhile()
+{
+    auto notification = std::make_unique<Notification>();
+    connect(m_service.get(), &ScriptedService::called, this, [&] {
+        notification.reset();
+        m_service->reply(m_service->next(u"Notify"_s), {9U});
+    });
+    notification->publish();
+    QVERIFY(!notification);
+    m_service->disconnect(this);
+}
+
 void TestNotification::waitsNoLongerThanFiveSeconds()
 {
     Notification notification;
     notification.setReplacesId(5);
     QElapsedTimer timer;
     timer.start();
-    notification.publish(); // the service is this thread, which waits
+    notification.publish(); // nobody takes the call
     QVERIFY(timer.elapsed() >= 4400);
     QVERIFY(timer.elapsed() < 5500);
     QCOMPARE(notification.replacesId(), 5U);

@@ -3,6 +3,7 @@
 
 #include "literals.h"
 #include "messagelog.h"
+#include "objectcount.h"
 #include "privatebus.h"
 #include "scriptedservice.h"
 
@@ -112,6 +113,8 @@ private Q_SLOTS:
     void toleratesASimOfAnotherShape();
     void survivesAHandlerThatEndsIt();
     void dropsAnswersOnceItHasGone();
+    void asksAboutSomeSimsAtATime();
+    void leavesNothingOfFinishedCalls();
 
 private:
     void start();
@@ -576,6 +579,39 @@ void TestQOfonoSimWatcher::dropsAnswersOnceItHasGone()
     m_watcher.reset();
     m_service->reply(call, {QVariant::fromValue(QList<Modem>())});
     QCOMPARE(settled(), QStringList());
+}
+
+void TestQOfonoSimWatcher::asksAboutSomeSimsAtATime()
+{
+    start();
+    QStringList paths;
+    for (int i = 0; i < 300; ++i)
+        paths.append(u"/modem_%1"_s.arg(i, 3, 10, QLatin1Char('0')));
+    answerModems(paths);
+    m_service->settle();
+    for (const QString &path : qAsConst(paths)) {
+        QVERIFY(!m_watcher->isValid());
+        QVERIFY(m_service->waiting() <= 64);
+        m_service->reply(askedFor(path), {sim(path)});
+    }
+    QStringList events = settled();
+    QCOMPARE(events.count(u"valid"_s), 1);
+    QVERIFY(m_watcher->isValid());
+    QCOMPARE(identities(), paths);
+}
+
+void TestQOfonoSimWatcher::leavesNothingOfFinishedCalls()
+{
+    startWith({{first, sim(one)}});
+    const ObjectCount objects;
+    for (int i = 0; i < 1000; ++i) {
+        changeSim(first, u"Present"_s, false);
+        changeSim(first, u"Present"_s, true);
+        m_service->reply(askedFor(first), {sim(one)});
+    }
+    settled();
+    QCOMPARE(identities(), QStringList(one));
+    QCOMPARE(objects.value(), 0);
 }
 
 QTEST_GUILESS_MAIN(TestQOfonoSimWatcher)

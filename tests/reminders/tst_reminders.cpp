@@ -955,11 +955,10 @@ void TestReminders::endAsOneNotificationForOneNumber()
     m_daemon->reply(first, {5U});
     QTRY_COMPARE(m_events.size(), 4);
     QCOMPARE(takePublications(), QStringList({u"5 for 0"_s, u"6 for 7"_s}));
-    QCOMPARE(
-        takeEvents(),
-        QStringList(
-            {u"a when: yes 2030-01-02T12:00:00Z"_s, u"a exists: yes 2030-01-02T12:00:00Z"_s,
-             u"a when: yes 2030-01-02T12:01:00Z"_s, u"a exists: yes 2030-01-02T12:01:00Z"_s}));
+    QCOMPARE(takeEvents(),
+             QStringList(
+                 {u"a when: yes 2030-01-02T12:00:00Z"_s, u"a exists: yes 2030-01-02T12:00:00Z"_s,
+                  u"a when: yes 2030-01-02T12:01:00Z"_s, u"a exists: yes 2030-01-02T12:01:00Z"_s}));
 }
 
 /// One that is under way, and one whose turn has not come.
@@ -1026,10 +1025,10 @@ void TestReminders::publishAnewWhatIsMadeAnewWhilePublishing()
     QTRY_COMPARE(m_events.size(), 3);
     m_notifications->forget(); // closed, once or twice
     QCOMPARE(takePublications(), QStringList({u"6 for 7"_s, u"8 for 0"_s}));
-    QCOMPARE(takeEvents(),
-             QStringList({u"a exists: no 2030-01-02T12:00:00Z"_s,
-                          u"a when: yes 2030-01-02T12:02:00Z"_s,
-                          u"a exists: yes 2030-01-02T12:02:00Z"_s}));
+    QCOMPARE(
+        takeEvents(),
+        QStringList({u"a exists: no 2030-01-02T12:00:00Z"_s, u"a when: yes 2030-01-02T12:02:00Z"_s,
+                     u"a exists: yes 2030-01-02T12:02:00Z"_s}));
 }
 
 void TestReminders::noticeWhatIsClosedWhilePublishing_data()
@@ -1088,14 +1087,13 @@ void TestReminders::makeSomeAlarmsAtATime()
 {
     startEmpty();
     for (int i = 0; i < 300; ++i)
-        m_reminders->createWithStrings(QString::number(i), noon, u"app"_s, u"contact"_s,
-                                       u"title"_s, u"text"_s);
+        m_reminders->createWithStrings(QString::number(i), noon, u"app"_s, u"contact"_s, u"title"_s,
+                                       u"text"_s);
     m_daemon->settle();
     for (uint i = 0; i < 300; ++i) {
         QVERIFY2(m_daemon->waiting() <= 64, qPrintable(QString::number(m_daemon->waiting())));
         const QDBusMessage call = m_daemon->next(u"add_event"_s);
-        QCOMPARE(call.arguments().constFirst().toStringList().value(6),
-                 u"phoneNumber=%1"_s.arg(i));
+        QCOMPARE(call.arguments().constFirst().toStringList().value(6), u"phoneNumber=%1"_s.arg(i));
         m_daemon->reply(call, {i + 1});
     }
     int published = 0;

@@ -378,9 +378,9 @@ void TestReminderServices::goOnWhileTheNotificationServiceHangs()
     ScriptedService service(m_ui->sessionBus().address(), notifications, notificationsPath);
     QVERIFY(startUi());
     QCOMPARE(service.next(u"GetNotificationsByCategory"_s).type(), QDBusMessage::MethodCallMessage);
-    m_ui->evaluate(u"create('%1', %2); create('555', %2); create('%1', %3)"_s.arg(number)
-                       .arg(due)
-                       .arg(due + 60));
+    m_ui->evaluate(
+        u"create('%1', %2); create('555', %2); create('%1', %3)"_s.arg(number).arg(due).arg(due
+                                                                                            + 60));
     const QDBusMessage first = service.next(u"Notify"_s);
     QElapsedTimer timer;
     timer.start();

@@ -4,6 +4,7 @@
 #include "fakeplatform.h"
 #include "literals.h"
 #include "messagelog.h"
+#include "objectcount.h"
 #include "privatebus.h"
 #include "scriptedservice.h"
 #include "simfiltershelper.h"
@@ -114,6 +115,7 @@ private Q_SLOTS:
     void readsRulesThatHaveChanged();
     void dropsRequestsWhileOneIsOutstanding();
     void ignoresSignalsWithoutASim();
+    void leavesNothingOfFinishedCalls();
     void evaluatesForTheSimsOfTheMoment();
     void ignoresSignalsOfOtherInterfaces();
     void allowsNothingForASimThatHasGone();
@@ -795,6 +797,24 @@ void TestSimFiltersHelper::ignoresSignalsWithoutASim()
     m_service->emitSignal(interface, u"RuleAdded"_s, {}, incoming);
     QCOMPARE(settled(), QStringList());
     QCOMPARE(m_service->waiting(), 0);
+}
+
+void TestSimFiltersHelper::leavesNothingOfFinishedCalls()
+{
+    startAllowed({one});
+    const ObjectCount objects;
+    for (int i = 0; i < 1000; ++i) {
+        m_service->emitSignal(interface, u"RulesChanged"_s, {}, dial);
+        answer(getAll(dial), allow);
+        m_service->settle();
+    }
+    for (int i = 0; i < 1000; ++i) {
+        setSims({i % 2 == 0 ? other : one});
+        answer(getAll(dial), allow);
+        answer(getAll(incoming), allow);
+        m_service->settle();
+    }
+    QCOMPARE(objects.value(), 0);
 }
 
 void TestSimFiltersHelper::evaluatesForTheSimsOfTheMoment()

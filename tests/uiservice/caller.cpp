@@ -70,8 +70,8 @@ quint32 processOfUi(RawConnection &connection)
 /// The last serial of the call UI, which every answer gives away, and its name on the bus.
 RawMessage dial(RawConnection &connection)
 {
-    const RawMessage call = RawConnection::makeCall("com.nimbo.parley.ui", "/",
-                                                    "com.nimbo.parley.ui", "dial");
+    const RawMessage call =
+        RawConnection::makeCall("com.nimbo.parley.ui", "/", "com.nimbo.parley.ui", "dial");
     const char *number = "1";
     dbus_message_append_args(call.get(), DBUS_TYPE_STRING, &number, DBUS_TYPE_INVALID);
     return connection.call(call.get(), patience);
@@ -92,8 +92,8 @@ QString forge(const QString &address)
             connection.send(reply.get());
         }
     };
-    const RawMessage toggle = RawConnection::makeCall("com.nimbo.parley.ui", "/",
-                                                      "com.nimbo.parley.ui", "toggleCall");
+    const RawMessage toggle =
+        RawConnection::makeCall("com.nimbo.parley.ui", "/", "com.nimbo.parley.ui", "toggleCall");
     const RawMessage answer = connection.call(toggle.get(), patience, sendForgeries);
     const bool isRefused = dbus_message_get_type(answer.get()) == DBUS_MESSAGE_TYPE_ERROR;
     return isRefused ? QStringLiteral("refused") : QStringLiteral("admitted");

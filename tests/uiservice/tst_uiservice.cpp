@@ -455,7 +455,7 @@ void TestUiService::answersTheNextWhateverOneSends()
             }
             Component.onCompleted: console.info("loaded")
         })"),
-                                {u"-prestart"_s}));
+                               {u"-prestart"_s}));
     for (int i = 0; i < 100; ++i)
         QCOMPARE(m_ui->call(u"dial"_s, {u"1"_s}).arguments(), QVariantList{true});
     const qint64 memoryBefore = m_ui->residentMemory();

@@ -28,6 +28,7 @@ const QRegularExpression &knownLines()
     static const QRegularExpression lines(QStringLiteral(
         "^(?:"
         "Unable to query reminder (?:alarms|notifications) QDBusError\\(.*\\)"
+        "|Unable to read reminder notifications of the form \".*\" instead of \".*\""
         "|Failed to create alarm"
         "|\\((?:dial|incoming)\\) GetAll\\(\\) failed: .*"
         "|Could not ask oFono for \"(?:GetModems|GetProperties)\" QDBusError\\(.*\\)"
