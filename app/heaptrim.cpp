@@ -9,7 +9,8 @@
 #include <QQmlEngine>
 
 #include <array>
-#include <cstdio>
+#include <cstdlib>
+#include <cstring>
 
 #include <unistd.h>
 
@@ -49,11 +50,12 @@ void HeapTrim::customEvent(QEvent *)
     m_pagesBefore = residentPages();
 }
 
-qint64 HeapTrim::residentPages()
+/// The second number of the file. This is done at each turn of the event loop, so it costs little.
+qint64 HeapTrim::residentPages() const
 {
     std::array<char, 128> text{};
-    long long pages = 0;
-    if (m_size.seek(0) && m_size.read(text.data(), text.size() - 1) > 0)
-        std::sscanf(text.data(), "%*s %lld", &pages);
-    return pages;
+    if (::pread(m_size.handle(), text.data(), text.size() - 1, 0) <= 0)
+        return 0;
+    const char *second = std::strchr(text.data(), ' ');
+    return second ? std::strtoll(second, nullptr, 10) : 0;
 }

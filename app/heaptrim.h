@@ -29,7 +29,7 @@ private:
     Q_DISABLE_COPY(HeapTrim)
 
     void look();
-    qint64 residentPages();
+    qint64 residentPages() const;
 
     QQmlEngine &m_engine;
     QFile m_size;
