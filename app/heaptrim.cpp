@@ -31,11 +31,11 @@ void HeapTrim::look()
 {
     static const qint64 much = 32 * 1024 * 1024 / sysconf(_SC_PAGESIZE);
     const qint64 pages = residentPages();
-    if (m_pagesBefore == 0)
+    if (m_pagesBefore == 0 || pages < m_pagesBefore)
         m_pagesBefore = pages;
     if (m_isDue || pages < m_pagesBefore + much)
         return;
-    // Behind the requests that still wait to be served, whose memory is in use.
+    // Requests that still wait are served first: their memory is in use.
     m_isDue = true;
     QCoreApplication::postEvent(this, new QEvent(QEvent::User), Qt::LowEventPriority);
 }
@@ -50,7 +50,7 @@ void HeapTrim::customEvent(QEvent *)
     m_pagesBefore = residentPages();
 }
 
-/// The second number of the file. This is done at each turn of the event loop, so it costs little.
+/// The second number of the file. It is read at each turn of the event loop, so it has to be cheap.
 qint64 HeapTrim::residentPages() const
 {
     std::array<char, 128> text{};

@@ -8,12 +8,12 @@
 
 class QQmlEngine;
 
-/// Gives memory back to the system that requests have taken and nobody uses any more. Others may
-/// send any number of them, and large ones; what they leave behind, the engine keeps until it has
-/// reason to look for garbage, and the C library keeps whatever is below something that is in use.
+/// Returns memory to the system that was taken for requests and is no longer in use. Others may
+/// send any number of requests, and large ones. The engine keeps their texts until it looks for
+/// garbage, and the C library keeps free memory that lies below memory in use.
 ///
-/// It looks at the process's size whenever the event loop is about to wait, and acts where that has
-/// grown by 32 MiB. For the thread that runs the event loop.
+/// It looks at the size of the process whenever the event loop is about to wait, and acts when that
+/// has grown by 32 MiB. Use it in the thread that runs the event loop.
 class HeapTrim : public QObject
 {
     Q_OBJECT
@@ -33,6 +33,7 @@ private:
 
     QQmlEngine &m_engine;
     QFile m_size;
-    qint64 m_pagesBefore = 0; ///< After the last time; 0 before the first look.
+    qint64 m_pagesBefore =
+        0; ///< The least since memory was last returned; 0 before the first look.
     bool m_isDue = false;
 };

@@ -11,7 +11,6 @@
 namespace {
 
 const QLatin1String busService("org.freedesktop.DBus");
-const QLatin1String busPath("/org/freedesktop/DBus");
 
 bool isOwner(const QDBusMessage &ownerAnswer, const QString &sender)
 {
@@ -20,6 +19,14 @@ bool isOwner(const QDBusMessage &ownerAnswer, const QString &sender)
 }
 
 } // namespace
+
+QDBusMessage busQuestion(const QString &method, const QString &name)
+{
+    QDBusMessage question = QDBusMessage::createMethodCall(
+        busService, QStringLiteral("/org/freedesktop/DBus"), busService, method);
+    question.setArguments({name});
+    return question;
+}
 
 bool isFromBus(const QDBusMessage &message)
 {
@@ -47,10 +54,9 @@ void whenOwnerAnswered(const QDBusConnection &bus, const QString &service,
             handler(answer);
             return;
         }
-        QDBusMessage question = QDBusMessage::createMethodCall(busService, busPath, busService,
-                                                               QStringLiteral("GetNameOwner"));
-        question.setArguments({service});
-        whenAnswered(bus.asyncCall(question), context, [=](const QDBusMessage &ownerAnswer) {
+        const QDBusPendingCall owner =
+            bus.asyncCall(busQuestion(QStringLiteral("GetNameOwner"), service));
+        whenAnswered(owner, context, [=](const QDBusMessage &ownerAnswer) {
             handler(
                 isOwner(ownerAnswer, answer.service())
                     ? answer

@@ -14,6 +14,9 @@ class QString;
 /// Takes the answer to a call, a reply or an error.
 using AnswerHandler = std::function<void(const QDBusMessage &answer)>;
 
+/// A call of the bus daemon's method \a method about the bus name \a name.
+QDBusMessage busQuestion(const QString &method, const QString &name);
+
 /// Whether the bus daemon itself has sent \a message. QtDBus takes every message with the right
 /// serial for the answer to a call, and a bus may let any process send one; the sender's name is
 /// the one thing in it that the bus vouches for.

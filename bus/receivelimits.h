@@ -10,5 +10,5 @@ class QDBusConnection;
 /// that works them off, never starts again: one caller would make this process deaf to all. The
 /// bus's own limits for a message and for a connection (dbus-daemon(1)) stay in force.
 ///
-/// To be called with a connection before it serves anybody. Does nothing without a bus.
+/// Call it as soon as there is a connection. It does nothing without a bus.
 void removeReceiveLimits(const QDBusConnection &bus);

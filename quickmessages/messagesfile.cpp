@@ -11,13 +11,13 @@
 
 namespace {
 
-/// Opens \a file where it is a regular one that \a isSuitable. That is asked of what has been
-/// opened, as the name may stand for something else at any time.
+/// Opens \a file if it is a regular file for which \a isSuitable returns true. The open file is
+/// tested, because its name may stand for another file at any time.
 template <typename Condition>
 bool openRegular(QFile &file, int flags, QIODevice::OpenMode mode, Condition isSuitable)
 {
     const int descriptor = ::open(QFile::encodeName(file.fileName()).constData(),
-                                  flags | O_NONBLOCK | O_CLOEXEC, 0666);
+                                  flags | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0666);
     if (descriptor < 0)
         return false;
     struct stat status = {};

@@ -99,14 +99,17 @@ void QuickMessagesModel::watch(const QString &path)
         m_fileExists = false;
 }
 
-/// Whether the file can be watched: one that may not be read cannot. A file of the same name may
-/// have taken the place of the one that was watched.
+/// Returns whether the file is watched, as one that may not be read cannot be. A file of the same
+/// name may have taken the place of the one that was watched. A file that cannot be watched for
+/// another reason counts as unknown, so that it is read again at every change of its folder.
 bool QuickMessagesModel::watchFile(const QString &path)
 {
     const QFileInfo file(QFileInfo(path).absoluteFilePath());
     m_watcher.removePath(file.filePath());
-    m_fileExists = true;
-    return file.isReadable() && m_watcher.addPath(file.filePath());
+    const bool isReadable = file.isReadable();
+    const bool isWatched = isReadable && m_watcher.addPath(file.filePath());
+    m_fileExists = isWatched || !isReadable;
+    return isWatched;
 }
 
 void QuickMessagesModel::load()
@@ -129,7 +132,7 @@ void QuickMessagesModel::load()
     }
     const QString path = m_filePath;
     QFile file(path);
-    // Before it is read: what is written from now on is noticed.
+    // Watch it before it is read, so that later writes are noticed.
     watchFile(path);
     const bool opened = openToRead(file);
     setHasError(!opened);
@@ -184,7 +187,7 @@ void QuickMessagesModel::save()
     const bool isCurrent = path == m_filePath;
     if (isCurrent)
         messages = stringList();
-    // What is written here is no news.
+    // Stop watching: our own write is not a change.
     m_watcher.removePath(QFileInfo(path).absoluteFilePath());
     file.write(messagesToJson(messages));
     file.close();

@@ -11,6 +11,7 @@
 #include <QDBusError>
 #include <QDBusMetaType>
 #include <QDebug>
+#include <QScopeGuard>
 
 #include <limits>
 
@@ -131,6 +132,9 @@ void ReminderAlarms::schedule(uint replaced, const QString &normalizedNumber,
                               const std::function<void(uint cookie)> &added)
 {
     const auto call = [=]() -> std::optional<QDBusPendingCall> {
+        // As long as the daemon lives: the bus counts a call that has timed out here all the same.
+        m_timed.setTimeout(std::numeric_limits<int>::max());
+        const auto restore = qScopeGuard([this] { m_timed.setTimeout(-1); });
         try {
             const Maemo::Timed::Event event =
                 makeEvent(normalizedNumber, contactName, secondsSinceEpoch(due));

@@ -22,8 +22,9 @@ struct ReminderAlarm
     QDateTime due; ///< Local time.
 };
 
-/// The alarms of call reminders in the time daemon. It keeps nothing: what comes of a call is
-/// handed to whoever called. Calls without an answer yet end with the object.
+/// The alarms of call reminders in the time daemon. It keeps no alarms: what comes of a
+/// call is handed to whoever called. Calls that have no answer yet, or are not sent yet, end with
+/// the object.
 class ReminderAlarms : public QObject
 {
     Q_OBJECT
@@ -54,5 +55,5 @@ private:
     void queryAttributes(const QList<uint> &cookies, const Found &found);
 
     Maemo::Timed::Interface m_timed;
-    CallQueue m_calls; ///< That make alarms, of which there may be many at once.
+    CallQueue m_calls; ///< The calls that make alarms; there may be many at once.
 };

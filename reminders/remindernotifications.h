@@ -26,8 +26,8 @@ struct ReminderText
     QString description;
 };
 
-/// The notifications of call reminders in the notification service. It keeps nothing. Calls without
-/// an answer yet end with the object.
+/// The notifications of call reminders in the notification service. It keeps no notifications.
+/// Calls that have no answer yet, or are not sent yet, end with the object.
 class ReminderNotifications : public QObject
 {
     Q_OBJECT
@@ -48,7 +48,7 @@ public:
     /// Takes a notification away. Whether there was one is not told.
     static void close(uint id);
 
-    /// As close(), for one of any number of notifications: the service gets some of them at a time.
+    /// Closes one of many notifications. Only some of these calls are under way at a time.
     void closeLeftover(uint id);
 
     /// Calls \a found with all notifications of call reminders. Logs a warning and calls nothing if

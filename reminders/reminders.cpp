@@ -42,8 +42,8 @@ void Reminders::alarmAdded(const PhoneNumberKeys &keys, const QDateTime &due,
         publishNext();
 }
 
-/// The one that comes after it begins in a turn of the event loop of its own, so that no two wait
-/// within each other.
+/// Publishes the first one in the queue. The next one starts from the event loop, so that no
+/// publication waits inside another.
 void Reminders::publishNext()
 {
     while (!m_publications.isEmpty() && recordOf(m_publications.head()) == nullptr)
@@ -54,17 +54,17 @@ void Reminders::publishNext()
     const QPointer<Reminders> self(this);
     const Publication next = m_publications.head();
     const uint replaced = recordOf(next)->notificationId;
-    m_closedMeanwhile.clear();
     const uint id = ReminderNotifications::publish(next.text, next.cookie, replaced);
     if (!self)
         return;
 
+    // One that is replaced may have been closed before it was shown again.
+    const bool isClosed = id != replaced && m_closedMeanwhile.contains(id);
+    m_closedMeanwhile.clear();
     ReminderRecord *record = recordOf(m_publications.dequeue());
     if (!m_publications.isEmpty())
         QMetaObject::invokeMethod(this, &Reminders::publishNext, Qt::QueuedConnection);
     if (record != nullptr) {
-        // One that is replaced may have been closed before it was shown again.
-        const bool isClosed = id != replaced && m_closedMeanwhile.contains(id);
         record->notificationId = isClosed ? 0 : id;
         announce(*record, next.due);
     } else if (id != 0) {

@@ -82,5 +82,6 @@ private:
     /// In the order of the alarms. Only the first one is under way: a later one for the same number
     /// takes the place of what the first has shown.
     QQueue<Publication> m_publications;
-    QSet<uint> m_closedMeanwhile; ///< Notifications that the service has closed since it began.
+    /// Notifications that the service has closed since the publication under way began.
+    QSet<uint> m_closedMeanwhile;
 };

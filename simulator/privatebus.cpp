@@ -8,7 +8,8 @@
 
 namespace {
 
-/// %1 is the folder for the socket, %2 is a limit. Messages may be large: callers send what they like.
+/// %1 is the folder for the socket, %2 is a limit. Messages may be large: callers send what they
+/// like.
 const char configuration[] =
     R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-BUS Bus Configuration 1.0//EN"
  "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">

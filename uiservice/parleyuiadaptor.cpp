@@ -19,11 +19,8 @@ namespace {
 /// for the answer. What anybody else sends in its place is no answer.
 qint32 processOf(const QDBusConnection &bus, const QString &name)
 {
-    QDBusMessage question = QDBusMessage::createMethodCall(
-        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
-        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetConnectionUnixProcessID"));
-    question.setArguments({name});
-    const QDBusMessage answer = bus.call(question);
+    const QDBusMessage answer =
+        bus.call(busQuestion(QStringLiteral("GetConnectionUnixProcessID"), name));
     if (!isFromBus(answer) || answer.type() != QDBusMessage::ReplyMessage)
         return 0;
     return static_cast<qint32>(answer.arguments().value(0).toUInt());

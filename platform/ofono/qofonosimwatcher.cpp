@@ -94,7 +94,7 @@ void QOfonoSimWatcher::ask(const QString &path, const QString &interface, const 
         return bus.asyncCall(QDBusMessage::createMethodCall(service, path, interface, method),
                              std::numeric_limits<int>::max());
     };
-    m_calls.add(context, call, handler);
+    m_calls->add(context, call, handler);
 }
 
 void QOfonoSimWatcher::ownerChanged(const QString &owner)
@@ -109,6 +109,7 @@ void QOfonoSimWatcher::ownerChanged(const QString &owner)
 
 void QOfonoSimWatcher::askForModems()
 {
+    m_calls = std::make_unique<CallQueue>();
     m_manager = std::make_unique<QObject>();
     ask(managerPath, managerInterface, QStringLiteral("GetModems"), m_manager.get(),
         [this](const QDBusMessage &answer) { readModems(answer); });

@@ -77,7 +77,7 @@ private:
 
     QDBusConnection m_bus;
     QDBusServiceWatcher m_serviceWatcher;
-    CallQueue m_calls;
+    std::unique_ptr<CallQueue> m_calls; ///< To the oFono that is there now.
     std::unique_ptr<QObject> m_manager; ///< Takes the answers of the oFono that is there now.
     bool m_modemsKnown = false;
     std::map<QString, Modem> m_modems; ///< By path.

@@ -33,7 +33,7 @@ QDBusArgument &operator<<(QDBusArgument &argument, const NotificationData &data)
         argument << data.id << data.hints;
     else
         argument << QString() << data.id << QString() << QString() << QString() << QStringList()
-             << data.hints << -1;
+                 << data.hints << -1;
     argument.endStructure();
     return argument;
 }

@@ -12,7 +12,7 @@ namespace Maemo::Timed {
 
 /// The time daemon, "com.nimbo.timed" on the system bus.
 ///
-/// What has no method here ("cancel", "query", "get_attributes_by_cookies") goes through
+/// What has no method here ("cancel", "query", "get_attributes_by_cookies") goes through call() and
 /// asyncCall(). Nothing waits for the daemon; without one, calls are answered with an error.
 class Interface : public QDBusAbstractInterface
 {
