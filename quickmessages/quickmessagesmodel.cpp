@@ -243,6 +243,8 @@ void QuickMessagesModel::remove(int index)
         removeRows(index, 1);
 }
 
+// "undexpected" in the warnings below is meant: it is what logs are searched for.
+
 void QuickMessagesModel::directoryChanged(const QString &path)
 {
     const QFileInfo file(m_filePath);

@@ -141,7 +141,7 @@ void ReminderAlarms::schedule(uint replaced, const QString &normalizedNumber,
             return replaced != 0 ? m_timed.replace_event_async(event, replaced)
                                  : m_timed.add_event_async(event);
         } catch (const Maemo::Timed::Exception &) {
-            qWarning() << " Timed triggered an exception";
+            qWarning() << " Timed triggered an exception"; // The leading blank is meant.
             return std::nullopt;
         }
     };

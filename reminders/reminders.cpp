@@ -13,7 +13,7 @@
 Reminders::Reminders(QObject *parent)
     : QObject(parent)
 {
-    connect(&m_alarms, &ReminderAlarms::triggersChanged, this, &Reminders::dropGoneAlarms);
+    connect(&m_alarms, &ReminderAlarms::triggersChanged, this, &Reminders::alarmTriggersChanged);
     ReminderNotifications::subscribe(this, SLOT(notificationClosed(uint, uint)));
     m_alarms.query([this](const QVector<ReminderAlarm> &alarms) { mergeAlarms(alarms); });
 }
@@ -160,7 +160,7 @@ void Reminders::matchNotifications(const QVector<ReminderNotification> &notifica
     }
 }
 
-void Reminders::dropGoneAlarms(const Maemo::Timed::Event::Triggers &triggers)
+void Reminders::alarmTriggersChanged(const Maemo::Timed::Event::Triggers &triggers)
 {
     const QPointer<Reminders> self(this);
     const QVector<uint> cookies = m_store.cookies();

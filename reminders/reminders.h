@@ -71,7 +71,7 @@ private:
     void forgetPublications(const ReminderRecord &record);
     void mergeAlarms(const QVector<ReminderAlarm> &alarms);
     void matchNotifications(const QVector<ReminderNotification> &notifications);
-    void dropGoneAlarms(const Maemo::Timed::Event::Triggers &triggers);
+    void alarmTriggersChanged(const Maemo::Timed::Event::Triggers &triggers);
     void announce(const ReminderRecord &record, const QDateTime &due);
     static void closeNotification(ReminderRecord &record);
     void forEachBound(const ReminderRecord &record, const std::function<void(Reminder &)> &change);

@@ -17,7 +17,7 @@ bool lists(const ReminderRecord &record, const Reminder *reminder)
         != record.reminders.cend();
 }
 
-/// Of those that are destroyed one goes on standing for all: a record that lists it is in use.
+/// Drops the entries of destroyed objects, and keeps one of them: the record still counts as used.
 void dropDestroyed(QVector<QPointer<Reminder>> &reminders)
 {
     const auto isGone = [](const QPointer<Reminder> &listed) { return listed.isNull(); };

@@ -4,9 +4,9 @@
 #include "callqueue.h"
 #include "literals.h"
 #include "messagelog.h"
-#include "objectcount.h"
 #include "privatebus.h"
 #include "scriptedservice.h"
+#include "watchercount.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -153,7 +153,7 @@ void TestCallQueue::passesOverWhatIsNotMade()
 
 void TestCallQueue::goesOnAfterErrors()
 {
-    const ObjectCount objects;
+    const WatcherCount watchers;
     for (int i = 0; i < 100; ++i)
         add(i);
     for (int i = 0; i < 100; ++i)
@@ -161,7 +161,7 @@ void TestCallQueue::goesOnAfterErrors()
     m_service->settle();
     QCOMPARE(m_answers.size(), 100);
     QCOMPARE(m_answers.last(), u"99: com.example.Error"_s);
-    QCOMPARE(objects.value(), 0);
+    QTRY_COMPARE(watchers.value(), 0);
 }
 
 void TestCallQueue::mayEndInAHandler()

@@ -3,9 +3,9 @@
 
 #include "literals.h"
 #include "messagelog.h"
-#include "objectcount.h"
 #include "privatebus.h"
 #include "scriptedservice.h"
+#include "watchercount.h"
 
 #include <qofonosimwatcher.h>
 
@@ -603,7 +603,7 @@ void TestQOfonoSimWatcher::asksAboutSomeSimsAtATime()
 void TestQOfonoSimWatcher::leavesNothingOfFinishedCalls()
 {
     startWith({{first, sim(one)}});
-    const ObjectCount objects;
+    const WatcherCount watchers;
     for (int i = 0; i < 1000; ++i) {
         changeSim(first, u"Present"_s, false);
         changeSim(first, u"Present"_s, true);
@@ -611,7 +611,7 @@ void TestQOfonoSimWatcher::leavesNothingOfFinishedCalls()
     }
     settled();
     QCOMPARE(identities(), QStringList(one));
-    QCOMPARE(objects.value(), 0);
+    QTRY_COMPARE(watchers.value(), 0);
 }
 
 QTEST_GUILESS_MAIN(TestQOfonoSimWatcher)

@@ -221,7 +221,7 @@ void TestQuickMessages::givesTheMemoryOfAHugeFileBack()
     QVERIFY(before > 0);
 
     const QByteArray message = "\"Message of forty characters, all the same\"";
-    constexpr int count = (100 << 20) / 44;
+    constexpr int count = (16 << 20) / 44; // as much as is read
     write('[' + QByteArray(message + ',').repeated(count - 1) + message + ']');
     QTRY_COMPARE_WITH_TIMEOUT(m_ui->evaluate(u"messages.count"_s), QJsonValue(count), 60000);
     const qint64 peak = m_ui->residentMemory();

@@ -4,11 +4,11 @@
 #include "fakeplatform.h"
 #include "literals.h"
 #include "messagelog.h"
-#include "objectcount.h"
 #include "privatebus.h"
 #include "reminder.h"
 #include "reminders.h"
 #include "scriptedservice.h"
+#include "watchercount.h"
 
 #include <notification.h>
 
@@ -1131,11 +1131,11 @@ void TestReminders::leaveNothingOfFinishedCalls()
 {
     startEmpty();
     createReminder(u"1"_s, 1);
-    const ObjectCount objects;
+    const WatcherCount watchers;
     for (uint cookie = 2; cookie < 100; ++cookie)
         createReminder(u"1"_s, cookie);
     m_daemon->settle();
-    QCOMPARE(objects.value(), 0);
+    QTRY_COMPARE(watchers.value(), 0);
 }
 
 /// A record lists a destroyed object as null, unless it is the first; that and the record are all.

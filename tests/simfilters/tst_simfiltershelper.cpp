@@ -4,10 +4,10 @@
 #include "fakeplatform.h"
 #include "literals.h"
 #include "messagelog.h"
-#include "objectcount.h"
 #include "privatebus.h"
 #include "scriptedservice.h"
 #include "simfiltershelper.h"
+#include "watchercount.h"
 
 #include <qofonosimwatcher.h>
 
@@ -802,7 +802,7 @@ void TestSimFiltersHelper::ignoresSignalsWithoutASim()
 void TestSimFiltersHelper::leavesNothingOfFinishedCalls()
 {
     startAllowed({one});
-    const ObjectCount objects;
+    const WatcherCount watchers;
     for (int i = 0; i < 1000; ++i) {
         m_service->emitSignal(interface, u"RulesChanged"_s, {}, dial);
         answer(getAll(dial), allow);
@@ -814,7 +814,7 @@ void TestSimFiltersHelper::leavesNothingOfFinishedCalls()
         answer(getAll(incoming), allow);
         m_service->settle();
     }
-    QCOMPARE(objects.value(), 0);
+    QTRY_COMPARE(watchers.value(), 0);
 }
 
 void TestSimFiltersHelper::evaluatesForTheSimsOfTheMoment()
