@@ -29,7 +29,7 @@ HeapTrim::HeapTrim(QQmlEngine &engine)
 
 void HeapTrim::look()
 {
-    static const qint64 much = 32 * 1024 * 1024 / sysconf(_SC_PAGESIZE);
+    static const qint64 much = (qint64{32} << 20) / sysconf(_SC_PAGESIZE);
     const qint64 pages = residentPages();
     if (m_pagesBefore == 0 || pages < m_pagesBefore)
         m_pagesBefore = pages;

@@ -8,7 +8,7 @@
 class QFile;
 
 /// The most that is read of a file of messages, in bytes.
-constexpr qint64 largestMessagesFile = 16 * 1024 * 1024;
+constexpr qint64 largestMessagesFile = qint64{16} << 20;
 
 /// Opens \a file, which has a name, to be read as text. Returns false where it cannot be, is no
 /// regular file or is larger than largestMessagesFile. Never waits, as opening a FIFO would.

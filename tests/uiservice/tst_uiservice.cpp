@@ -479,7 +479,7 @@ void TestUiService::answersTheNextWhateverOneSends()
     if (!qEnvironmentVariableIsSet("PARLEY_UI_OPTIMIZED"))
         QSKIP("a build for debugging may hold on to freed memory");
     qInfo("memory before: %lld KiB, after: %lld KiB", memoryBefore, m_ui->residentMemory());
-    QTRY_VERIFY_WITH_TIMEOUT(m_ui->residentMemory() - memoryBefore <= 40 * 1024, 30000);
+    QTRY_VERIFY_WITH_TIMEOUT(m_ui->residentMemory() - memoryBefore <= 40960, 30000);
 }
 
 QTEST_GUILESS_MAIN(TestUiService)
