@@ -243,7 +243,7 @@ void QuickMessagesModel::remove(int index)
         removeRows(index, 1);
 }
 
-// "undexpected" in the warnings below is meant: it is what logs are searched for.
+// "undexpected" in the warnings below is meant.
 
 void QuickMessagesModel::directoryChanged(const QString &path)
 {

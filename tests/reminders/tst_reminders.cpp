@@ -1146,14 +1146,7 @@ void TestReminders::keepNothingOfDestroyedReminders()
     for (uint i = 1; i <= many; ++i)
         alarms.insert(i, attributes(u"alarm %1"_s.arg(i)));
     const size_t before = allocatedBytes();
-    m_reminders = std::make_unique<Reminders>();
-    QVariantList cookies;
-    m_daemon->reply(m_daemon->next(u"query"_s), {QVariant(cookies)});
-    m_daemon->reply(m_daemon->next(u"get_attributes_by_cookies"_s), {QVariant::fromValue(alarms)});
-    m_notifications->reply(m_notifications->next(u"GetNotificationsByCategory"_s),
-                           {QVariant::fromValue(QVector<NotificationData>())});
-    m_daemon->settle();
-    m_platform->takeCalls();
+    start(alarms, {});
     const size_t withAlarms = allocatedBytes();
     {
         std::vector<std::unique_ptr<Reminder>> watching(many);
