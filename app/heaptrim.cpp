@@ -9,6 +9,7 @@
 #include <QQmlEngine>
 
 #include <array>
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
 
@@ -22,6 +23,10 @@ HeapTrim::HeapTrim(QQmlEngine &engine)
     : m_engine(engine)
     , m_size(QStringLiteral("/proc/self/statm")) // proc(5)
 {
+    using namespace std::chrono_literals;
+    m_later.setSingleShot(true);
+    m_later.setInterval(5s);
+    connect(&m_later, &QTimer::timeout, this, &HeapTrim::actAfterWaitingRequests);
     if (m_size.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
         connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this,
                 &HeapTrim::look);
@@ -35,7 +40,13 @@ void HeapTrim::look()
         m_pagesBefore = pages;
     if (m_isDue || pages < m_pagesBefore + much)
         return;
-    // Requests that still wait are served first: their memory is in use.
+    actAfterWaitingRequests();
+    m_later.start();
+}
+
+/// Requests that still wait are served first: their memory is in use.
+void HeapTrim::actAfterWaitingRequests()
+{
     m_isDue = true;
     QCoreApplication::postEvent(this, new QEvent(QEvent::User), Qt::LowEventPriority);
 }

@@ -5,6 +5,7 @@
 
 #include <QFile>
 #include <QObject>
+#include <QTimer>
 
 class QQmlEngine;
 
@@ -13,7 +14,8 @@ class QQmlEngine;
 /// garbage, and the C library keeps free memory that lies below memory in use.
 ///
 /// It looks at the size of the process whenever the event loop is about to wait, and acts when that
-/// has grown by 32 MiB. Use it in the thread that runs the event loop.
+/// has grown by 32 MiB, and once more five seconds later: a request that was being read meanwhile
+/// is no longer in use by then. Use it in the thread that runs the event loop.
 class HeapTrim : public QObject
 {
     Q_OBJECT
@@ -29,6 +31,7 @@ private:
     Q_DISABLE_COPY(HeapTrim)
 
     void look();
+    void actAfterWaitingRequests();
     qint64 residentPages() const;
 
     QQmlEngine &m_engine;
@@ -36,4 +39,5 @@ private:
     qint64 m_pagesBefore =
         0; ///< The least since memory was last returned; 0 before the first look.
     bool m_isDue = false;
+    QTimer m_later;
 };
