@@ -42,14 +42,32 @@ Handset::Handset(const Options &options, QObject *parent)
 
 Handset::~Handset()
 {
+    m_panel.reset();
     m_ui.reset();
-    m_canopy.reset();
+    m_homeScreen.reset();
     m_services.reset();
     QDBusConnection::disconnectFromBus(sessionConnection);
     QDBusConnection::disconnectFromBus(systemConnection);
 }
 
 bool Handset::start()
+{
+    if (!makeFolder() || !startBus(m_sessionBus, QStringLiteral("session"), sessionConnection)
+        || !startBus(m_systemBus, QStringLiteral("system"), systemConnection) || !startHomeScreen())
+        return false;
+    makeServices();
+    addCommands();
+    watchUi();
+    if (m_options.watches)
+        watchScreens();
+    if (m_options.hasPanel)
+        makePanel();
+    placeCatalogue();
+    startServicesAndUi();
+    return true;
+}
+
+bool Handset::makeFolder()
 {
     if (!m_folder.isValid()) {
         m_transcript.say(QStringLiteral("No folder for the handset: ") + m_folder.errorString());
@@ -59,61 +77,56 @@ bool Handset::start()
     QFile::setPermissions(m_folder.path(),
                           QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner | QFile::ExeGroup
                               | QFile::ExeOther);
-
-    if (!startBus(m_sessionBus, QStringLiteral("session"))
-        || !startBus(m_systemBus, QStringLiteral("system")))
-        return false;
-
-    const QDBusConnection session =
-        QDBusConnection::connectToBus(m_sessionBus.address(), sessionConnection);
-    if (!startCanopy(session))
-        return false;
-    startServices(session);
     return true;
 }
 
-bool Handset::startBus(PrivateBus &bus, const QString &name)
+/// The bus, the handset's own \a connection to it, and what the journal takes down of it.
+bool Handset::startBus(PrivateBus &bus, const QString &name, const QString &connection)
 {
-    if (bus.start(m_folder.path(), name))
+    if (!bus.start(m_folder.path(), name)) {
+        m_transcript.say(QStringLiteral("The %1 bus did not start: %2").arg(name, bus.error()));
+        return false;
+    }
+    m_journal.watch({name, bus.address(), QDBusConnection::connectToBus(bus.address(), connection)},
+                    m_options.uiProgram);
+    return true;
+}
+
+bool Handset::startHomeScreen()
+{
+    const QDBusConnection session(sessionConnection);
+    m_homeScreen = std::make_unique<HomeScreen>(session, m_sessionBus.address());
+    if (m_homeScreen->start())
         return true;
-    m_transcript.say(QStringLiteral("The %1 bus did not start: %2").arg(name, bus.error()));
+    m_transcript.say(QStringLiteral("The home screen is not on the session bus: ")
+                     + session.lastError().message());
     return false;
 }
 
-bool Handset::startCanopy(const QDBusConnection &session)
+void Handset::makeServices()
 {
-    m_canopy = std::make_unique<Canopy>(session, m_sessionBus.address());
-    if (!m_canopy->start()) {
-        m_transcript.say(QStringLiteral("The home screen is not on the session bus: ")
-                         + session.lastError().message());
-        return false;
-    }
-    m_interpreter.add(m_canopy->commands());
-    return true;
-}
-
-/// The call UI comes when they are there, as on a handset.
-void Handset::startServices(const QDBusConnection &session)
-{
-    const QDBusConnection system =
-        QDBusConnection::connectToBus(m_systemBus.address(), systemConnection);
-    m_journal.watch({{QStringLiteral("session"), m_sessionBus.address(), session},
-                     {QStringLiteral("system"), m_systemBus.address(), system}},
-                    m_options.uiProgram);
     const QString stateFolder = m_options.stateFolder.isEmpty()
         ? m_folder.filePath(QStringLiteral("state"))
         : m_options.stateFolder;
-    m_services = std::make_unique<Services>(
-        Services::World{m_sessionBus.address(), m_systemBus.address(), stateFolder}, session,
-        system, m_transcript);
+    m_services = std::make_unique<HandsetServices>(
+        HandsetServices::World{m_sessionBus.address(), m_systemBus.address(), stateFolder},
+        QDBusConnection(sessionConnection), QDBusConnection(systemConnection), m_transcript);
+}
+
+/// In the order in which "help" lists them.
+void Handset::addCommands()
+{
+    m_interpreter.add(m_homeScreen->commands());
     m_interpreter.add(m_services->commands());
     m_interpreter.add(m_journal.commands());
     m_interpreter.add(m_replies.commands());
     m_interpreter.add({restartCommand()});
-    if (m_options.watches)
-        watchScreens();
+}
 
-    auto *watcher = new QDBusServiceWatcher(uiService, session,
+/// A start of the call UI is through when it is on the bus, or has taken too long.
+void Handset::watchUi()
+{
+    auto *watcher = new QDBusServiceWatcher(uiService, QDBusConnection(sessionConnection),
                                             QDBusServiceWatcher::WatchForRegistration, this);
     connect(watcher, &QDBusServiceWatcher::serviceRegistered, this, [this] {
         m_uiHasBeenUp = true;
@@ -128,14 +141,21 @@ void Handset::startServices(const QDBusConnection &session)
                 "The call UI is not on the bus yet; its screens may lack a ParleyUiAdaptor."));
     });
     m_uiPatience.setSingleShot(true);
+}
 
-    placeCatalogue();
-    m_services->start([this] {
-        startUi([this](Outcome, const QString &text) {
-            m_transcript.say(text);
-            m_interpreter.start();
-        });
-    });
+/// Starts the call UI again when their code changes.
+void Handset::watchScreens()
+{
+    const QString folder = QFileInfo(m_options.qmlFile).absolutePath();
+    auto *watch = new FolderWatch(folder, this);
+    connect(watch, &FolderWatch::changed, this,
+            [this] { m_interpreter.enqueue(QStringLiteral("restart")); });
+}
+
+void Handset::makePanel()
+{
+    m_panel = std::make_unique<Panel>(Panel::Parts{m_transcript, m_interpreter, *m_services,
+                                                   m_qmlErrors, m_journal, m_replies.filePath()});
 }
 
 /// Where the call UI looks for it.
@@ -145,6 +165,17 @@ void Handset::placeCatalogue()
         m_sandbox.place(QStringLiteral("/usr/share/translations"), m_options.catalogueFolder);
     else
         m_transcript.say(QStringLiteral("Without bwrap, texts are shown as their ids."));
+}
+
+/// The call UI comes when the services are there, as on a handset; then the commands run.
+void Handset::startServicesAndUi()
+{
+    m_services->start([this] {
+        startUi([this](Outcome, const QString &text) {
+            m_transcript.say(text);
+            m_interpreter.start();
+        });
+    });
 }
 
 void Handset::startUi(const Finish &finish)
@@ -162,7 +193,8 @@ void Handset::startUi(const Finish &finish)
                                           QStringLiteral("-qml"), m_options.qmlFile});
     const QString program = command.takeFirst();
     m_ui->start(program, command);
-    Q_EMIT uiStarting();
+    if (m_panel)
+        m_panel->uiStarting();
 }
 
 void Handset::uiSettled(Outcome outcome, const QString &text)
@@ -183,14 +215,6 @@ Command Handset::restartCommand()
                 m_ui.reset();
                 startUi(finish);
             }};
-}
-
-void Handset::watchScreens()
-{
-    const QString folder = QFileInfo(m_options.qmlFile).absolutePath();
-    auto *watch = new FolderWatch(folder, this);
-    connect(watch, &FolderWatch::changed, this,
-            [this] { m_interpreter.enqueue(QStringLiteral("restart")); });
 }
 
 void Handset::recordLog(const QString &line)
@@ -215,7 +239,8 @@ void Handset::uiDied(const QString &how)
     }
     m_transcript.say(how);
     m_transcript.say(QStringLiteral("The command \"restart\" starts it again."));
-    Q_EMIT uiEnded(how);
+    if (m_panel)
+        m_panel->setUiEnd(how);
     if (m_uiFinish)
         uiSettled(Outcome::Failed, QStringLiteral("it has not come up"));
 }

@@ -3,14 +3,15 @@
 
 #pragma once
 
-#include "canopy.h"
+#include "handsetservices.h"
+#include "homescreen.h"
 #include "interpreter.h"
 #include "journal.h"
+#include "panel.h"
 #include "privatebus.h"
 #include "qmlerrors.h"
 #include "quickreplies.h"
 #include "sandbox.h"
-#include "services.h"
 #include "transcript.h"
 #include "uiprocess.h"
 
@@ -20,8 +21,8 @@
 
 #include <memory>
 
-/// A handset on a desktop: two private buses, the services on them, the home screen, and the call
-/// UI. All of it goes when the object goes.
+/// A handset on a desktop: two private buses, the services on them, the home screen, the call UI,
+/// and a control panel for it all. All of it goes when the object goes.
 class Handset : public QObject
 {
     Q_OBJECT
@@ -34,7 +35,7 @@ public:
         QString catalogueFolder; ///< Of the call UI's texts.
         QString stateFolder; ///< Keeps what outlives the session; empty to keep nothing.
         Interpreter::AtFailure atFailure = Interpreter::AtFailure::GoOn;
-        bool hasPanel = false; ///< Its user can start again what has not started.
+        bool hasPanel = false; ///< Has a panel, whose user can start again what has not started.
         bool watches = false; ///< Starts the call UI again when its QML code changes.
     };
 
@@ -49,29 +50,27 @@ public:
     Interpreter &interpreter() { return m_interpreter; }
 
     const Transcript &transcript() const { return m_transcript; }
-    /// Null before start().
-    Services *services() { return m_services.get(); }
-    QmlErrors &qmlErrors() { return m_qmlErrors; }
-    Journal *journal() { return &m_journal; }
-    QString repliesPath() const { return m_replies.filePath(); }
+    /// Null where there is none, and before start().
+    Panel *panel() { return m_panel.get(); }
 
 Q_SIGNALS:
-    /// The call UI is started, for the first time or again.
-    void uiStarting();
-    /// The call UI has ended without being asked to, and the handset goes on; \a how is a sentence.
-    void uiEnded(const QString &how);
     /// The commands are through, or a part of the handset has gone without being asked to.
     void ended(bool succeeded);
 
 private:
-    bool startBus(PrivateBus &bus, const QString &name);
-    bool startCanopy(const QDBusConnection &session);
-    void startServices(const QDBusConnection &session);
+    bool makeFolder();
+    bool startBus(PrivateBus &bus, const QString &name, const QString &connection);
+    bool startHomeScreen();
+    void makeServices();
+    void addCommands();
+    void watchUi();
+    void watchScreens();
+    void makePanel();
     void placeCatalogue();
+    void startServicesAndUi();
     void startUi(const Finish &finish);
     void uiSettled(Outcome outcome, const QString &text);
     Command restartCommand();
-    void watchScreens();
     void recordLog(const QString &line);
     void uiDied(const QString &how);
     void partDied(const QString &what);
@@ -83,12 +82,13 @@ private:
     PrivateBus m_sessionBus;
     PrivateBus m_systemBus;
     Journal m_journal;
-    std::unique_ptr<Services> m_services;
-    std::unique_ptr<Canopy> m_canopy;
+    std::unique_ptr<HandsetServices> m_services;
+    std::unique_ptr<HomeScreen> m_homeScreen;
     Sandbox m_sandbox; ///< Of the call UI.
     QuickReplies m_replies;
     std::unique_ptr<UiProcess> m_ui;
     QmlErrors m_qmlErrors;
+    std::unique_ptr<Panel> m_panel;
     QElapsedTimer m_sinceUiStart;
     QTimer m_uiPatience;
     bool m_uiHasBeenUp = false;

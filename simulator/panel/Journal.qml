@@ -35,8 +35,6 @@ Section {
         onMovementEnded: follows = atYEnd
 
         delegate: Column {
-            readonly property var member: model.member.split(" at ")
-
             width: ListView.view.width - 10
 
             Words {
@@ -45,8 +43,9 @@ Section {
                 font.pixelSize: Look.size - 1
                 objectName: "entry " + index
                 text: model.time + " " + model.bus + (model.incoming ? " → " : " ← ")
-                    + member[0] + "(" + model.arguments + ")"
-                    + (member.length > 1 ? " at " + member[1] : "")
+                    + (model.interface === "" ? "" : model.interface + ".") + model.member
+                    + "(" + model.arguments + ")"
+                    + (model.path === "/" ? "" : " at " + model.path)
                 width: parent.width
                 wrapMode: Text.Wrap
             }

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 
 #include "childprocess.h"
+#include "handsetpart.h"
 #include "literals.h"
 #include "panelundertest.h"
 
@@ -71,7 +72,7 @@ private:
 /// The panel comes with the phone beside it, not over it.
 bool TestDesk::startDemo()
 {
-    return start(QStringLiteral(PARLEY_DEMO_QML)) && m_panel->window()->x() >= 360
+    return start(QStringLiteral(PARLEY_DEMO_QML)) && panel()->window()->x() >= 360
         && clickOn(u"show"_s) && prints(u"ui: screen: dial pad"_s) && phoneRests();
 }
 
@@ -96,7 +97,7 @@ bool TestDesk::clickOn(const QString &name)
 bool TestDesk::fill(const QString &name, const QString &text)
 {
     return clickOn(name)
-        && xdotool({u"windowfocus"_s, u"--sync"_s, QString::number(m_panel->window()->winId())})
+        && xdotool({u"windowfocus"_s, u"--sync"_s, QString::number(panel()->window()->winId())})
         && typeInstead(text) && QTest::qWaitFor([&] { return textOf(name) == text; }, patience);
 }
 
@@ -244,7 +245,7 @@ int runOnADisplay(int argc, char *argv[])
 
 int main(int argc, char *argv[])
 {
-    if (const auto status = PanelUnderTest::runServiceInstead(argc, argv))
+    if (const auto status = runHandsetPart(argc, argv))
         return *status;
     if (!qEnvironmentVariableIsSet(onADisplay))
         return runOnADisplay(argc, argv);

@@ -4,7 +4,6 @@
 #include "panelundertest.h"
 
 #include "literals.h"
-#include "service.h"
 
 #include <QDir>
 #include <QFile>
@@ -12,8 +11,6 @@
 #include <QQuickWindow>
 #include <QRegularExpression>
 #include <QTest>
-
-#include <cstring>
 
 namespace {
 
@@ -37,14 +34,6 @@ QQuickItem *findItem(QQuickItem *root, const QString &name)
 
 } // namespace
 
-std::optional<int> PanelUnderTest::runServiceInstead(int argc, char *argv[])
-{
-    if (argc != 5 || std::strcmp(argv[1], "--service") != 0)
-        return std::nullopt;
-    const QCoreApplication application(argc, argv);
-    return runService(QString::fromLocal8Bit(argv[2]), QString::fromLocal8Bit(argv[4]));
-}
-
 void PanelUnderTest::init()
 {
     m_log.reset();
@@ -60,7 +49,6 @@ void PanelUnderTest::init()
 /// Whatever was done, QML had nothing to complain about, and nothing is left.
 void PanelUnderTest::cleanup()
 {
-    m_panel.reset();
     m_handset.reset();
     QCOMPARE(uiProcess(), 0);
     QFile::remove(m_folder->filePath(u"screens.qml"_s));
@@ -96,19 +84,23 @@ bool PanelUnderTest::start(const QString &qmlFile)
             [this](const QString &line) { m_commands.append(line); });
     if (!m_handset->start())
         return false;
-    m_panel = std::make_unique<Panel>(*m_handset);
     const QRegularExpression settled(u"^The call UI is (on the bus after|not on the bus yet).*"_s);
     return QTest::qWaitFor(
         [&] {
-            return m_panel->window() && m_panel->window()->isExposed()
+            return panel()->window() && panel()->window()->isExposed()
                 && m_lines.indexOf(settled) >= 0;
         },
         patience);
 }
 
+Panel *PanelUnderTest::panel() const
+{
+    return m_handset->panel();
+}
+
 QQuickItem *PanelUnderTest::item(const QString &name) const
 {
-    return findItem(m_panel->window()->contentItem(), name);
+    return findItem(panel()->window()->contentItem(), name);
 }
 
 bool PanelUnderTest::isShown(const QString &name) const
@@ -139,7 +131,7 @@ bool PanelUnderTest::isLit(const QString &name) const
 bool PanelUnderTest::runsToTheEnd(const QString &line)
 {
     const auto remark = u"# after %1"_s.arg(m_lines.size());
-    m_panel->type(remark);
+    panel()->type(remark);
     return QTest::qWaitFor([&] { return m_lines.contains(remark); }, patience)
         && !m_commands.isEmpty() && m_commands.constLast() == line;
 }
@@ -147,7 +139,7 @@ bool PanelUnderTest::runsToTheEnd(const QString &line)
 void PanelUnderTest::press(const QString &name)
 {
     item(name)->forceActiveFocus();
-    QTest::keyClick(m_panel->window(), Qt::Key_Space);
+    QTest::keyClick(panel()->window(), Qt::Key_Space);
 }
 
 void PanelUnderTest::click(const QString &name, const QString &line)

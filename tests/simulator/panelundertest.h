@@ -13,7 +13,6 @@
 #include <QTemporaryDir>
 
 #include <memory>
-#include <optional>
 
 #include <sys/types.h>
 
@@ -22,11 +21,6 @@
 class PanelUnderTest : public QObject
 {
     Q_OBJECT
-
-public:
-    /// To be called first in main(): the handset has its services run by the program that it is
-    /// itself. If this process is to be one, it has been, and this is its status.
-    static std::optional<int> runServiceInstead(int argc, char *argv[]);
 
 private Q_SLOTS:
     void init();
@@ -39,6 +33,7 @@ protected:
     bool startWith(const QByteArray &qml);
     bool writeScreens(const QByteArray &qml) const;
 
+    Panel *panel() const;
     /// Of the panel; null if there is none.
     QQuickItem *item(const QString &name) const;
     bool isShown(const QString &name) const;
@@ -59,7 +54,6 @@ protected:
     std::unique_ptr<MessageLog> m_log;
     std::unique_ptr<QTemporaryDir> m_folder;
     std::unique_ptr<Handset> m_handset;
-    std::unique_ptr<Panel> m_panel;
     QStringList m_lines; ///< That were printed.
     QStringList m_commands;
 };

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Parley developers
 // SPDX-License-Identifier: BSD-3-Clause
 
+#include "handsetpart.h"
 #include "literals.h"
 #include "panelundertest.h"
 
@@ -120,7 +121,7 @@ void TestPanel::changesRules()
 void TestPanel::showsRulesThatOthersSet()
 {
     QVERIFY(startWith(screens));
-    m_panel->run({u"rule"_s, u"dial"_s, u"26203"_s, u"7"_s});
+    panel()->run({u"rule"_s, u"dial"_s, u"26203"_s, u"7"_s});
     QTRY_VERIFY(isShown(u"dial 26203 none"_s));
     for (const QString &action : {u"none"_s, u"block"_s, u"allow"_s, u"hangup"_s})
         QVERIFY(!isLit(u"dial 26203 "_s + action));
@@ -148,7 +149,7 @@ void TestPanel::showsNotifications()
 {
     QVERIFY(startWith(screens));
     for (const QString &name : {u"Ada"_s, u"Bob"_s, u"Cyd"_s})
-        m_panel->run({u"remind"_s, u"555"_s, u"3600"_s, name});
+        panel()->run({u"remind"_s, u"555"_s, u"3600"_s, name});
     QTRY_COMPARE(textOf(u"summary 3"_s), u"Call Cyd"_s);
     const QQuickItem *const lastButton = item(u"dismiss 3"_s);
     click(u"click 1"_s, u"click 1"_s);
@@ -186,18 +187,18 @@ void TestPanel::controlsServices()
 void TestPanel::showsNothingOfAServiceThatIsAway()
 {
     QVERIFY(startWith(screens));
-    m_panel->run({u"remind"_s, u"555"_s, u"3600"_s});
+    panel()->run({u"remind"_s, u"555"_s, u"3600"_s});
     QTRY_VERIFY(isShown(u"fire 1"_s));
     QTRY_VERIFY(isShown(u"insert /ril_0"_s));
-    m_panel->run({u"telephony"_s, u"hang"_s});
-    m_panel->run({u"time-daemon"_s, u"stop"_s});
+    panel()->run({u"telephony"_s, u"hang"_s});
+    panel()->run({u"time-daemon"_s, u"stop"_s});
     QTRY_VERIFY(!isShown(u"fire 1"_s));
     QVERIFY(isShown(u"insert /ril_0"_s));
-    m_panel->run({u"telephony"_s, u"stop"_s});
+    panel()->run({u"telephony"_s, u"stop"_s});
     QTRY_VERIFY(!isShown(u"insert /ril_0"_s));
     QTRY_VERIFY(!isShown(u"dial default block"_s));
-    m_panel->run({u"telephony"_s, u"start"_s});
-    m_panel->run({u"time-daemon"_s, u"start"_s});
+    panel()->run({u"telephony"_s, u"start"_s});
+    panel()->run({u"time-daemon"_s, u"start"_s});
     QTRY_VERIFY(isShown(u"insert /ril_0"_s));
     QTRY_VERIFY(isShown(u"dial default block"_s));
     QTRY_VERIFY(isShown(u"fire 1"_s));
@@ -207,8 +208,8 @@ void TestPanel::opensAndWritesQuickReplies()
 {
     qputenv("VISUAL", "true");
     QVERIFY(startWith(screens));
-    QCOMPARE(textOf(u"repliesPath"_s), m_handset->repliesPath());
-    QFile replies(m_handset->repliesPath());
+    QCOMPARE(textOf(u"repliesPath"_s), panel()->repliesPath());
+    QFile replies(panel()->repliesPath());
     QVERIFY(!replies.exists());
     click(u"repliesEdit"_s, u"replies edit"_s);
     QVERIFY(replies.exists());
@@ -274,7 +275,7 @@ void TestPanel::showsTheTranscript()
     QVERIFY(startWith(screens));
     QVERIFY(setText(u"command"_s, u"dial 555 # not a remark"_s));
     item(u"command"_s)->forceActiveFocus();
-    QTest::keyClick(m_panel->window(), Qt::Key_Return);
+    QTest::keyClick(panel()->window(), Qt::Key_Return);
     QVERIFY(runsToTheEnd(u"dial 555 # not a remark"_s));
     QCOMPARE(textOf(u"command"_s), QString());
     QTRY_VERIFY(
@@ -282,7 +283,7 @@ void TestPanel::showsTheTranscript()
     QVERIFY(textOf(u"transcript"_s).contains(u"The call UI is on the bus after "_s));
 
     for (int i = 0; i < 1200; ++i)
-        m_panel->type(u"# remark %1"_s.arg(i));
+        panel()->type(u"# remark %1"_s.arg(i));
     QTRY_VERIFY_WITH_TIMEOUT(textOf(u"transcript"_s).endsWith(u"# remark 1199"_s), patience);
     QVERIFY(textOf(u"transcript"_s).count(u'\n') < 1100);
 }
@@ -297,7 +298,7 @@ void TestPanel::givesAScriptThatCanBeReplayed()
     click(u"stop time-daemon"_s, u"time-daemon stop"_s);
     const QString script = u"dial \"+49 30 1234567\"\nsim insert 262010000000001 /ril_0\n"
                            "remind 5550123 600 Ada\nclick 1\ntime-daemon stop\n"_s;
-    QCOMPARE(m_panel->script(), script);
+    QCOMPARE(panel()->script(), script);
     press(u"copyScript"_s);
     QCOMPARE(QGuiApplication::clipboard()->text(), script);
 
@@ -319,10 +320,10 @@ void TestPanel::givesAScriptThatCanBeReplayed()
 void TestPanel::reachesEverythingWithTheKeyboard()
 {
     QVERIFY(startWith(screens));
-    QQuickWindow *window = m_panel->window();
+    QQuickWindow *window = panel()->window();
     window->requestActivate();
     QTRY_VERIFY(window->isActive());
-    m_panel->run({u"remind"_s, u"555"_s, u"3600"_s, u"Ada"_s});
+    panel()->run({u"remind"_s, u"555"_s, u"3600"_s, u"Ada"_s});
     QTRY_VERIFY(isShown(u"click 1"_s));
 
     QStringList reached;
@@ -365,7 +366,7 @@ void TestPanel::reachesEverythingWithTheKeyboard()
 void TestPanel::fitsASmallWindow()
 {
     QVERIFY(startWith(screens));
-    QQuickWindow *window = m_panel->window();
+    QQuickWindow *window = panel()->window();
     for (const QSize &size : {QSize(760, 400), QSize(420, 600)}) {
         window->resize(size);
         QTRY_COMPARE(window->contentItem()->size().toSize(), size);
@@ -384,7 +385,7 @@ void TestPanel::fitsASmallWindow()
 
 int main(int argc, char *argv[])
 {
-    if (const auto status = PanelUnderTest::runServiceInstead(argc, argv))
+    if (const auto status = runHandsetPart(argc, argv))
         return *status;
     const QTemporaryDir home;
     for (const char *variable : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QUICK_BACKEND"})

@@ -1,0 +1,73 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+#include "arguments.h"
+
+#include <QCommandLineParser>
+
+#include <algorithm>
+
+namespace {
+
+bool hasDisplay()
+{
+    const auto isSet = [](const char *variable) { return !qEnvironmentVariableIsEmpty(variable); };
+    return isSet("DISPLAY") || isSet("WAYLAND_DISPLAY") || isSet("QT_QPA_PLATFORM");
+}
+
+} // namespace
+
+Arguments Arguments::parse(int argc, char *argv[])
+{
+    const QCommandLineOption ui(QStringLiteral("ui"), QStringLiteral("The call UI to run."),
+                                QStringLiteral("program"), QStringLiteral(PARLEY_UI));
+    const QCommandLineOption script(
+        QStringLiteral("script"),
+        QStringLiteral("Takes the commands from a file; the first that fails ends the run."),
+        QStringLiteral("file"));
+    const QCommandLineOption tour(
+        QStringLiteral("tour"),
+        QStringLiteral("Plays the tour: what a handset does with its call UI, each step checked."));
+
+    const QCommandLineOption state(
+        QStringLiteral("state"),
+        QStringLiteral("Keeps alarms, SIMs and rules in a folder for the next time; they are "
+                       "discarded at exit otherwise."),
+        QStringLiteral("folder"));
+    const QCommandLineOption qml(QStringLiteral("qml"), QStringLiteral("The screens to show."),
+                                 QStringLiteral("file"), QStringLiteral(PARLEY_DEMO_QML));
+    const QCommandLineOption watch(
+        QStringLiteral("watch"),
+        QStringLiteral("Starts the call UI again when QML code in the screens' folder changes."));
+    const QCommandLineOption noPanel(
+        QStringLiteral("no-panel"),
+        QStringLiteral("Opens no control panel; without a display there is none anyway."));
+
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        QStringLiteral("A handset on a desktop: runs the call UI with the demo screens on private "
+                       "buses, and takes commands\n"
+                       "from standard input and from its control panel. The command \"help\" lists "
+                       "them."));
+    const QCommandLineOption help = parser.addHelpOption();
+    parser.addOptions({ui, qml, watch, script, tour, state, noPanel});
+    QStringList words;
+    std::transform(argv, argv + argc, std::back_inserter(words),
+                   [](const char *argument) { return QString::fromLocal8Bit(argument); });
+
+    Arguments arguments;
+    if (!parser.parse(words))
+        arguments.error = parser.errorText();
+    if (parser.isSet(help))
+        arguments.help = parser.helpText();
+    arguments.handset.uiProgram = parser.value(ui);
+    arguments.handset.catalogueFolder = QStringLiteral(PARLEY_TRANSLATIONS);
+    arguments.handset.qmlFile = parser.value(qml);
+    arguments.handset.stateFolder = parser.value(state);
+    arguments.handset.hasPanel = hasDisplay() && !parser.isSet(noPanel);
+    arguments.handset.watches = parser.isSet(watch);
+    arguments.script = parser.isSet(tour) ? QStringLiteral(PARLEY_TOUR) : parser.value(script);
+    if (!arguments.script.isEmpty())
+        arguments.handset.atFailure = Interpreter::AtFailure::Stop;
+    return arguments;
+}

@@ -1,0 +1,73 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+#pragma once
+
+#include "alarmcommands.h"
+#include "callrulecommands.h"
+#include "notificationcommands.h"
+#include "remindercommands.h"
+#include "serviceprocess.h"
+#include "simcommands.h"
+
+#include <QObject>
+
+#include <array>
+#include <functional>
+#include <memory>
+#include <vector>
+
+class Transcript;
+
+/// The services of the handset that the call UI uses. Each is a process of its own; one that ends
+/// is told of, and can be started again.
+class HandsetServices : public QObject
+{
+    Q_OBJECT
+
+public:
+    struct World
+    {
+        QString sessionBus; ///< Address.
+        QString systemBus; ///< Address.
+        QString stateFolder; ///< What outlives a service is kept here.
+    };
+
+    /// The connections are to the buses of \a world. \a transcript is told what happens, and
+    /// outlives the object.
+    HandsetServices(const World &world, const QDBusConnection &session,
+                    const QDBusConnection &system, Transcript &transcript,
+                    QObject *parent = nullptr);
+
+    /// Starts them; \a settled is called when each is up, or is not going to be.
+    void start(const std::function<void()> &settled);
+
+    /// What can be done with and to them.
+    QVector<Command> commands();
+
+    /// Keeps the lists of what the services have from now on.
+    void follow();
+
+    AlarmCommands &alarms() { return m_alarms; }
+    NotificationCommands &notifications() { return m_notifications; }
+    SimCommands &sims() { return m_sims; }
+    CallRuleCommands &rules() { return m_rules; }
+    const std::vector<std::unique_ptr<ServiceProcess>> &processes() const { return m_processes; }
+
+private Q_SLOTS:
+    void callHistoryLaunched(const QStringList &arguments);
+
+private:
+    std::array<ServiceTalk *, 4> talks();
+    void add(const ServiceProcess::Service &service, const QDBusConnection &bus,
+             const QProcessEnvironment &environment);
+
+    Transcript &m_transcript;
+    AlarmCommands m_alarms;
+    NotificationCommands m_notifications;
+    ReminderCommands m_reminders;
+    SimCommands m_sims;
+    CallRuleCommands m_rules;
+    std::vector<std::unique_ptr<ServiceProcess>> m_processes;
+    std::size_t m_awaited = 0;
+};

@@ -1,0 +1,26 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+#pragma once
+
+#include "servicetalk.h"
+
+/// The notifications that the handset shows: lists them, and does with them what its user might.
+class NotificationCommands : public ServiceTalk
+{
+    Q_OBJECT
+
+public:
+    NotificationCommands(const QDBusConnection &sessionBus, Transcript &transcript,
+                         QObject *parent = nullptr);
+
+    QVector<Command> commands() override;
+
+    /// The notifications: maps with "id", "application", "summary", "body", "alarm" (the cookie of
+    /// the alarm that it announces; 0 for none) and "actions", a list of the names of actions
+    /// besides the default one.
+    ServiceList *list() { return m_list; }
+
+private:
+    ServiceList *const m_list;
+};

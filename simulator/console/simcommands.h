@@ -1,0 +1,26 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+#pragma once
+
+#include "servicetalk.h"
+
+/// The SIMs in the handset's modems: lists, inserts, removes, locks and unlocks them.
+class SimCommands : public ServiceTalk
+{
+    Q_OBJECT
+
+public:
+    SimCommands(const QDBusConnection &systemBus, Transcript &transcript,
+                QObject *parent = nullptr);
+
+    QVector<Command> commands() override;
+
+    /// The modems: maps with "modem" (path), "imsi" (empty without a SIM) and "locked".
+    ServiceList *list() { return m_list; }
+
+private:
+    void insert(const QString &imsi, const QString &modem, const Finish &finish);
+
+    ServiceList *const m_list;
+};

@@ -1,0 +1,121 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+#include "busmonitor.h"
+
+#include "valuetext.h"
+
+#include <QSocketNotifier>
+
+#include <chrono>
+#include <memory>
+
+#include <dbus/dbus.h>
+
+namespace {
+
+using Message = std::unique_ptr<DBusMessage, decltype(&dbus_message_unref)>;
+
+/// libdbus fills in an error and has to release it.
+class Error
+{
+public:
+    Error() { dbus_error_init(&m_error); }
+    ~Error() { dbus_error_free(&m_error); }
+    Q_DISABLE_COPY(Error)
+
+    operator DBusError *() { return &m_error; }
+    QString text() const { return QString::fromUtf8(m_error.message); }
+
+private:
+    DBusError m_error{};
+};
+
+qint64 now()
+{
+    using namespace std::chrono;
+    return duration_cast<microseconds>(system_clock::now().time_since_epoch()).count();
+}
+
+BusMessage describe(DBusMessage *message)
+{
+    BusMessage description;
+    description.type = static_cast<BusMessage::Type>(dbus_message_get_type(message));
+    description.wantsReply = dbus_message_get_no_reply(message) == 0;
+    description.cookie = dbus_message_get_serial(message);
+    description.replyCookie = dbus_message_get_reply_serial(message);
+    description.time = now();
+    description.sender = QString::fromUtf8(dbus_message_get_sender(message));
+    description.destination = QString::fromUtf8(dbus_message_get_destination(message));
+    description.path = QString::fromUtf8(dbus_message_get_path(message));
+    description.interface = QString::fromUtf8(dbus_message_get_interface(message));
+    description.member = QString::fromUtf8(dbus_message_get_member(message));
+    description.errorName = QString::fromUtf8(dbus_message_get_error_name(message));
+    description.values = ValueText::of(message);
+    description.strings = ValueText::firstStrings(message);
+    return description;
+}
+
+} // namespace
+
+BusMonitor::BusMonitor(QObject *parent)
+    : QObject(parent)
+{
+}
+
+BusMonitor::~BusMonitor()
+{
+    if (m_connection == nullptr)
+        return;
+    dbus_connection_close(m_connection);
+    dbus_connection_unref(m_connection);
+}
+
+bool BusMonitor::start(const QString &address)
+{
+    Error error;
+    m_connection = dbus_connection_open_private(address.toUtf8().constData(), error);
+    if (m_connection == nullptr || dbus_bus_register(m_connection, error) == 0) {
+        m_error = error.text();
+        return false;
+    }
+    if (!becomeMonitor())
+        return false;
+
+    int descriptor = -1;
+    dbus_connection_get_unix_fd(m_connection, &descriptor);
+    m_notifier = new QSocketNotifier(descriptor, QSocketNotifier::Read, this);
+    connect(m_notifier, &QSocketNotifier::activated, this, &BusMonitor::read);
+    // What came together with the last answer is here already.
+    QMetaObject::invokeMethod(this, &BusMonitor::read, Qt::QueuedConnection);
+    return true;
+}
+
+bool BusMonitor::becomeMonitor()
+{
+    const Message call(dbus_message_new_method_call(DBUS_SERVICE_DBUS, DBUS_PATH_DBUS,
+                                                    DBUS_INTERFACE_MONITORING, "BecomeMonitor"),
+                       dbus_message_unref);
+    const char *const *noRules = nullptr; // everything
+    const dbus_uint32_t flags = 0;
+    dbus_message_append_args(call.get(), DBUS_TYPE_ARRAY, DBUS_TYPE_STRING, &noRules, 0,
+                             DBUS_TYPE_UINT32, &flags, DBUS_TYPE_INVALID);
+    Error error;
+    const Message reply(dbus_connection_send_with_reply_and_block(m_connection, call.get(),
+                                                                  DBUS_TIMEOUT_USE_DEFAULT, error),
+                        dbus_message_unref);
+    m_error = error.text();
+    return reply != nullptr;
+}
+
+/// Messages are popped and not dispatched: a monitor must not answer any.
+void BusMonitor::read()
+{
+    const bool isConnected = dbus_connection_read_write(m_connection, 0) != 0;
+    while (const Message message{dbus_connection_pop_message(m_connection), dbus_message_unref})
+        Q_EMIT received(describe(message.get()));
+    if (!isConnected) {
+        m_notifier->setEnabled(false);
+        Q_EMIT ended();
+    }
+}

@@ -1,0 +1,156 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+#include "panel.h"
+
+#include "handsetservices.h"
+#include "interpreter.h"
+#include "journal.h"
+#include "qmlerrors.h"
+#include "transcript.h"
+#include "words.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QQmlContext>
+#include <QQuickWindow>
+
+namespace {
+
+/// Of what was printed before the window opened.
+constexpr int mostLines = 1000;
+
+} // namespace
+
+/// In no namespace, because the macro declares what it calls.
+static void initializeResources()
+{
+    Q_INIT_RESOURCE(panel);
+}
+
+void Panel::prepare()
+{
+    // Fast enough for a panel, at once there, and independent of the machine's graphics.
+    QQuickWindow::setSceneGraphBackend(QSGRendererInterface::Software);
+}
+
+Panel::Panel(const Parts &handset, QObject *parent)
+    : QObject(parent)
+    , m_handset(handset)
+{
+    initializeResources();
+    connect(&handset.transcript, &Transcript::said, this, [this](const QString &line) {
+        if (m_lines.size() < mostLines)
+            m_lines.append(line);
+        Q_EMIT printed(line);
+    });
+    connect(&handset.transcript, &Transcript::commandBegun, this,
+            [this](const QString &line) { m_commands.append(line); });
+}
+
+void Panel::uiStarting()
+{
+    setUiEnd({});
+    // Queued: the call UI's process comes first.
+    QMetaObject::invokeMethod(this, &Panel::open, Qt::QueuedConnection);
+}
+
+QObject *Panel::alarms() const
+{
+    return m_handset.services.alarms().list();
+}
+
+QObject *Panel::notifications() const
+{
+    return m_handset.services.notifications().list();
+}
+
+QObject *Panel::sims() const
+{
+    return m_handset.services.sims().list();
+}
+
+QObject *Panel::dialRules() const
+{
+    return m_handset.services.rules().dialList();
+}
+
+QObject *Panel::incomingRules() const
+{
+    return m_handset.services.rules().incomingList();
+}
+
+QVariantList Panel::services() const
+{
+    QVariantList services;
+    for (const auto &process : m_handset.services.processes())
+        services.append(QVariant::fromValue<QObject *>(process.get()));
+    return services;
+}
+
+QObject *Panel::qmlErrors() const
+{
+    return &m_handset.qmlErrors;
+}
+
+QAbstractItemModel *Panel::journal() const
+{
+    return &m_handset.journal;
+}
+
+QQuickWindow *Panel::window() const
+{
+    const QList<QObject *> roots = m_engine.rootObjects();
+    return roots.isEmpty() ? nullptr : qobject_cast<QQuickWindow *>(roots.constFirst());
+}
+
+void Panel::run(const QStringList &words)
+{
+    m_handset.interpreter.enqueue(joinWords(words));
+}
+
+void Panel::type(const QString &line)
+{
+    m_handset.interpreter.enqueue(line);
+}
+
+QString Panel::printedSoFar() const
+{
+    return m_lines.join(QLatin1Char('\n'));
+}
+
+QString Panel::script() const
+{
+    return m_commands.join(QLatin1Char('\n')) + QLatin1Char('\n');
+}
+
+void Panel::copyScript() const
+{
+    QGuiApplication::clipboard()->setText(script());
+}
+
+void Panel::open()
+{
+    if (window())
+        return;
+    m_handset.services.follow();
+    m_engine.rootContext()->setContextProperty(QStringLiteral("panel"), this);
+    // The user's cache gets no files of it. The call UI, which inherits the variables, keeps its
+    // own.
+    const char *const noCache = "QML_DISABLE_DISK_CACHE";
+    const QByteArray before = qgetenv(noCache);
+    qputenv(noCache, "1");
+    m_engine.load(QStringLiteral("qrc:/panel/Panel.qml"));
+    if (before.isNull())
+        qunsetenv(noCache);
+    else
+        qputenv(noCache, before);
+}
+
+void Panel::setUiEnd(const QString &how)
+{
+    if (how == m_uiEnd)
+        return;
+    m_uiEnd = how;
+    Q_EMIT uiEndChanged();
+}
