@@ -168,31 +168,34 @@ def dial(table, programs, runs):
         ping, dialled = call_medians(handset, programs, runs, "Ping", "dial")
         process.end()
         table.add("dial, there and back", "µs", dialled, ping, 1.3)
-        table.add(
-            "dial, the call UI's part",
-            "k instructions",
-            count_calls(handset, programs, "dial") / 1e3,
-            count_calls(handset, programs, "Ping") / 1e3,
-        )
+        ping, dialled = count_calls(handset, programs, "Ping", "dial")
+        table.add("dial, the call UI's part", "k instructions", dialled / 1e3, ping / 1e3)
 
 
-def count_calls(handset, programs, method):
-    """Instructions of the call UI for one call, all threads: the mean of many, and the least of
-    several such means, since a thread that is woken once too often only adds to it."""
+def count_calls(handset, programs, *methods):
+    """Instructions of the call UI for one call of each method, all threads: the mean of many calls,
+    and the least of several such means, since a thread that is woken once too often only adds to
+    it. Returns a list."""
     output = programs.counts / "calls"
     process = handset.start(counting.under_callgrind(programs.native, output))
     process.wait_for("qml: drawn")
-    # The first calls settle what is done once. A showOngoing is a moment, and costs something.
-    call(handset, programs, 1, method)
-    for _ in range(2):
-        call(handset, programs, 1, "showOngoing", calls=1)
-    for _ in range(COUNTS):
+    for method in methods:
+        # The first calls settle what is done once. A showOngoing is a moment, and costs something.
         call(handset, programs, 1, method)
-        call(handset, programs, 1, "showOngoing", calls=1)
+        for _ in range(2):
+            call(handset, programs, 1, "showOngoing", calls=1)
+        for _ in range(COUNTS):
+            call(handset, programs, 1, method)
+            call(handset, programs, 1, "showOngoing", calls=1)
     process.end()
-    # The start has the moments 1 and 2.
-    least = min(counting.counted(output, part) for part in range(5, 5 + COUNTS))
-    return (least - counting.counted(output, 4)) / CALLS
+    counts = []
+    for i in range(len(methods)):
+        # The start has the moments 1 and 2, and each method has two before its counts.
+        before = 2 + i * (2 + COUNTS) + 2
+        moment = counting.counted(output, before)
+        least = min(counting.counted(output, before + 1 + j) for j in range(COUNTS))
+        counts.append((least - moment) / CALLS)
+    return counts
 
 
 def toggle_call(table, programs, runs):
