@@ -121,6 +121,7 @@ private Q_SLOTS:
 
 private:
     bool startUi();
+    void awaitItsFirstQuestions();
     bool startService(const QString &name);
     void endService(const QString &name, int signal);
     bool create(const QString &what = number, qlonglong seconds = due);
@@ -167,7 +168,24 @@ void TestReminderServices::cleanup()
 
 bool TestReminderServices::startUi()
 {
-    return m_ui->startScreens(QStringLiteral(PARLEY_REMINDER_SCREENS), {u"-prestart"_s});
+    if (!m_ui->startScreens(QStringLiteral(PARLEY_REMINDER_SCREENS), {u"-prestart"_s}))
+        return false;
+    if (m_services.count(timeDaemon) != 0 && m_services.count(notificationService) != 0)
+        awaitItsFirstQuestions();
+    return true;
+}
+
+/// There are three, and each is asked when the one before is answered. A reminder that is created
+/// meanwhile may be in the answers, and is then announced once more.
+void TestReminderServices::awaitItsFirstQuestions()
+{
+    const QString peer = u"org.freedesktop.DBus.Peer"_s;
+    for (int question = 0; question < 3; ++question) {
+        // The answer comes behind that to the process.
+        ask(*m_system, timed, timedPath, peer, u"Ping"_s);
+        ask(m_ui->session(), notifications, notificationsPath, peer, u"Ping"_s);
+        m_ui->evaluate(u"0"_s);
+    }
 }
 
 bool TestReminderServices::startService(const QString &name)

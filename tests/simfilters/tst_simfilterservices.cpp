@@ -8,12 +8,13 @@
 #include "scriptedservice.h"
 #include "telephonystack.h"
 #include "uiundertest.h"
+#include "waitfor.h"
 
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QDBusObjectPath>
-#include <QDBusPendingCall>
+#include <QDBusPendingCallWatcher>
 #include <QDBusVariant>
 #include <QElapsedTimer>
 #include <QJsonValue>
@@ -247,12 +248,13 @@ bool TestSimFilterServices::changeMany(int simChanges, int ruleChanges)
     };
     const int total = simChanges + ruleChanges;
     int refused = 0;
-    std::deque<QDBusPendingCall> underWay;
+    std::deque<std::unique_ptr<QDBusPendingCallWatcher>> underWay;
     for (int i = 0; i < total; ++i) {
-        underWay.push_back(m_system->asyncCall(change(i)));
+        underWay.push_back(
+            std::make_unique<QDBusPendingCallWatcher>(m_system->asyncCall(change(i))));
         while (underWay.size() >= 16 || (i + 1 == total && !underWay.empty())) {
-            const QDBusPendingCall &call = underWay.front();
-            if (!QTest::qWaitFor([&call] { return call.isFinished(); }, patience) || call.isError())
+            const QDBusPendingCallWatcher &call = *underWay.front();
+            if (!waitFor([&call] { return call.isFinished(); }, patience) || call.isError())
                 ++refused;
             underWay.pop_front();
         }

@@ -3,9 +3,11 @@
 
 #include "uiundertest.h"
 
+#include "callmeanwhile.h"
+#include "waitfor.h"
+
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
-#include <QDBusPendingCall>
 #include <QDBusReply>
 #include <QFile>
 #include <QJsonArray>
@@ -147,7 +149,7 @@ bool UiUnderTest::logs(const QString &line)
 QString UiUnderTest::lineBeginning(const QString &prefix)
 {
     QString found;
-    const bool seen = QTest::qWaitFor(
+    const bool seen = waitFor(
         [&] {
             for (int i = 0; i < m_log.size(); ++i) {
                 if (m_log.at(i).startsWith(prefix)) {
@@ -182,9 +184,7 @@ QDBusMessage UiUnderTest::call(const QString &method, const QVariantList &argume
         QDBusMessage::createMethodCall(service, QStringLiteral("/"), service, method);
     message.setArguments(arguments);
     // The log is read meanwhile: a process that cannot get rid of it does not answer.
-    const QDBusPendingCall call = m_session.asyncCall(message);
-    const bool answered = QTest::qWaitFor([&call] { return call.isFinished(); }, patience);
-    return answered ? call.reply() : QDBusMessage();
+    return callMeanwhile(m_session, message, patience);
 }
 
 int UiUnderTest::waitForEnd()

@@ -3,6 +3,7 @@
 
 #include "literals.h"
 #include "uiundertest.h"
+#include "waitfor.h"
 
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
@@ -45,7 +46,7 @@ Result run(const QString &program, const QStringList &arguments, const QString &
     process.setProcessChannelMode(QProcess::MergedChannels);
     process.start(program, arguments);
     // Not waitForFinished(): the UI's log is to be read meanwhile.
-    if (!QTest::qWaitFor([&process] { return process.state() == QProcess::NotRunning; }, 30000))
+    if (!waitFor([&process] { return process.state() == QProcess::NotRunning; }, 30000))
         return {};
     return {process.exitCode(), QString::fromUtf8(process.readAll()).trimmed()};
 }
