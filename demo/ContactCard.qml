@@ -111,6 +111,7 @@ BaseScreen {
             enabled: card.number !== ""
             icon: "bell"
             label: "Remind me"
+            objectName: "remind"
             onClicked: card.remindRequested(card.number)
         }
 

@@ -218,6 +218,7 @@ BaseScreen {
         enabled: pad.special !== null || pad.callable
         fill: pad.special !== null ? Style.raised : Style.green
         icon: pad.special !== null ? "page" : "call"
+        objectName: "call"
         size: 72
         onClicked: pad.call()
     }

@@ -72,6 +72,7 @@ BaseScreen {
         spacing: Style.px(8)
 
         delegate: ReplyRow {
+            objectName: "reply " + index
             reply: Words.clean(model.display)
             width: list.width - Style.px(4) // for what shows that the keyboard is there
             onEdited: {
@@ -147,6 +148,7 @@ BaseScreen {
             icon: "check"
             ink: Style.accent
             label: "Save"
+            objectName: "save"
             size: 60
             onClicked: {
                 screen.settle();

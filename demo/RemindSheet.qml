@@ -118,6 +118,7 @@ Item {
                     readonly property var choice: Words.reminderChoices[index]
 
                     detail: Qt.formatTime(choice.when(sheet.now), "hh:mm")
+                    objectName: choice.text
                     text: choice.text
                     visible: choice.offered(sheet.now)
                     width: content.width
