@@ -2,8 +2,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
 
 // Loaded into the built call UI with LD_PRELOAD: prints every step of its start-up and of its end
-// as it is taken, and takes it. The functions are caught under their linker names, each with the
-// registers that it may have arguments in; what a step is called with is printed where it matters.
+// as it is taken, and then takes it. No seam shows the order of these steps, because main() calls
+// Qt directly, and most of the steps have no effect that another process can see at once. Each
+// function is replaced under its linker name and takes the registers that may hold its arguments.
+// Arguments are printed where they matter.
 
 #include <QCoreApplication>
 #include <QFile>

@@ -56,8 +56,8 @@ int subscriptions = 0;
 using Connect = bool (*)(void *, const QString &, const QString &, const QString &, const QString &,
                          QObject *, const char *);
 
-// QDBusConnection::connect() without a signature, under its linker name: it cannot be made to fail
-// otherwise.
+// Replaces QDBusConnection::connect() under its linker name. No seam can do it: on a working
+// connection the function has no way to fail for one signal alone.
 // NOLINTNEXTLINE(bugprone-reserved-identifier)
 extern "C" bool _ZN15QDBusConnection7connectERK7QStringS2_S2_S2_P7QObjectPKc(
     void *self, const QString &service, const QString &path, const QString &connectedInterface,
