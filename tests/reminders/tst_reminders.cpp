@@ -23,6 +23,9 @@
 #include <QTest>
 #include <QTimeZone>
 
+#include <algorithm>
+#include <functional>
+#include <map>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -1505,129 +1508,136 @@ void TestReminders::clearTheNotificationThatWasClosed()
 
 void TestReminders::surviveTheirHandlers_data()
 {
+    QTest::addColumn<QString>("cause");
     QTest::addColumn<QString>("deed");
 
-    for (const char *deed :
-         {"remove this", "remove another", "clear the number", "set another number",
-          "clear the store", "destroy this", "destroy another", "destroy all", "destroy the store",
-          "create some", "create a reminder", "unbind another"})
-        QTest::newRow(deed) << QString::fromLatin1(deed);
+    for (const QString &cause :
+         {u"created"_s, u"gone"_s, u"removed"_s, u"bound"_s, u"matched"_s, u"detached"_s}) {
+        for (const QString &deed :
+             {u"remove this"_s, u"remove another"_s, u"clear the number"_s, u"set another number"_s,
+              u"clear the store"_s, u"destroy this"_s, u"destroy another"_s, u"destroy all"_s,
+              u"destroy the store"_s, u"create some"_s, u"create a reminder"_s,
+              u"unbind another"_s})
+            QTest::newRow(qUtf8Printable(u"%1: %2"_s.arg(cause, deed))) << cause << deed;
+    }
 }
 
 /// Three objects watch one number and one another. A handler of whatever the second reports does
 /// its deed, once; then everything that can be reported is.
 void TestReminders::surviveTheirHandlers()
 {
+    QFETCH(QString, cause);
     QFETCH(QString, deed);
 
-    for (const QString &cause :
-         {u"created"_s, u"gone"_s, u"removed"_s, u"bound"_s, u"matched"_s, u"detached"_s}) {
-        m_events.clear();
-        m_platform->nextNotificationId = 1;
-
-        if (cause == u"matched"_s) {
-            m_reminders = std::make_unique<Reminders>();
-        } else {
-            startEmpty();
-            createReminder(u"0"_s, 4);
-            if (cause != u"created"_s)
-                createReminder(u"1"_s, 5);
-        }
-        Reminder *other = watch(u"other"_s, u"0"_s);
-        Reminder *a = watch(u"a"_s, u"1"_s);
-        Reminder *b = watch(u"b"_s, cause == u"bound"_s ? u"2"_s : u"1"_s);
-        Reminder *c = watch(u"c"_s, u"1"_s);
-        const QPointer<Reminder> living(c);
-        takeEvents();
-
-        const auto destroy = [this](Reminder *reminder) {
-            for (auto &watching : m_watching) {
-                if (watching.get() == reminder) {
-                    reminder->disconnect(this);
-                    watching.reset();
-                }
-            }
-        };
-        bool done = false;
-        const auto act = [&] {
-            if (std::exchange(done, true))
-                return;
-            if (deed == u"remove this"_s)
-                b->remove();
-            else if (deed == u"remove another"_s)
-                other->remove();
-            else if (deed == u"clear the number"_s)
-                b->setPhoneNumber(QString());
-            else if (deed == u"set another number"_s)
-                b->setPhoneNumber(u"0"_s);
-            else if (deed == u"clear the store"_s)
-                b->setReminders(nullptr);
-            else if (deed == u"destroy this"_s
-                     && cause != u"detached"_s) // which destroys it already
-                destroy(b);
-            else if (deed == u"destroy another"_s)
-                destroy(c);
-            else if (deed == u"destroy all"_s && cause != u"detached"_s)
-                for (Reminder *reminder : {other, a, b, c})
-                    destroy(reminder);
-            else if (deed == u"destroy the store"_s)
-                m_reminders.reset();
-            else if (deed == u"create some"_s)
-                for (const QString &number : {u"1"_s, u"0"_s, u"7"_s, u"1"_s})
-                    watch(u"new"_s, number);
-            else if (deed == u"create a reminder"_s)
-                m_reminders->createWithStrings(u"1"_s, noon, u"app"_s, u"contact"_s, u"title"_s,
-                                               u"text"_s);
-            else if (deed == u"unbind another"_s)
-                c->setPhoneNumber(u"0"_s);
-        };
-        connect(b, &Reminder::whenChanged, this, act);
-        connect(b, &Reminder::existsChanged, this, act);
-
-        if (cause == u"created"_s) {
-            m_daemon->reply(create(u"1"_s), {5U});
-        } else if (cause == u"gone"_s) {
-            m_daemon->emitSignal(u"com.nimbo.timed"_s, u"alarm_triggers_changed"_s,
-                                 {QVariant::fromValue(Maemo::Timed::Event::Triggers())});
-        } else if (cause == u"removed"_s) {
-            a->remove();
-        } else if (cause == u"bound"_s) {
-            b->setPhoneNumber(u"1"_s);
-        } else if (cause == u"matched"_s) {
-            m_daemon->reply(m_daemon->next(u"query"_s), {QVariant(QVariantList{4U, 5U})});
-            m_daemon->reply(m_daemon->next(u"get_attributes_by_cookies"_s),
-                            {QVariant::fromValue(AttributesByCookie{{4, attributes(u"0"_s)},
-                                                                    {5, attributes(u"1"_s)}})});
-            m_notifications->reply(m_notifications->next(u"GetNotificationsByCategory"_s),
-                                   {QVariant::fromValue(QVector<NotificationData>{
-                                       notification(2, 5U), notification(1, 4U)})});
-        } else {
-            for (auto &watching : m_watching) {
-                if (watching.get() == b)
-                    watching.reset();
-            }
-        }
-        m_daemon->settle();
-        QVERIFY2(done, qUtf8Printable(cause));
-        if (cause != u"bound"_s && cause != u"detached"_s) {
-            // The third was still bound and was told, unless it was not, or nobody was left to tell
-            // it.
-            const bool told = !m_events.filter(QRegularExpression(u"^c "_s)).isEmpty();
-            const bool gone = deed == u"destroy another"_s || deed == u"destroy all"_s
-                || deed == u"destroy the store"_s;
-            QVERIFY2(told != gone, qUtf8Printable(cause));
-            QCOMPARE(living.isNull(), deed == u"destroy another"_s || deed == u"destroy all"_s);
-        }
-        if (deed == u"remove this"_s && !living.isNull() && cause != u"bound"_s
-            && cause != u"detached"_s)
-            QVERIFY2(!a->exists() && !b->exists() && !c->exists(), qUtf8Printable(cause));
-        m_watching.clear(); // whose handlers reach into this turn of the loop
-        m_reminders.reset();
-        m_daemon->settle();
-        m_notifications->settle();
-        m_daemon->forget();
-        m_notifications->forget();
+    if (cause == u"matched"_s) {
+        m_reminders = std::make_unique<Reminders>();
+    } else {
+        startEmpty();
+        createReminder(u"0"_s, 4);
+        if (cause != u"created"_s)
+            createReminder(u"1"_s, 5);
     }
+    Reminder *other = watch(u"other"_s, u"0"_s);
+    Reminder *a = watch(u"a"_s, u"1"_s);
+    Reminder *b = watch(u"b"_s, cause == u"bound"_s ? u"2"_s : u"1"_s);
+    Reminder *c = watch(u"c"_s, u"1"_s);
+    const QPointer<Reminder> living(c);
+    takeEvents();
+
+    const auto destroy = [this](Reminder *reminder) {
+        for (auto &watching : m_watching) {
+            if (watching.get() == reminder) {
+                reminder->disconnect(this);
+                watching.reset();
+            }
+        }
+    };
+    const bool isDestroyed = cause == u"detached"_s; // the second, by then
+    const std::map<QString, std::function<void()>> deeds{
+        {u"remove this"_s, [&] { b->remove(); }},
+        {u"remove another"_s, [&] { other->remove(); }},
+        {u"clear the number"_s, [&] { b->setPhoneNumber(QString()); }},
+        {u"set another number"_s, [&] { b->setPhoneNumber(u"0"_s); }},
+        {u"clear the store"_s, [&] { b->setReminders(nullptr); }},
+        {u"destroy this"_s,
+         [&] {
+             if (!isDestroyed)
+                 destroy(b);
+         }},
+        {u"destroy another"_s, [&] { destroy(c); }},
+        {u"destroy all"_s,
+         [&] {
+             if (isDestroyed)
+                 return;
+             for (Reminder *reminder : {other, a, b, c})
+                 destroy(reminder);
+         }},
+        {u"destroy the store"_s, [&] { m_reminders.reset(); }},
+        {u"create some"_s,
+         [&] {
+             for (const QString &number : {u"1"_s, u"0"_s, u"7"_s, u"1"_s})
+                 watch(u"new"_s, number);
+         }},
+        {u"create a reminder"_s,
+         [&] {
+             m_reminders->createWithStrings(u"1"_s, noon, u"app"_s, u"contact"_s, u"title"_s,
+                                            u"text"_s);
+         }},
+        {u"unbind another"_s, [&] { c->setPhoneNumber(u"0"_s); }},
+    };
+    bool done = false;
+    const auto act = [&] {
+        if (!std::exchange(done, true))
+            deeds.at(deed)();
+    };
+    connect(b, &Reminder::whenChanged, this, act);
+    connect(b, &Reminder::existsChanged, this, act);
+
+    const std::map<QString, std::function<void()>> causes{
+        {u"created"_s, [&] { m_daemon->reply(create(u"1"_s), {5U}); }},
+        {u"gone"_s,
+         [&] {
+             m_daemon->emitSignal(u"com.nimbo.timed"_s, u"alarm_triggers_changed"_s,
+                                  {QVariant::fromValue(Maemo::Timed::Event::Triggers())});
+         }},
+        {u"removed"_s, [&] { a->remove(); }},
+        {u"bound"_s, [&] { b->setPhoneNumber(u"1"_s); }},
+        {u"matched"_s,
+         [&] {
+             const AttributesByCookie alarms{{4, attributes(u"0"_s)}, {5, attributes(u"1"_s)}};
+             const QVector<NotificationData> shown{notification(2, 5U), notification(1, 4U)};
+             m_daemon->reply(m_daemon->next(u"query"_s), {QVariant(QVariantList{4U, 5U})});
+             m_daemon->reply(m_daemon->next(u"get_attributes_by_cookies"_s),
+                             {QVariant::fromValue(alarms)});
+             m_notifications->reply(m_notifications->next(u"GetNotificationsByCategory"_s),
+                                    {QVariant::fromValue(shown)});
+         }},
+        {u"detached"_s,
+         [&] {
+             const auto isSecond = [b](const auto &watching) { return watching.get() == b; };
+             std::find_if(m_watching.begin(), m_watching.end(), isSecond)->reset();
+         }},
+    };
+    causes.at(cause)();
+    m_daemon->settle();
+    QVERIFY(done);
+    if (cause != u"bound"_s && cause != u"detached"_s) {
+        // The third was told, unless it was destroyed or the store was.
+        const bool told = !m_events.filter(QRegularExpression(u"^c "_s)).isEmpty();
+        const bool gone = deed == u"destroy another"_s || deed == u"destroy all"_s
+            || deed == u"destroy the store"_s;
+        QVERIFY(told != gone);
+        QCOMPARE(living.isNull(), deed == u"destroy another"_s || deed == u"destroy all"_s);
+    }
+    if (deed == u"remove this"_s && !living.isNull() && cause != u"bound"_s
+        && cause != u"detached"_s)
+        QVERIFY(!a->exists() && !b->exists() && !c->exists());
+    m_watching.clear(); // whose handlers reach into this turn of the loop
+    m_reminders.reset();
+    m_daemon->settle();
+    m_notifications->settle();
+    m_daemon->forget();
+    m_notifications->forget();
 }
 
 QTEST_GUILESS_MAIN(TestReminders)
