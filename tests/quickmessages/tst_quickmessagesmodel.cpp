@@ -131,6 +131,8 @@ private Q_SLOTS:
     void followsAFileThatComesLate();
     void followsALink();
     void followsWhileInactive();
+    void followsAFileChosenWhileInactive();
+    void followsALateFileWhileInactive();
     void stopsFollowingAnotherFile();
     void doesNotFollowItself_data();
     void doesNotFollowItself();
@@ -1317,6 +1319,44 @@ void TestQuickMessagesModel::followsWhileInactive()
     lines += log();
     lines.removeAll(line);
     QCOMPARE(lines, QStringList());
+}
+
+void TestQuickMessagesModel::followsAFileChosenWhileInactive()
+{
+    const QString other = elsewhere(u"other.json"_s);
+    writeTo(other, R"(["a"])");
+    make();
+    m_model->setActive(false);
+    m_model->setFilePath(other);
+    const QString line =
+        u"debug: void QuickMessagesModel::load() inactive, can't load file \""_s + other + u'"';
+    QCOMPARE(log(), QStringList(line));
+    changeAndSettle(other, [&other] { writeTo(other, R"(["b"])"); });
+    QStringList lines = log();
+    QVERIFY(lines.removeAll(line) > 0);
+    QCOMPARE(lines, QStringList());
+    QCOMPARE(rows(), ids);
+}
+
+void TestQuickMessagesModel::followsALateFileWhileInactive()
+{
+    make();
+    m_model->setActive(false);
+    const QString folder = QFileInfo(m_file).path();
+    changeAndSettle(folder, [this] { write(R"(["a"])"); });
+    const QString line =
+        u"debug: void QuickMessagesModel::load() inactive, can't load file \""_s + m_file + u'"';
+    QStringList lines = log();
+    QVERIFY(lines.removeAll(line) > 0);
+    QCOMPARE(lines, QStringList());
+    // It is known and watched from then on.
+    changeAndSettle(folder, [&folder] { writeTo(folder + u"/other"_s, {}); });
+    QCOMPARE(log(), QStringList());
+    changeAndSettle(m_file, [this] { write(R"(["b"])"); });
+    lines = log();
+    QVERIFY(lines.removeAll(line) > 0);
+    QCOMPARE(lines, QStringList());
+    QCOMPARE(rows(), ids);
 }
 
 void TestQuickMessagesModel::stopsFollowingAnotherFile()
