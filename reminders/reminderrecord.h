@@ -26,6 +26,9 @@ struct PhoneNumberKeys
 /// What is known of the reminder for one phone number.
 struct ReminderRecord
 {
+    using Age = quint64;
+
+    Age age; ///< Greater than that of every record that was added before. Never changes.
     QString normalizedNumber;
     QString minimizedNumber;
     QDateTime when; ///< When the alarm is due; invalid while there was none.

@@ -53,7 +53,8 @@ PhoneNumberKeys PhoneNumberKeys::ofAlarm(const QString &number)
 
 ReminderStore::Records::iterator ReminderStore::findExact(const QString &normalizedNumber)
 {
-    return m_records.find(m_byNormalizedNumber.value(normalizedNumber));
+    const auto age = m_byNormalizedNumber.constFind(normalizedNumber);
+    return age == m_byNormalizedNumber.cend() ? m_records.end() : m_records.find(*age);
 }
 
 ReminderRecord *ReminderStore::find(const PhoneNumberKeys &keys)
@@ -79,11 +80,10 @@ ReminderRecord *ReminderStore::findByCookie(uint cookie)
 
 void ReminderStore::setCookie(ReminderRecord &record, uint cookie)
 {
-    const Age age = m_byNormalizedNumber.value(record.normalizedNumber);
-    removeFrom(m_byCookie, record.alarmCookie, age);
+    removeFrom(m_byCookie, record.alarmCookie, record.age);
     record.alarmCookie = cookie;
     if (cookie != 0)
-        m_byCookie[cookie].append(age);
+        m_byCookie[cookie].append(record.age);
 }
 
 ReminderRecord *ReminderStore::findByNotification(uint id)
@@ -161,8 +161,8 @@ void ReminderStore::unbindFromFirst(const Reminder *reminder)
 
 bool ReminderStore::isBound(const QString &normalizedNumber, const Reminder *reminder) const
 {
-    const auto record = m_records.find(m_byNormalizedNumber.value(normalizedNumber));
-    return record != m_records.cend() && lists(record->second, reminder);
+    const auto age = m_byNormalizedNumber.constFind(normalizedNumber);
+    return age != m_byNormalizedNumber.cend() && lists(m_records.at(*age), reminder);
 }
 
 ReminderStore::Records::iterator ReminderStore::append(const PhoneNumberKeys &keys)
@@ -170,7 +170,8 @@ ReminderStore::Records::iterator ReminderStore::append(const PhoneNumberKeys &ke
     const Age age = ++m_lastAge;
     m_byNormalizedNumber.insert(keys.normalized, age);
     m_byMinimizedNumber[keys.minimized].append(age);
-    return m_records.emplace(age, ReminderRecord{keys.normalized, keys.minimized, {}, {}}).first;
+    return m_records.emplace(age, ReminderRecord{age, keys.normalized, keys.minimized, {}, {}})
+        .first;
 }
 
 void ReminderStore::list(Records::iterator record, Reminder *reminder)
@@ -194,7 +195,7 @@ void ReminderStore::unlist(Records::iterator record, const Reminder *reminder)
 
 void ReminderStore::erase(const ReminderRecord *record)
 {
-    erase(findExact(record->normalizedNumber));
+    erase(m_records.find(record->age));
 }
 
 void ReminderStore::erase(Records::iterator record)

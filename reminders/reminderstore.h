@@ -59,7 +59,7 @@ public:
     void erase(const ReminderRecord *record);
 
 private:
-    using Age = quint64; ///< Ascends with each record that is added.
+    using Age = ReminderRecord::Age;
     using Records = std::map<Age, ReminderRecord>;
 
     Records::iterator findExact(const QString &normalizedNumber);
