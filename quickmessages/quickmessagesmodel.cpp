@@ -87,7 +87,7 @@ void QuickMessagesModel::watch(const QString &path)
     if (!directory.exists() && !QDir(homePath()).mkpath(directory.path())) {
         // Meant to be silent.
         m_hasError = true;
-        m_fileExists = false;
+        m_isFileKnown = false;
         return;
     }
     const QString directoryPath = directory.absolutePath();
@@ -96,7 +96,7 @@ void QuickMessagesModel::watch(const QString &path)
     if (file.exists())
         watchFile(path);
     else
-        m_fileExists = false;
+        m_isFileKnown = false;
 }
 
 /// Returns whether the file is watched, as one that may not be read cannot be. A file of the same
@@ -108,7 +108,7 @@ bool QuickMessagesModel::watchFile(const QString &path)
     m_watcher.removePath(file.filePath());
     const bool isReadable = file.isReadable();
     const bool isWatched = isReadable && m_watcher.addPath(file.filePath());
-    m_fileExists = isWatched || !isReadable;
+    m_isFileKnown = isWatched || !isReadable;
     return isWatched;
 }
 
@@ -126,7 +126,7 @@ void QuickMessagesModel::load()
     }
     // Not QFile's own exists(), for which a link to nowhere is a file.
     if (!QFileInfo::exists(m_filePath)) {
-        m_fileExists = false;
+        m_isFileKnown = false;
         show(m_defaultValue);
         return;
     }
@@ -253,14 +253,14 @@ void QuickMessagesModel::directoryChanged(const QString &path)
         return;
     }
     if (!file.exists()) {
-        m_fileExists = false;
+        m_isFileKnown = false;
         const QStringList files = m_watcher.files();
         if (!files.isEmpty())
             m_watcher.removePaths(files);
         return;
     }
     // One that is known and not watched could not be read: the rows stay until it can be.
-    const bool isKnown = m_fileExists;
+    const bool isKnown = m_isFileKnown;
     const bool isWatched =
         (m_watcher.files() + m_watcher.directories()).contains(file.absoluteFilePath());
     if (isKnown && isWatched)

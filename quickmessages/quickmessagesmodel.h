@@ -77,7 +77,9 @@ private:
 
     bool m_active = true;
     bool m_hasError = false;
-    bool m_fileExists = false; ///< It may still be one that cannot be watched or read.
+    /// Whether the file was there at the last look and is watched, or cannot be read. A change of
+    /// the directory makes the model read a file that is not known.
+    bool m_isFileKnown = false;
     QString m_filePath;
     QStringList m_defaultValue;
     QFileSystemWatcher m_watcher; ///< Of the file and its directory.
