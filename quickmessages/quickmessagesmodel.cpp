@@ -27,12 +27,20 @@ const QStringList defaultMessageIds{
     //% "I will call back"
     QString::fromLatin1(QT_TRID_NOOP("parley-me-will_call_back"))};
 
-/// More than any user writes.
+/// The model returns the memory of more rows than this, which no user writes.
 constexpr int manyRows = 10000;
 
 QString homePath()
 {
     return QStandardPaths::writableLocation(QStandardPaths::HomeLocation);
+}
+
+/// Returns free memory to the system: the C library would keep the memory of so many small texts.
+void returnFreedMemory()
+{
+#ifdef __GLIBC__
+    malloc_trim(0);
+#endif
 }
 
 } // namespace
@@ -152,13 +160,8 @@ void QuickMessagesModel::show(const QStringList &messages)
 {
     const bool hadMany = count() > manyRows;
     setStringList(messages);
-#ifdef __GLIBC__
-    // To free so many texts leaves their memory with the process.
     if (hadMany)
-        malloc_trim(0);
-#else
-    Q_UNUSED(hadMany)
-#endif
+        returnFreedMemory();
 }
 
 void QuickMessagesModel::save()
