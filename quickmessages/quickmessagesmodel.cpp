@@ -18,7 +18,7 @@
 
 namespace {
 
-/// The default messages, as they are stored. They are translated when they are shown.
+/// The default messages in their stored form. They are translated when they are shown.
 const QStringList defaultMessageIds{
     //% "Please call later"
     QString::fromLatin1(QT_TRID_NOOP("parley-me-please_call_later")),
@@ -93,13 +93,13 @@ void QuickMessagesModel::watch(const QString &path)
     const QFileInfo file(path);
     const QDir directory = file.dir();
     if (!directory.exists() && !QDir(homePath()).mkpath(directory.path())) {
-        // Meant to be silent.
+        // It is meant that no signal tells of this error.
         m_hasError = true;
         m_isFileKnown = false;
         return;
     }
     const QString directoryPath = directory.absolutePath();
-    if (QFileInfo(directoryPath).isReadable()) // or it cannot be watched
+    if (QFileInfo(directoryPath).isReadable()) // Another one cannot be watched.
         m_watcher.addPath(directoryPath);
     if (file.exists())
         watchFile(path);
@@ -107,9 +107,10 @@ void QuickMessagesModel::watch(const QString &path)
         m_isFileKnown = false;
 }
 
-/// Returns whether the file is watched, as one that may not be read cannot be. A file of the same
-/// name may have taken the place of the one that was watched. A file that cannot be watched for
-/// another reason counts as unknown, so that it is read again at every change of its folder.
+/// Watches the file that has the name now: another one may have taken the place of the one that was
+/// watched. Returns whether it is watched; a file that cannot be read cannot be. A file that cannot
+/// be watched for another reason counts as unknown, so that every change of its directory makes the
+/// model read it again.
 bool QuickMessagesModel::watchFile(const QString &path)
 {
     const QFileInfo file(QFileInfo(path).absoluteFilePath());
@@ -132,7 +133,7 @@ void QuickMessagesModel::load()
                  << "file path is empty, can't load file";
         return;
     }
-    // Not QFile's own exists(), for which a link to nowhere is a file.
+    // Not QFile::exists(), which takes a dangling link for a file.
     if (!QFileInfo::exists(m_filePath)) {
         m_isFileKnown = false;
         show(m_defaultValue);
@@ -140,14 +141,14 @@ void QuickMessagesModel::load()
     }
     const QString path = m_filePath;
     QFile file(path);
-    // Watch it before it is read, so that later writes are noticed.
+    // Watch the file before reading it, so that later writes are noticed.
     watchFile(path);
     const bool opened = openToRead(file);
     setHasError(!opened);
     // A handler may have chosen another file, whose messages are shown by now.
     if (path != m_filePath)
         return;
-    // Nor before that: a handler may have saved.
+    // Read only now: a handler may have saved.
     const QStringList messages =
         opened ? messagesFromJson(file.read(largestMessagesFile)) : QStringList();
     if (messages.isEmpty())
@@ -241,12 +242,12 @@ void QuickMessagesModel::append(const QString &string)
 
 void QuickMessagesModel::remove(int index)
 {
-    // Not left to removeRows(), which does not notice an index so high that the next one overflows.
+    // removeRows() alone does not notice an index so high that the next one overflows.
     if (index < count())
         removeRows(index, 1);
 }
 
-// "undexpected" in the warnings below is meant.
+// The spelling "undexpected" in the warnings below is meant.
 
 void QuickMessagesModel::directoryChanged(const QString &path)
 {
@@ -262,7 +263,7 @@ void QuickMessagesModel::directoryChanged(const QString &path)
             m_watcher.removePaths(files);
         return;
     }
-    // One that is known and not watched could not be read: the rows stay until it can be.
+    // A file that is known and not watched could not be read. The rows stay until it can be.
     const bool isKnown = m_isFileKnown;
     const bool isWatched =
         (m_watcher.files() + m_watcher.directories()).contains(file.absoluteFilePath());

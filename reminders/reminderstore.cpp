@@ -17,7 +17,8 @@ bool lists(const ReminderRecord &record, const Reminder *reminder)
         != record.reminders.cend();
 }
 
-/// Drops the entries of destroyed objects, and keeps one of them: the record still counts as used.
+/// Removes the entries of destroyed objects except for one, so that the record still counts as
+/// used.
 void dropDestroyed(QVector<QPointer<Reminder>> &reminders)
 {
     const auto isGone = [](const QPointer<Reminder> &listed) { return listed.isNull(); };
@@ -102,7 +103,8 @@ ReminderRecord *ReminderStore::findByReminder(const Reminder *reminder)
     return ages.isEmpty() ? nullptr : &m_records.at(ages.first());
 }
 
-/// Ascending, each once. Forgets those that listed another object at this address.
+/// Returns the ages in ascending order, each once. Removes those that are left from a destroyed
+/// object at the same address.
 QVector<ReminderStore::Age> ReminderStore::agesListing(const Reminder *reminder)
 {
     const auto entry = m_byReminder.find(reminder);
@@ -183,7 +185,7 @@ void ReminderStore::list(Records::iterator record, Reminder *reminder)
     m_byReminder[reminder].append(record->first);
 }
 
-/// Once, and the record goes if nobody uses it any more.
+/// Removes one entry of \a reminder, and then the record if nothing uses it any more.
 void ReminderStore::unlist(Records::iterator record, const Reminder *reminder)
 {
     auto &reminders = record->second.reminders;
