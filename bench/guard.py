@@ -1,7 +1,7 @@
 # SPDX-FileCopyrightText: 2026 The Parley developers
 # SPDX-License-Identifier: BSD-3-Clause
 
-"""Instruction counts that must not grow, against those of bench/recorded.json."""
+"""Compares instruction counts with those of bench/recorded.json. They must not grow."""
 
 import json
 import subprocess
@@ -14,7 +14,7 @@ from handset import Handset
 FILE = Path(__file__).resolve().parent / "recorded.json"
 GROWTH = 0.05
 YARDSTICK = "bare host"
-# What else the instructions are of.
+# These packages have the other code whose instructions are counted.
 PACKAGES = ["libc6", "libdbus-1-3", "libdconf1", "libglib2.0-0", "libqt5core5a", "libqt5qml5",
             "libqt5quick5", "valgrind"]
 
@@ -46,17 +46,17 @@ def record(programs):
 
 
 def check(programs):
-    """The exit status: 1 if something has grown."""
+    """Returns the exit status: 1 if a count has grown."""
     recorded = json.loads(FILE.read_text())
     counts, before = measured(programs), recorded["instructions"]
-    # More fonts, or another Qt, cost the bare host more as well.
+    # More fonts, or another Qt, make the bare host cost more as well.
     machine = counts.pop(YARDSTICK) / before[YARDSTICK]
-    print(f"The bare host's start: {machine - 1:+.1%} to the recorded one; starts are compared "
-          "with as much more or less.")
+    print(f"The start of the bare host costs {machine - 1:+.1%} compared with the recorded one. "
+          "The recorded starts are scaled by this.")
     for package, version in versions().items():
         if recorded["versions"].get(package) != version:
-            print(f"Recorded with {package} {recorded['versions'].get(package)}, and this is "
-                  f"{version}: what changes may be its doing.")
+            print(f"Recorded with {package} {recorded['versions'].get(package)}, measured with "
+                  f"{version}. This may cause differences.")
     failed = False
     for name, count in counts.items():
         expected = before[name] * (machine if name.startswith("start") else 1)
@@ -65,5 +65,5 @@ def check(programs):
         verdict = "GROWN" if change > GROWTH else "better" if change < -GROWTH else "as recorded"
         print(f"{name}: {count:,} instructions, {change:+.1%}: {verdict}")
     if failed:
-        print(f"More than {GROWTH:.0%} is too much. Where it is meant: bench/run --record")
+        print(f"A count may grow by {GROWTH:.0%}. If more is meant, run bench/run --record.")
     return int(failed)
