@@ -91,7 +91,7 @@ STEP(_ZN7QWindow15requestActivateEv, "requestActivate", {})
 STEP(_ZN7QWindow5raiseEv, "raise", {})
 STEP(_ZN15QGuiApplication4execEv, "exec", {})
 
-/// Its destructor is not called by name.
+/// Signals report the destruction, because the destructors are not called by their linker names.
 extern "C" Q_DECL_EXPORT Register _ZN10QQuickViewC1EP7QWindow(Register a, Register b, Register c,
                                                               Register d, Register e, Register f)
 {
@@ -114,7 +114,8 @@ extern "C" Q_DECL_EXPORT Register _ZN11QQmlPrivate11qmlregisterENS_16Registratio
     return next("_ZN11QQmlPrivate11qmlregisterENS_16RegistrationTypeEPv")(a, b, c, d, e, f);
 }
 
-/// sender, signal, receiver, slot, type; the result is returned through the first register.
+/// The arguments are sender, signal, receiver, slot and type. The first register has the address of
+/// the result.
 extern "C" Q_DECL_EXPORT Register _ZN7QObject7connectEPKS_PKcS1_S3_N2Qt14ConnectionTypeE(
     Register a, Register b, Register c, Register d, Register e, Register f)
 {
