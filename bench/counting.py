@@ -19,8 +19,14 @@ MOMENT = "QMessageLogger::info(char const*, ...) const"
 
 def under_callgrind(command, output):
     """Returns the command that counts the instructions of a command."""
-    return ["valgrind", "--quiet", "--tool=callgrind", f"--callgrind-out-file={output}",
-            f"--dump-before={MOMENT}", *command]
+    return [
+        "valgrind",
+        "--quiet",
+        "--tool=callgrind",
+        f"--callgrind-out-file={output}",
+        f"--dump-before={MOMENT}",
+        *command,
+    ]
 
 
 def counted(output, part):

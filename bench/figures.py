@@ -68,14 +68,21 @@ def start_instructions(table, programs):
     for services, goal in START_GOALS.items():
         with Handset(services, programs.handset) as handset:
             bare = count_start(handset, programs, programs.bare)
-            for name, command, its_goal in (("", programs.ours, goal),
-                                            (", every native type", programs.native, None)):
+            for name, command, its_goal in (
+                ("", programs.ours, goal),
+                (", every native type", programs.native, None),
+            ):
                 ours = count_start(handset, programs, command)
                 for moment, our, yard in zip(("completed", "first frame"), ours, bare):
                     apart = max(spread(our), spread(yard))
-                    table.add(f"start to {moment}, services {services}{name}", "M instructions",
-                              median(our) / 1e6, median(yard) / 1e6, its_goal,
-                              f"± {apart / 2:.2%}")
+                    table.add(
+                        f"start to {moment}, services {services}{name}",
+                        "M instructions",
+                        median(our) / 1e6,
+                        median(yard) / 1e6,
+                        its_goal,
+                        f"± {apart / 2:.2%}",
+                    )
 
 
 def start_times(table, programs, runs):
@@ -86,16 +93,24 @@ def start_times(table, programs, runs):
             for command in (programs.bare, programs.ours, programs.native):
                 run_until_drawn(handset, command)
             for _ in range(runs):
-                for name, command in (("bare", programs.bare), ("", programs.ours),
-                                      (", every native type", programs.native)):
-                    for moment, taken in zip(("completed", "first frame"),
-                                             run_until_drawn(handset, command)):
+                for name, command in (
+                    ("bare", programs.bare),
+                    ("", programs.ours),
+                    (", every native type", programs.native),
+                ):
+                    for moment, taken in zip(
+                        ("completed", "first frame"), run_until_drawn(handset, command)
+                    ):
                         times[name, moment].append(taken * 1e3)
             for name in ("", ", every native type"):
                 for moment in ("completed", "first frame"):
-                    table.add(f"start to {moment}, services {services}{name}", "ms",
-                              median(times[name, moment]), median(times["bare", moment]),
-                              None if name else goal)
+                    table.add(
+                        f"start to {moment}, services {services}{name}",
+                        "ms",
+                        median(times[name, moment]),
+                        median(times["bare", moment]),
+                        None if name else goal,
+                    )
 
 
 def memory_of(pid):
@@ -112,8 +127,11 @@ def memory(table, programs, runs):
     with Handset("present", programs.handset) as handset:
         sizes = collections.defaultdict(list)
         for _ in range(runs):
-            for name, command in (("bare", programs.bare), ("", programs.ours),
-                                  (", every native type", programs.native)):
+            for name, command in (
+                ("bare", programs.bare),
+                ("", programs.ours),
+                (", every native type", programs.native),
+            ):
                 process = handset.start(command)
                 process.wait_for("qml: drawn")
                 for figure, size in zip(("peak memory", "unique memory"), memory_of(process.pid)):
@@ -121,8 +139,13 @@ def memory(table, programs, runs):
                 process.end()
         for name in ("", ", every native type"):
             for figure, goal in (("peak memory", 1.15), ("unique memory", None)):
-                table.add(figure + name, "KiB", median(sizes[name, figure]),
-                          median(sizes["bare", figure]), None if name else goal)
+                table.add(
+                    figure + name,
+                    "KiB",
+                    median(sizes[name, figure]),
+                    median(sizes["bare", figure]),
+                    None if name else goal,
+                )
 
 
 def call(handset, programs, runs, *methods, calls=CALLS, options=(), prefix=()):
@@ -145,9 +168,12 @@ def dial(table, programs, runs):
         ping, dialled = call_medians(handset, programs, runs, "Ping", "dial")
         process.end()
         table.add("dial, there and back", "µs", dialled, ping, 1.3)
-        table.add("dial, the call UI's part", "k instructions",
-                  count_calls(handset, programs, "dial") / 1e3,
-                  count_calls(handset, programs, "Ping") / 1e3)
+        table.add(
+            "dial, the call UI's part",
+            "k instructions",
+            count_calls(handset, programs, "dial") / 1e3,
+            count_calls(handset, programs, "Ping") / 1e3,
+        )
 
 
 def count_calls(handset, programs, method):
@@ -174,13 +200,25 @@ def toggle_call(table, programs, runs):
     with Handset("present", programs.handset) as handset:
         process = handset.start(programs.native)
         process.wait_for("qml: drawn")
-        toggle_as(table, handset, programs, runs, "by the owner of com.nimbo.canopy",
-                  options=["--own", "com.nimbo.canopy"])
+        toggle_as(
+            table,
+            handset,
+            programs,
+            runs,
+            "by the owner of com.nimbo.canopy",
+            options=["--own", "com.nimbo.canopy"],
+        )
         if os.geteuid() == 0:
             toggle_as(table, handset, programs, runs, "by root")
-            toggle_as(table, handset, programs, runs, "refused", options=["--refused"],
-                      prefix=["setpriv", "--reuid", "nobody", "--regid", "nogroup",
-                              "--clear-groups"])
+            toggle_as(
+                table,
+                handset,
+                programs,
+                runs,
+                "refused",
+                options=["--refused"],
+                prefix=["setpriv", "--reuid", "nobody", "--regid", "nogroup", "--clear-groups"],
+            )
         else:
             print("Not root: toggleCall is measured for the owner of com.nimbo.canopy alone.")
         process.end()
@@ -199,9 +237,11 @@ def count_questions(handset, action):
     """Returns how often the action makes the session bus be asked for a connection's process."""
     log = handset.folder / "monitor"
     with log.open("w") as output:
-        monitor = subprocess.Popen(["dbus-monitor", "--address", handset.session,
-                                    "type='method_call'"],
-                                   stdout=output, stderr=subprocess.DEVNULL)
+        monitor = subprocess.Popen(
+            ["dbus-monitor", "--address", handset.session, "type='method_call'"],
+            stdout=output,
+            stderr=subprocess.DEVNULL,
+        )
     try:
         see(handset, log, "Begin")
         action()
@@ -218,9 +258,16 @@ def see(handset, log, member):
     while f"member={member}\n" not in log.read_text(errors="replace"):
         if time.monotonic() > deadline:
             raise Failure("dbus-monitor sees nothing")
-        handset.run(["dbus-send", "--type=method_call", f"--bus={handset.session}",
-                     "--dest=org.freedesktop.DBus", "/",
-                     f"com.nimbo.bench.{member}"])
+        handset.run(
+            [
+                "dbus-send",
+                "--type=method_call",
+                f"--bus={handset.session}",
+                "--dest=org.freedesktop.DBus",
+                "/",
+                f"com.nimbo.bench.{member}",
+            ]
+        )
         time.sleep(0.05)
 
 
@@ -256,8 +303,13 @@ def idle(table, programs):
             woken = sum(after[one][0] - before.get(one, (0,))[0] for one in after)
             table.add(f"{seconds:g} s of idling", "wake-ups", woken, goal=0)
         timers = sum(not waits_for_ever(syscall) for _, syscall in after.values())
-        table.add("idling threads that wait for a time", "threads", timers, goal=0,
-                  note=f"of {len(after)}")
+        table.add(
+            "idling threads that wait for a time",
+            "threads",
+            timers,
+            goal=0,
+            note=f"of {len(after)}",
+        )
         process.end()
 
 
@@ -284,8 +336,12 @@ def growth(table, benchmarks):
         for column, name in enumerate(title):
             if name == "ratio":
                 exponent = math.log10(last[column]) / decades
-                table.add(f"{benchmark.name}: {title[column - 1]}, {last[0]:,.0f} {title[0]}",
-                          "", last[column - 1], note=f"exponent {exponent:.2f}")
+                table.add(
+                    f"{benchmark.name}: {title[column - 1]}, {last[0]:,.0f} {title[0]}",
+                    "",
+                    last[column - 1],
+                    note=f"exponent {exponent:.2f}",
+                )
 
 
 def parse_growth(printed):
@@ -293,8 +349,11 @@ def parse_growth(printed):
     lines = [line for line in printed.splitlines() if line.strip()]
     title = next(line for line in lines if "ratio" in line.split())
     names = re.split(r"\s{2,}", re.sub(r"\bratio\b", "  ratio  ", title).strip())
-    rows = [[float(value) for value in line.split()] for line in lines
-            if re.fullmatch(r"[\d\s.]+", line)]
+    rows = [
+        [float(value) for value in line.split()]
+        for line in lines
+        if re.fullmatch(r"[\d\s.]+", line)
+    ]
     return names, [row for row in rows if len(row) == len(names)]
 
 
@@ -308,10 +367,16 @@ def profile(programs):
                 counts.append(counting.by_library(programs.counts / "start", 1))
         ours, bare = counts
         more = {one: ours[one] - bare[one] for one in ours.keys() | bare.keys()}
-        print(f"\n| to completed, services {services}: thousand instructions in "
-              "| ours | bare host | more |\n| --- | --- | --- | --- |")
+        print(
+            f"\n| to completed, services {services}: thousand instructions in "
+            "| ours | bare host | more |\n| --- | --- | --- | --- |"
+        )
         for library in sorted(more, key=lambda one: -abs(more[one]))[:14]:
-            print(f"| {library} | {ours[library] / 1e3:,.0f} | {bare[library] / 1e3:,.0f} "
-                  f"| {more[library] / 1e3:+,.0f} |")
-        print(f"| all | {sum(ours.values()) / 1e3:,.0f} | {sum(bare.values()) / 1e3:,.0f} "
-              f"| {sum(more.values()) / 1e3:+,.0f} |")
+            print(
+                f"| {library} | {ours[library] / 1e3:,.0f} | {bare[library] / 1e3:,.0f} "
+                f"| {more[library] / 1e3:+,.0f} |"
+            )
+        print(
+            f"| all | {sum(ours.values()) / 1e3:,.0f} | {sum(bare.values()) / 1e3:,.0f} "
+            f"| {sum(more.values()) / 1e3:+,.0f} |"
+        )

@@ -15,8 +15,16 @@ FILE = Path(__file__).resolve().parent / "recorded.json"
 GROWTH = 0.05
 YARDSTICK = "bare host"
 # These packages have the other code whose instructions are counted.
-PACKAGES = ["libc6", "libdbus-1-3", "libdconf1", "libglib2.0-0", "libqt5core5a", "libqt5qml5",
-            "libqt5quick5", "valgrind"]
+PACKAGES = [
+    "libc6",
+    "libdbus-1-3",
+    "libdconf1",
+    "libglib2.0-0",
+    "libqt5core5a",
+    "libqt5qml5",
+    "libqt5quick5",
+    "valgrind",
+]
 
 
 def measured(programs):
@@ -33,8 +41,12 @@ def measured(programs):
 
 
 def versions():
-    shown = subprocess.run(["dpkg-query", "-W", "-f", "${Package} ${Version}\n", *PACKAGES],
-                           capture_output=True, text=True, check=False).stdout
+    shown = subprocess.run(
+        ["dpkg-query", "-W", "-f", "${Package} ${Version}\n", *PACKAGES],
+        capture_output=True,
+        text=True,
+        check=False,
+    ).stdout
     return dict(line.split() for line in shown.splitlines())
 
 
@@ -51,12 +63,16 @@ def check(programs):
     counts, before = measured(programs), recorded["instructions"]
     # More fonts, or another Qt, make the bare host cost more as well.
     machine = counts.pop(YARDSTICK) / before[YARDSTICK]
-    print(f"The start of the bare host costs {machine - 1:+.1%} compared with the recorded one. "
-          "The recorded starts are scaled by this.")
+    print(
+        f"The start of the bare host costs {machine - 1:+.1%} compared with the recorded one. "
+        "The recorded starts are scaled by this."
+    )
     for package, version in versions().items():
         if recorded["versions"].get(package) != version:
-            print(f"Recorded with {package} {recorded['versions'].get(package)}, measured with "
-                  f"{version}. This may cause differences.")
+            print(
+                f"Recorded with {package} {recorded['versions'].get(package)}, measured with "
+                f"{version}. This may cause differences."
+            )
     failed = False
     for name, count in counts.items():
         expected = before[name] * (machine if name.startswith("start") else 1)

@@ -53,7 +53,8 @@ class Process:
         self._unseen = queue.Queue()
         self._started = time.monotonic()
         self._process = subprocess.Popen(
-            command, env=environment, stdin=subprocess.DEVNULL, stderr=subprocess.PIPE)
+            command, env=environment, stdin=subprocess.DEVNULL, stderr=subprocess.PIPE
+        )
         self.pid = self._process.pid
         self._reader = threading.Thread(target=self._read)
         self._reader.start()
@@ -148,8 +149,15 @@ class Handset:
 
     def run(self, command):
         """Runs a program to its end. Returns what it has printed."""
-        done = subprocess.run(command, env=self.environment(), stdin=subprocess.DEVNULL,
-                              capture_output=True, text=True, timeout=PATIENCE, check=False)
+        done = subprocess.run(
+            command,
+            env=self.environment(),
+            stdin=subprocess.DEVNULL,
+            capture_output=True,
+            text=True,
+            timeout=PATIENCE,
+            check=False,
+        )
         if done.returncode != 0:
             raise Failure(f"{command} has failed:\n{done.stderr}")
         return done.stdout
@@ -171,21 +179,34 @@ class Handset:
         configuration = self.folder / f"{name}.conf"
         configuration.write_text(BUS.format(self.folder / name))
         daemon = subprocess.Popen(
-            ["dbus-daemon", "--nofork", "--nosyslog", "--print-address=1",
-             f"--config-file={configuration}"],
-            stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+            [
+                "dbus-daemon",
+                "--nofork",
+                "--nosyslog",
+                "--print-address=1",
+                f"--config-file={configuration}",
+            ],
+            stdin=subprocess.DEVNULL,
+            stdout=subprocess.PIPE,
+            stderr=subprocess.DEVNULL,
+        )
         self._processes.append(daemon)
         if not daemon.stdout.readline():
-            raise Failure("dbus-daemon did not start with this configuration:\n"
-                          + configuration.read_text())
+            raise Failure(
+                "dbus-daemon did not start with this configuration:\n" + configuration.read_text()
+            )
 
     def _start_services(self):
-        buses = {False: dbus.bus.BusConnection(self.session),
-                 True: dbus.bus.BusConnection(self.system)}
+        buses = {
+            False: dbus.bus.BusConnection(self.session),
+            True: dbus.bus.BusConnection(self.system),
+        }
         for service in SERVICES:
             self._services[service] = subprocess.Popen(
                 [self._handset_program, "--service", service, "--state", str(self.folder)],
-                env=self.environment(), stdin=subprocess.DEVNULL)
+                env=self.environment(),
+                stdin=subprocess.DEVNULL,
+            )
             self._processes.append(self._services[service])
         for name, on_system_bus in SERVICES.values():
             deadline = time.monotonic() + PATIENCE

@@ -33,8 +33,10 @@ OTHER_SIM = "262012222222222"
 CONTROLS = {
     "telephony": ("/", "com.nimbo.simulator.Telephony"),
     "time-daemon": ("/com/nimbo/timed", "com.nimbo.simulator.TimeDaemon"),
-    "notification-service": ("/org/freedesktop/Notifications",
-                             "com.nimbo.simulator.NotificationService"),
+    "notification-service": (
+        "/org/freedesktop/Notifications",
+        "com.nimbo.simulator.NotificationService",
+    ),
 }
 
 
@@ -73,7 +75,8 @@ class Controls:
         """Requests several reminders at once, each for another number, without waiting."""
         urls = [f"+4930{number}" for number in itertools.islice(self._numbers, REMINDERS)]
         self._interface(self._session, "com.nimbo.parley.ui", "/", "com.nimbo.parley.ui").openUrl(
-            dbus.Array(urls, "s"), ignore_reply=True)
+            dbus.Array(urls, "s"), ignore_reply=True
+        )
         self._session.flush()
 
     def swap_sim(self):
@@ -115,8 +118,13 @@ def start(table, programs, runs):
             order.rotate()
     for hang in [*ALL_THREE, *HANGS]:
         for name in screens:
-            table.add(f"start to first frame, hung: {hang}{name}", "ms",
-                      median(times[hang, name]), median(times[WELL, name]), START_GOAL)
+            table.add(
+                f"start to first frame, hung: {hang}{name}",
+                "ms",
+                median(times[hang, name]),
+                median(times[WELL, name]),
+                START_GOAL,
+            )
 
 
 def dial(table, programs, runs):
@@ -127,25 +135,33 @@ def dial(table, programs, runs):
         for hang, services in {WELL: [], **HANGS}.items():
             waits[hang].append(longest_wait(programs, services))
     for hang in HANGS:
-        table.add(f"dial's longest wait, hung: {hang}", "ms",
-                  median(waits[hang]), median(waits[WELL]), DIAL_GOAL,
-                  f"of all rounds {number(max(waits[hang]))}, yardstick "
-                  f"{number(max(waits[WELL]))}",
-                  absolute=True)
+        table.add(
+            f"dial's longest wait, hung: {hang}",
+            "ms",
+            median(waits[hang]),
+            median(waits[WELL]),
+            DIAL_GOAL,
+            f"of all rounds {number(max(waits[hang]))}, yardstick " f"{number(max(waits[WELL]))}",
+            absolute=True,
+        )
 
 
 def longest_wait(programs, services):
     """Returns the longest wait for a dial in milliseconds. The dials follow one another without a
     pause while these services hang and reminders, SIMs and rules change."""
-    with (Handset("present", programs.handset) as handset, Controls(handset) as controls,
-          concurrent.futures.ThreadPoolExecutor() as threads):
+    with (
+        Handset("present", programs.handset) as handset,
+        Controls(handset) as controls,
+        concurrent.futures.ThreadPoolExecutor() as threads,
+    ):
         process = handset.start(programs.reminding)
         process.wait_for("qml: ready")
         # A telephony service that hangs from now on owes answers.
         controls.swap_sim()
         with handset.hung(services):
-            caller = threads.submit(call, handset, programs, 1, "dial", calls=WINDOW * 1000,
-                                    options=["--longest"])
+            caller = threads.submit(
+                call, handset, programs, 1, "dial", calls=WINDOW * 1000, options=["--longest"]
+            )
             process.wait_for("qml: dialled")
             while not caller.done():
                 controls.make_reminders()

@@ -16,10 +16,19 @@ class Table:
         """Adds a row. The note is shown in the last column."""
         ratio = ours / yardstick if yardstick else None
         compared = ours if absolute or ratio is None else ratio
-        self._rows.append({
-            "figure": figure, "unit": unit, "ours": ours, "yardstick": yardstick, "ratio": ratio,
-            "goal": goal, "absolute": absolute,
-            "met": None if goal is None else compared <= goal, "note": note})
+        self._rows.append(
+            {
+                "figure": figure,
+                "unit": unit,
+                "ours": ours,
+                "yardstick": yardstick,
+                "ratio": ratio,
+                "goal": goal,
+                "absolute": absolute,
+                "met": None if goal is None else compared <= goal,
+                "note": note,
+            }
+        )
 
     def rows(self):
         """Returns the rows as dictionaries, for JSON."""
@@ -29,15 +38,27 @@ class Table:
         return all(row["met"] is not False for row in self._rows)
 
     def text(self):
-        lines = ["| figure | unit | ours | yardstick | ratio | goal | |",
-                 "| --- | --- | --- | --- | --- | --- | --- |"]
+        lines = [
+            "| figure | unit | ours | yardstick | ratio | goal | |",
+            "| --- | --- | --- | --- | --- | --- | --- |",
+        ]
         for row in self._rows:
             said = {True: "met", False: "MISSED", None: ""}[row["met"]]
-            lines.append("| " + " | ".join([
-                row["figure"], row["unit"], number(row["ours"]), number(row["yardstick"]),
-                "" if row["ratio"] is None else f"{row['ratio']:.3f}",
-                shown_goal(row),
-                " ".join(filter(None, [said, row["note"]]))]) + " |")
+            lines.append(
+                "| "
+                + " | ".join(
+                    [
+                        row["figure"],
+                        row["unit"],
+                        number(row["ours"]),
+                        number(row["yardstick"]),
+                        "" if row["ratio"] is None else f"{row['ratio']:.3f}",
+                        shown_goal(row),
+                        " ".join(filter(None, [said, row["note"]])),
+                    ]
+                )
+                + " |"
+            )
         return "\n".join(lines)
 
 
