@@ -31,8 +31,8 @@ public:
     explicit Reminders(QObject *parent = nullptr);
 
     /// Reminds the user at \a when to call \a phoneNumber: adds an alarm named \a contactName, or
-    /// replaces the alarm of the number, and then shows a notification with \a applicationName, \a
-    /// title and \a description. Returns at once. Logs a warning if the reminder cannot be made.
+    /// replaces the alarm of the number, and then shows a notification with \a applicationName,
+    /// \a title and \a description. Returns at once. Logs a warning if the reminder cannot be made.
     Q_INVOKABLE void createWithStrings(const QString &phoneNumber, const QDateTime &when,
                                        const QString &applicationName, const QString &contactName,
                                        const QString &title, const QString &description);

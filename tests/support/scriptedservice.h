@@ -23,8 +23,7 @@ class ScriptedService : public QObject
     Q_OBJECT
 
 public:
-    /// Connects to the bus at \a address, with the name \a service and all objects at and below \a
-    /// path.
+    /// Connects to the bus at \a address, as \a service with all objects at and below \a path.
     ScriptedService(const QString &address, const QString &service, const QString &path);
     ~ScriptedService() override;
 
