@@ -5,14 +5,15 @@
 
 #include <QStringList>
 
-/// What the process was told when it was started. Arguments are compared whole and in their case;
-/// those that are not named here are left to Qt and the launcher.
+/// The command line of the process. Each argument is compared as a whole, and case matters. All
+/// other arguments are left to Qt and the launcher.
 struct CommandLine
 {
-    /// \a arguments as QCoreApplication::arguments() has them, the program's name first.
+    /// Reads \a arguments, which are those of QCoreApplication::arguments(): the program's name
+    /// comes first.
     explicit CommandLine(const QStringList &arguments);
 
     bool devel; ///< "-devel": the process ends when its last window is closed.
     bool prestart; ///< "-prestart": started in advance; the window stays hidden until QML shows it.
-    QString qmlFile; ///< "-qml PATH", the first of them; without a path, the installed screens.
+    QString qmlFile; ///< The path after the first "-qml"; without one, the installed screens.
 };

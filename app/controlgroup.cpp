@@ -12,6 +12,6 @@ void joinControlGroup(QFile &tasks)
         qWarning().noquote() << "Could not open" << tasks.fileName() << "for disabling caching";
         return;
     }
-    tasks.write("0"); // the writer itself
+    tasks.write("0"); // "0" stands for the process that writes it.
     tasks.close();
 }

@@ -5,6 +5,6 @@
 
 class QFile;
 
-/// Moves this process into the control group whose task file \a tasks is, and leaves the file
-/// closed. Logs a warning where it cannot be opened, as on every machine that is not a handset.
+/// Moves this process into the control group that has the task file \a tasks, and leaves the file
+/// closed. Logs a warning if the file cannot be opened, as on every machine that is not a handset.
 void joinControlGroup(QFile &tasks);

@@ -44,7 +44,7 @@ void HeapTrim::look()
     m_later.start();
 }
 
-/// Requests that still wait are served first: their memory is in use.
+/// Serves the requests that still wait first: their memory is in use.
 void HeapTrim::actAfterWaitingRequests()
 {
     m_isDue = true;
@@ -61,7 +61,8 @@ void HeapTrim::customEvent(QEvent *)
     m_pagesBefore = residentPages();
 }
 
-/// The second number of the file. It is read at each turn of the event loop, so it has to be cheap.
+/// Reads the second number of the file. This happens at each turn of the event loop, so it has to
+/// be cheap.
 qint64 HeapTrim::residentPages() const
 {
     std::array<char, 128> text{};

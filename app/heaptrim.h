@@ -9,13 +9,13 @@
 
 class QQmlEngine;
 
-/// Returns memory to the system that was taken for requests and is no longer in use. Others may
-/// send any number of requests, and large ones. The engine keeps their texts until it looks for
-/// garbage, and the C library keeps free memory that lies below memory in use.
+/// Returns memory to the system that was taken for requests and is no longer in use. Other
+/// processes may send any number of requests, and large ones. The engine keeps their texts until it
+/// collects garbage, and the C library keeps free memory that lies below memory in use.
 ///
-/// It looks at the size of the process whenever the event loop is about to wait, and acts when that
-/// has grown by 32 MiB, and once more five seconds later: a request that was being read meanwhile
-/// is no longer in use by then. Use it in the thread that runs the event loop.
+/// The object looks at the size of the process whenever the event loop is about to wait. It acts
+/// when the size has grown by 32 MiB, and once more five seconds later: a request that was being
+/// read meanwhile is no longer in use by then. Create it in the thread that runs the event loop.
 class HeapTrim : public QObject
 {
     Q_OBJECT
@@ -36,8 +36,8 @@ private:
 
     QQmlEngine &m_engine;
     QFile m_size;
-    qint64 m_pagesBefore =
-        0; ///< The least since memory was last returned; 0 before the first look.
+    /// The smallest size since memory was last returned; 0 before the first look.
+    qint64 m_pagesBefore = 0;
     bool m_isDue = false;
     QTimer m_later;
 };

@@ -20,7 +20,7 @@
 
 #include <memory>
 
-// The order is what the handset relies on, and what is made last goes first.
+// The handset relies on the order of these steps. Objects are destroyed in the reverse order.
 Q_DECL_EXPORT int main(int argc, char *argv[])
 {
     QFile noSwapping(QStringLiteral("/sys/fs/cgroup/memory/noswapping/tasks"));
@@ -54,7 +54,7 @@ Q_DECL_EXPORT int main(int argc, char *argv[])
     const SpecialSequences specials = readSpecialSequences(supportedSpecials);
     fillRootContext(*view, specials, commandLine.prestart);
 
-    // By name, because it is QWindow's slot. Qt.quit() from QML only closes the window.
+    // Connect by name: the slot belongs to QWindow. Qt.quit() in QML only closes the window.
     QObject::connect(view->engine(), SIGNAL(quit()), view.get(), SLOT(close()));
     view->setSource(QUrl::fromLocalFile(commandLine.qmlFile));
     if (!commandLine.prestart) {

@@ -14,6 +14,6 @@ void fillRootContext(QQuickView &view, const SpecialSequences &specials, bool pr
     context->setContextProperty(QStringLiteral("__specials"), specials);
     context->setContextProperty(QStringLiteral("__window"), &view);
     context->setContextProperty(QStringLiteral("__prestart"), prestart);
-    // Nobody owns it: it serves the screens until the process ends.
+    // The helper has no owner: it serves the screens until the process ends.
     context->setContextProperty(QStringLiteral("simFiltersHelper"), new SimFiltersHelper(nullptr));
 }

@@ -7,7 +7,7 @@
 
 class QQuickView;
 
-/// Sets the properties that the QML finds in its root context: "__specials" (\a specials, copied),
-/// "__window" (\a view itself), "__prestart" and "simFiltersHelper" (a SimFiltersHelper that is
-/// made here and lives as long as the process). They are never set again.
+/// Sets the properties of the root context in which the QML is evaluated: "__specials" (a copy of
+/// \a specials), "__window" (\a view itself), "__prestart" and "simFiltersHelper" (a
+/// SimFiltersHelper that is created here and lives as long as the process). They never change.
 void fillRootContext(QQuickView &view, const SpecialSequences &specials, bool prestart);

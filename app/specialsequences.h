@@ -9,11 +9,11 @@
 
 class MGConfItem;
 
-/// What dialling a special sequence does: the sequence ("*#06#") with a QJsonObject that has the
-/// string members "service" and "url", each only where it is set.
+/// Maps each special sequence ("*#06#") to what dialling it does: a QJsonObject with the string
+/// members "service" and "url", each of them only if it is set.
 using SpecialSequences = QMap<QString, QVariant>;
 
 /// Reads the sequences whose names \a supported lists, each from its keys below
-/// "/desktop/nimbo/specials/NAME". Of two names with one sequence the later wins; a name without a
-/// sequence stands under the empty one.
+/// "/desktop/nimbo/specials/NAME". If two names have the same sequence, the later one wins. A name
+/// without a sequence is listed under the empty sequence.
 SpecialSequences readSpecialSequences(const MGConfItem &supported);

@@ -18,7 +18,7 @@ QString catalogueFolder()
 
 void installEngineeringEnglish(QTranslator &translator)
 {
-    // Delimiters that are empty, not null: nothing is cut off the name in search of a file.
+    // The delimiters are empty, not null: Qt then does not shorten the name in search of a file.
     translator.load(QStringLiteral("parley_eng_en"), catalogueFolder(), QStringLiteral(""));
     QCoreApplication::installTranslator(&translator);
 }

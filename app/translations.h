@@ -5,12 +5,12 @@
 
 class QTranslator;
 
-/// Both load a catalogue from "/usr/share/translations" into \a translator and install it, which
-/// must live until the program ends. A catalogue that is not there is not an error: Qt asks the
-/// translator installed last first, then the one before it, and falls back to the text's id.
+// These functions load a catalogue from "/usr/share/translations" into a translator and install the
+// translator, which must live until the program ends. A missing catalogue is not an error: Qt asks
+// the translator that was installed last, then the one before it, and falls back to the text's id.
 
-/// "parley_eng_en": engineering English, which has every text.
+/// Installs "parley_eng_en", the engineering English, which has every text.
 void installEngineeringEnglish(QTranslator &translator);
 
-/// "parley-" and the user's language.
+/// Installs the catalogue for the user's language; its name is "parley-" and the language.
 void installUserLanguage(QTranslator &translator);

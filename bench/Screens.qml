@@ -4,9 +4,8 @@
 import QtQuick 2.15
 import QtQuick.Window 2.15
 
-// A dial pad, to start with: nothing but Qt Quick, so that any host can show it. It tells when it
-// has been loaded and when it has been drawn. bench/run waits for these lines, and callgrind writes
-// down what it has counted whenever something is told.
+// A dial pad that uses only Qt Quick, so that any host can show it. It logs when it is loaded and
+// when it is drawn. bench/run waits for these lines, and callgrind writes its counts at each.
 Rectangle {
     id: screens
 

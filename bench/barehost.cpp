@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Parley developers
 // SPDX-License-Identifier: BSD-3-Clause
 
-// The least that a process can do that shows a QML file: what the call UI is measured against.
+// Does the least that a process needs to show a QML file. The call UI is compared with it.
 
 #include <QGuiApplication>
 #include <QQuickView>

@@ -1,11 +1,11 @@
 # SPDX-FileCopyrightText: 2026 The Parley developers
 # SPDX-License-Identifier: BSD-3-Clause
 
-"""Instructions, counted by callgrind: those of all threads, between two moments.
+"""Counts the instructions of all threads between two moments, with callgrind.
 
-A moment is one at which the screens tell something: QML's console.info() is the one caller of
-QMessageLogger::info(), and whenever that is entered callgrind writes what it has counted since the
-moment before into a file of its own.
+A moment is a line that the screens log: QML's console.info() is the only caller of
+QMessageLogger::info(), and callgrind writes what it has counted since the last moment into a file
+whenever that function is entered.
 """
 
 import collections
@@ -18,7 +18,7 @@ MOMENT = "QMessageLogger::info(char const*, ...) const"
 
 
 def under_callgrind(command, output):
-    """The command that counts another."""
+    """Returns the command that counts the instructions of a command."""
     return [
         "valgrind",
         "--quiet",
@@ -30,7 +30,7 @@ def under_callgrind(command, output):
 
 
 def counted(output, part):
-    """The instructions before the moment number part, from 1, since the one before it."""
+    """Returns the instructions between a moment, numbered from 1, and the moment before it."""
     file = Path(f"{output}.{part}")
     found = re.search(r"^summary: (\d+)$", file.read_text(errors="replace"), re.MULTILINE)
     if not found:
@@ -39,7 +39,7 @@ def counted(output, part):
 
 
 def by_library(output, part):
-    """The same, as a Counter by the name of the library whose code it was."""
+    """Returns the same as a Counter by the name of the library that has the code."""
     names = {}
     counts = collections.Counter()
     library = None
@@ -52,7 +52,7 @@ def by_library(output, part):
                 if not named[1]:
                     library = named[2]
             elif line.startswith("calls="):
-                is_call = True  # the next line's cost is that of the called function
+                is_call = True  # The next line has the cost of the called function.
             elif re.match(r"[0-9+*-]", line):
                 if not is_call:
                     counts[library] += int(line.split()[1])

@@ -1,7 +1,7 @@
 # SPDX-FileCopyrightText: 2026 The Parley developers
 # SPDX-License-Identifier: BSD-3-Clause
 
-"""What is measured, and how. Each figure goes into a table as docs/performance.md describes it."""
+"""Measures the figures that docs/performance.md describes, and adds them to a table."""
 
 import collections
 import math
@@ -16,12 +16,12 @@ import counting
 from handset import PATIENCE, Failure, Handset
 
 START_GOALS = {"present": 1.25, "absent": 1.15, "no bus": 1.15}
-CALLS = 100  # of one method, one after the other
-COUNTS = 5  # of the same instructions
+CALLS = 100  # The number of calls of one method in a row.
+COUNTS = 5  # How often the same instructions are counted.
 
 
 class Programs:
-    """The commands to be measured, in a build's folder; counts is for what callgrind writes."""
+    """The commands to be measured, in the folder of a build. Callgrind writes to counts."""
 
     def __init__(self, folder, qml_folder, counts):
         self.folder = folder
@@ -37,7 +37,7 @@ class Programs:
 
 
 def run_until_drawn(handset, command):
-    """Seconds until the screens are loaded, and until they are drawn."""
+    """Returns the seconds until the screens are loaded, and until they are drawn."""
     process = handset.start(command)
     try:
         return process.wait_for("qml: completed"), process.wait_for("qml: drawn")
@@ -46,8 +46,8 @@ def run_until_drawn(handset, command):
 
 
 def count_start(handset, programs, command, times=COUNTS):
-    """Instructions until the screens are loaded and until they are drawn: lists of so many counts.
-    The caches in the home are filled first."""
+    """Returns the instructions until the screens are loaded and until they are drawn, each as a
+    list of counts. Fills the caches in the home first."""
     run_until_drawn(handset, command)
     output = programs.counts / "start"
     completed, drawn = [], []
@@ -59,12 +59,12 @@ def count_start(handset, programs, command, times=COUNTS):
 
 
 def spread(counts):
-    """How far apart they are, of their median."""
+    """Returns the range of the counts as a part of their median."""
     return (max(counts) - min(counts)) / median(counts)
 
 
 def start_instructions(table, programs):
-    """Instructions of all threads."""
+    """Counts the instructions of all threads."""
     for services, goal in START_GOALS.items():
         with Handset(services, programs.handset) as handset:
             bare = count_start(handset, programs, programs.bare)
@@ -86,7 +86,7 @@ def start_instructions(table, programs):
 
 
 def start_times(table, programs, runs):
-    """Wall time, ours and the bare host's in turn."""
+    """Measures wall time, of the call UI and of the bare host in turn."""
     for services, goal in START_GOALS.items():
         with Handset(services, programs.handset) as handset:
             times = collections.defaultdict(list)
@@ -114,7 +114,7 @@ def start_times(table, programs, runs):
 
 
 def memory_of(pid):
-    """The peak of resident memory, and what no other process shares, in KiB."""
+    """Returns the peak of resident memory, and the memory that is not shared, in KiB."""
     status = Path(f"/proc/{pid}/status").read_text()
     rollup = Path(f"/proc/{pid}/smaps_rollup").read_text()
     peak = int(re.search(r"^VmHWM:\s+(\d+)", status, re.MULTILINE)[1])
@@ -123,7 +123,7 @@ def memory_of(pid):
 
 
 def memory(table, programs, runs):
-    """After the first frame."""
+    """Measures the memory after the first frame."""
     with Handset("present", programs.handset) as handset:
         sizes = collections.defaultdict(list)
         for _ in range(runs):
@@ -149,18 +149,18 @@ def memory(table, programs, runs):
 
 
 def call(handset, programs, runs, *methods, calls=CALLS, options=(), prefix=()):
-    """Microseconds for each round and method."""
+    """Returns the microseconds for each round and method."""
     printed = handset.run([*prefix, programs.roundtrips, *options, str(runs), str(calls), *methods])
     return [[float(time) for time in line.split()] for line in printed.splitlines()]
 
 
 def call_medians(*arguments, **options):
-    """For each method, over the rounds."""
+    """Returns the median over the rounds for each method."""
     return [median(times) for times in zip(*call(*arguments, **options))]
 
 
 def dial(table, programs, runs):
-    """From another process into a QML handler and back, and the instructions of that."""
+    """Measures a call from another process to a QML handler and back, and its instructions."""
     with Handset("present", programs.handset) as handset:
         process = handset.start(programs.native)
         process.wait_for("qml: drawn")
@@ -199,7 +199,7 @@ def count_calls(handset, programs, *methods):
 
 
 def toggle_call(table, programs, runs):
-    """For each answer: its time, and how often the call UI has asked the bus."""
+    """Measures the time of each answer, and how often the call UI asks the bus for it."""
     with Handset("present", programs.handset) as handset:
         process = handset.start(programs.native)
         process.wait_for("qml: drawn")
@@ -237,7 +237,7 @@ def toggle_as(table, handset, programs, runs, outcome, options=(), prefix=()):
 
 
 def count_questions(handset, action):
-    """How often the session bus is asked for the process of a connection meanwhile."""
+    """Returns how often the action makes the session bus be asked for a connection's process."""
     log = handset.folder / "monitor"
     with log.open("w") as output:
         monitor = subprocess.Popen(
@@ -256,7 +256,7 @@ def count_questions(handset, action):
 
 
 def see(handset, log, member):
-    """Returns when the monitor has seen that, and so whatever came to the bus before it."""
+    """Returns when the monitor has seen the member, and thus all messages before it."""
     deadline = time.monotonic() + PATIENCE
     while f"member={member}\n" not in log.read_text(errors="replace"):
         if time.monotonic() > deadline:
@@ -275,7 +275,7 @@ def see(handset, log, member):
 
 
 def threads(pid):
-    """How often each thread has been given the processor, and the system call that it is in."""
+    """Returns how often each thread was given the processor, and its current system call."""
     found = {}
     for thread in Path(f"/proc/{pid}/task").iterdir():
         status = (thread / "status").read_text()
@@ -285,7 +285,7 @@ def threads(pid):
 
 
 def waits_for_ever(syscall):
-    """Whether that is a poll() or ppoll() without an end, or a futex() without one."""
+    """Returns whether the call is a poll(), ppoll() or futex() without a time-out."""
     number, *arguments = syscall
     if number == "7":
         return int(arguments[2], 16) & 0xFFFFFFFF == 0xFFFFFFFF
@@ -293,8 +293,8 @@ def waits_for_ever(syscall):
 
 
 def idle(table, programs):
-    """A thread that is not given the processor makes no system call: it neither wakes up nor
-    reads, writes or sends anything."""
+    """Counts wake-ups. A thread that is not given the processor makes no system call: it does not
+    read, write or send anything."""
     with Handset("present", programs.handset) as handset:
         process = handset.start(programs.native)
         process.wait_for("qml: drawn")
@@ -317,7 +317,7 @@ def idle(table, programs):
 
 
 def settle(pid):
-    """What comes after the first frame has been done when nothing has happened for a second."""
+    """Waits until no thread has run for a second: the work after the first frame is done then."""
     deadline = time.monotonic() + PATIENCE
     before = None
     while (now := threads(pid)) != before:
@@ -328,7 +328,7 @@ def settle(pid):
 
 
 def growth(table, benchmarks):
-    """The last figure of each column, and the exponent over the last decade of sizes."""
+    """Adds the last figure of each column, and the exponent over the last decade of sizes."""
     for benchmark in benchmarks:
         print(f"\n{benchmark.name}\n", flush=True)
         printed = subprocess.run([benchmark], check=True, capture_output=True, text=True).stdout
@@ -348,7 +348,7 @@ def growth(table, benchmarks):
 
 
 def parse_growth(printed):
-    """The titles and the last two or more rows, in which each column has a number."""
+    """Returns the titles, and the rows in which each column has a number."""
     lines = [line for line in printed.splitlines() if line.strip()]
     title = next(line for line in lines if "ratio" in line.split())
     names = re.split(r"\s{2,}", re.sub(r"\bratio\b", "  ratio  ", title).strip())
@@ -361,7 +361,7 @@ def parse_growth(printed):
 
 
 def profile(programs):
-    """Prints the start's instructions for each library, with those beyond the bare host's."""
+    """Prints the instructions of the start for each library, ours and the bare host's."""
     for services in START_GOALS:
         with Handset(services, programs.handset) as handset:
             counts = []

@@ -17,7 +17,7 @@ namespace {
 
 constexpr int runs = 5;
 
-/// Of several processes; none if one of them fails.
+/// Returns the medians of several processes; nothing if one of them fails.
 std::vector<double> medianFigures(const QStringList &arguments, int count)
 {
     std::vector<std::vector<double>> figures(static_cast<std::size_t>(count));

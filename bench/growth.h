@@ -7,29 +7,29 @@
 
 #include <vector>
 
-/// Milliseconds of CPU that the calling thread has had.
+/// Returns the CPU time of the calling thread, in milliseconds.
 double threadTime();
 
-/// The peak of this process' resident memory so far, in KiB.
+/// Returns the peak of the resident memory of this process so far, in KiB.
 double peakMemory();
 
 double median(std::vector<double> values);
 
-/// How what a benchmark measures grows with a size. Every figure is from processes of their own:
-/// the benchmark itself with the size and further arguments, which prints the figures in a line.
+/// How the figures of a benchmark grow with a size. Each figure comes from processes of its own:
+/// they run the benchmark with the size and further arguments, and print their figures in one line.
 struct Growth
 {
     struct Process
     {
-        QStringList arguments; ///< Behind the size.
-        QStringList figures; ///< Their names, with the unit.
+        QStringList arguments; ///< The arguments after the size.
+        QStringList figures; ///< The names of the figures, with their units.
     };
 
-    const char *things; ///< Of which the size is the number.
+    const char *things; ///< The things whose number is the size.
     std::vector<int> sizes;
     std::vector<Process> processes;
 };
 
-/// Prints a table of medians, each with its ratio to that of the size before. The benchmark's exit
-/// status: it fails if one of the processes does.
+/// Prints a table of medians, each with its ratio to the median for the size before. Returns the
+/// exit status of the benchmark: it fails if one of the processes fails.
 int printGrowth(const Growth &growth);

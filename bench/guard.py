@@ -1,7 +1,7 @@
 # SPDX-FileCopyrightText: 2026 The Parley developers
 # SPDX-License-Identifier: BSD-3-Clause
 
-"""Instruction counts that must not grow, against those of bench/recorded.json."""
+"""Compares instruction counts with those of bench/recorded.json. They must not grow."""
 
 import json
 import subprocess
@@ -14,13 +14,13 @@ from handset import Handset
 FILE = Path(__file__).resolve().parent / "recorded.json"
 GROWTH = 0.05
 PING = "one Ping"
-# What is compared, and its yardstick, which other fonts and another Qt cost more or less as well.
+# Each count is compared in relation to its yardstick, which other fonts or another Qt change as well.
 YARDSTICKS = {
     "start to first frame, services present": "bare host",
     "start to first frame, services absent": "bare host",
     "one dial": PING,
 }
-# What else the instructions are of.
+# These packages have the other code whose instructions are counted.
 PACKAGES = [
     "libc6",
     "libdbus-1-3",
@@ -49,7 +49,7 @@ def measured(programs):
 
 
 def versions():
-    """Those of the packages that are installed: another Debian has other names for some."""
+    """Returns the versions of the packages that are installed. Other Debians have other names."""
     shown = subprocess.run(
         ["dpkg-query", "-W", "-f", "${Package} ${Version}\n", *PACKAGES],
         capture_output=True,
@@ -68,15 +68,15 @@ def record(programs):
 
 
 def check(programs):
-    """The exit status: 1 if something has grown."""
+    """Returns the exit status: 1 if a count has grown."""
     recorded = json.loads(FILE.read_text())
     counts, before = measured(programs), recorded["instructions"]
     here = versions()
     for package, version in recorded["versions"].items():
         if here.get(package) != version:
             print(
-                f"Recorded with {package} {version}, and this is "
-                f"{here.get(package, 'without it')}: what changes may be its doing."
+                f"Recorded with {package} {version}, measured with "
+                f"{here.get(package, 'none')}. This may cause differences."
             )
     failed = False
     for name, yardstick in YARDSTICKS.items():
@@ -91,5 +91,5 @@ def check(programs):
             f"{machine - 1:+.1%} of the {yardstick}: {verdict}"
         )
     if failed:
-        print(f"More than {GROWTH:.0%} is too much. Where it is meant: bench/run --record")
+        print(f"A count may grow by {GROWTH:.0%}. If more is meant, run bench/run --record.")
     return int(failed)

@@ -1,7 +1,7 @@
 # SPDX-FileCopyrightText: 2026 The Parley developers
 # SPDX-License-Identifier: BSD-3-Clause
 
-"""A handset for a program to be measured in: a home, two buses, and services on them or not."""
+"""A handset in which programs are measured: a home, two buses, and the services if wanted."""
 
 import contextlib
 import os
@@ -16,7 +16,7 @@ from pathlib import Path
 import dbus
 import dbus.bus
 
-PATIENCE = 120  # seconds; for what takes a moment, on a slow machine and under valgrind too
+PATIENCE = 120  # Seconds. This is enough on a slow machine and under valgrind, too.
 SIM = "262011111111111"
 # The services, their names, and whether they are on the system bus.
 SERVICES = {
@@ -42,11 +42,11 @@ BUS = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-BUS Bus Configuration
 
 
 class Failure(Exception):
-    """What keeps a figure from being measured; its text is for the user."""
+    """A reason why a figure cannot be measured. Its text is shown to the user."""
 
 
 class Process:
-    """A program whose log is read all the time, each line with the time at which it came."""
+    """A program whose log is read all the time. Each line is stored with the time when it came."""
 
     def __init__(self, command, environment):
         self._seen = []
@@ -60,7 +60,7 @@ class Process:
         self._reader.start()
 
     def wait_for(self, line):
-        """Seconds from the start to the next such line of the log."""
+        """Waits for the next such line of the log. Returns the seconds from the start to it."""
         try:
             while (entry := self._unseen.get(timeout=PATIENCE)) is not None:
                 when, text = entry
@@ -73,7 +73,7 @@ class Process:
         raise Failure(f'{self._process.args} did not say "{line}", but:\n{log}')
 
     def end(self):
-        """Ends it, if it has not ended, and waits for that."""
+        """Ends the program if it still runs, and waits for its end."""
         self._process.terminate()
         self._process.wait()
         self._reader.join()
@@ -86,9 +86,9 @@ class Process:
 
 
 class Handset:
-    """Ends with all of its processes when it is left.
+    """A context manager that ends all processes of the handset on exit.
 
-    services: "present" and with a SIM and rules for it, "absent", or "no bus" at all.
+    services: "present", with a SIM and rules for it, "absent", or "no bus".
     """
 
     def __init__(self, services, handset_program=None):
@@ -99,7 +99,7 @@ class Handset:
         self._programs = []
 
     def __enter__(self):
-        # A socket's path is short, and a folder that another user has to reach is open.
+        # The path of a socket has to be short, and other users have to reach the folder.
         self._temporary = tempfile.TemporaryDirectory(prefix="bench-")
         self.folder = Path(self._temporary.name)
         self.folder.chmod(0o711)
@@ -127,7 +127,7 @@ class Handset:
         self._temporary.cleanup()
 
     def environment(self):
-        """What a program gets, and nothing else, for its instructions to be the same each time."""
+        """Returns the whole environment of a program, for the same instructions each time."""
         return {
             "PATH": os.environ["PATH"],
             "LC_ALL": "C.UTF-8",
@@ -143,12 +143,12 @@ class Handset:
         }
 
     def start(self, command):
-        """Starts a program whose log is read. It ends with the handset, if not before."""
+        """Starts a program whose log is read. The handset ends it at the latest."""
         self._programs.append(Process(command, self.environment()))
         return self._programs[-1]
 
     def run(self, command):
-        """Runs a program to its end; what it has printed."""
+        """Runs a program to its end. Returns what it has printed."""
         done = subprocess.run(
             command,
             env=self.environment(),
@@ -164,7 +164,7 @@ class Handset:
 
     @contextlib.contextmanager
     def hung(self, services):
-        """These services are stopped meanwhile. They get what they were sent when they go on."""
+        """Stops these services within the context. They get their messages when they go on."""
         processes = [self._services[one] for one in services]
         try:
             for process in processes:

@@ -1,7 +1,7 @@
 # SPDX-FileCopyrightText: 2026 The Parley developers
 # SPDX-License-Identifier: BSD-3-Clause
 
-"""What services cost that hang: how long the call UI takes to start, and to answer, meanwhile."""
+"""Measures how long the call UI takes to start and to answer while services hang."""
 
 import collections
 import concurrent.futures
@@ -23,13 +23,13 @@ HANGS = {
 }
 ALL_THREE = {"all three": [service for services in HANGS.values() for service in services]}
 START_GOAL = 1.1
-DIAL_GOAL = 50  # ms
+DIAL_GOAL = 50  # Milliseconds.
 # The call UI goes on to the next reminder when the notification service has been silent for 5 s.
-WINDOW = 7  # seconds
-PAUSE = 0.5  # seconds from one load to the next
-REMINDERS = 5  # in each load
+WINDOW = 7  # Seconds.
+PAUSE = 0.5  # Seconds from one load to the next.
+REMINDERS = 5  # The number in each load.
 OTHER_SIM = "262012222222222"
-# The objects that say and change what the services have.
+# The objects that show and change the state of the services.
 CONTROLS = {
     "telephony": ("/", "com.nimbo.simulator.Telephony"),
     "time-daemon": ("/com/nimbo/timed", "com.nimbo.simulator.TimeDaemon"),
@@ -41,8 +41,8 @@ CONTROLS = {
 
 
 class Controls:
-    """What a handset does with its services, and with its call UI, beside the calls that are
-    measured. Closes its connections when it is left."""
+    """What a handset does with its services and its call UI apart from the measured calls. A
+    context manager that closes its connections on exit."""
 
     def __init__(self, handset):
         self._session = dbus.bus.BusConnection(handset.session)
@@ -62,17 +62,17 @@ class Controls:
         self._system.close()
 
     def await_answers(self):
-        """Returns when services that hung have done what they were asked meanwhile."""
+        """Returns when services that hung have answered all calls from that time."""
         self._control("telephony").ListSims()
         self._control("notification-service").List()
         self.alarms()
 
     def alarms(self):
-        """How many the time daemon has."""
+        """Returns the number of alarms that the time daemon has."""
         return len(self._control("time-daemon").List())
 
     def make_reminders(self):
-        """Asks for several at once, each for a number of its own, and waits for none of them."""
+        """Requests several reminders at once, each for another number, without waiting."""
         urls = [f"+4930{number}" for number in itertools.islice(self._numbers, REMINDERS)]
         self._interface(self._session, "com.nimbo.parley.ui", "/", "com.nimbo.parley.ui").openUrl(
             dbus.Array(urls, "s"), ignore_reply=True
@@ -80,7 +80,7 @@ class Controls:
         self._session.flush()
 
     def swap_sim(self):
-        """For another one with other rules."""
+        """Replaces the SIM by another one with other rules."""
         telephony = self._control("telephony")
         sim, action = next(self._sims), dbus.UInt32(next(self._actions))
         telephony.RemoveSim(self._modem)
@@ -100,7 +100,7 @@ class Controls:
 
 
 def start(table, programs, runs):
-    """Wall time, with services that hang and with all of them well in turn."""
+    """Measures wall time, with services that hang and with none in turn."""
     screens = {"": programs.ours, ", every native type": programs.native}
     order = collections.deque({WELL: [], **ALL_THREE, **HANGS}.items())
     times = collections.defaultdict(list)
@@ -114,7 +114,7 @@ def start(table, programs, runs):
                         _, drawn = run_until_drawn(handset, command)
                         times[hang, name].append(drawn * 1e3)
                 controls.await_answers()
-            # Each has every place in turn: the first of a run may be slower.
+            # Rotate the order, because the first start of a run may be slower.
             order.rotate()
     for hang in [*ALL_THREE, *HANGS]:
         for name in screens:
@@ -128,8 +128,8 @@ def start(table, programs, runs):
 
 
 def dial(table, programs, runs):
-    """The longest wait of a round, with a service that hangs and with all of them well in turn. A
-    round takes seconds, so there is one for three runs."""
+    """Measures the longest wait of a round, with a service that hangs and with none in turn. A
+    round takes seconds, so there is only one for three runs."""
     waits = collections.defaultdict(list)
     for _ in range(max(1, runs // 3)):
         for hang, services in {WELL: [], **HANGS}.items():
@@ -147,8 +147,8 @@ def dial(table, programs, runs):
 
 
 def longest_wait(programs, services):
-    """Milliseconds, of the dials that are made without a break while these services hang and
-    reminders, SIMs and rules come and go."""
+    """Returns the longest wait for a dial in milliseconds. The dials follow one another without a
+    pause while these services hang and reminders, SIMs and rules change."""
     with (
         Handset("present", programs.handset) as handset,
         Controls(handset) as controls,
@@ -156,7 +156,7 @@ def longest_wait(programs, services):
     ):
         process = handset.start(programs.reminding)
         process.wait_for("qml: ready")
-        # A telephony that hangs now owes answers.
+        # A telephony service that hangs from now on owes answers.
         controls.swap_sim()
         with handset.hung(services):
             caller = threads.submit(

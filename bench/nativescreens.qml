@@ -4,7 +4,7 @@
 import QtQuick 2.15
 import com.nimbo.parley 1.0
 
-// The same screens with one of each native type, as call screens have them.
+// The same screens with one object of each native type, as call screens have them.
 Screens {
     id: screens
 

@@ -1,11 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Parley developers
 // SPDX-License-Identifier: BSD-3-Clause
 
-// What quick messages cost the UI thread, for 10 to 100,000 of them: reading their file, and
-// writing it. Prints CPU time of that thread, each figure's ratio to the one of a tenth of the
+// Measures what 10 to 100,000 quick messages cost the UI thread: to read their file, and to write
+// it. Prints the CPU time of that thread, the ratio of each figure to the one for a tenth of the
 // messages, and the peak memory of the process.
 //
-// Every figure is from a process of its own, in a home of its own.
+// Each figure comes from a process of its own, with a home of its own.
 
 #include "growth.h"
 #include "quickmessagesmodel.h"

@@ -1,11 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The Parley developers
 // SPDX-License-Identifier: BSD-3-Clause
 
-// What call reminders cost the UI thread, for 10 to 10,000 numbers: reading them back at start, and
-// binding a Reminder to each. Prints CPU time of that thread, each figure's ratio to the one of a
-// tenth of the numbers, and the peak memory of the process.
+// Measures what call reminders for 10 to 10,000 numbers cost the UI thread: to read them back at
+// the start, and to bind a Reminder to each. Prints the CPU time of that thread, the ratio of each
+// figure to the one for a tenth of the numbers, and the peak memory of the process.
 //
-// Every figure is from a process of its own, on a private bus; the services are a thread of it.
+// Each figure comes from a process of its own, on a private bus. The services run in a thread of
+// it.
 
 #include "reminders.h"
 
@@ -40,7 +41,7 @@ QString numberOf(int i)
     return QStringLiteral("+4930%1").arg(i, 7, 10, QLatin1Char('0'));
 }
 
-/// Both services, with an alarm and a notification for each of so many numbers.
+/// Both services, with an alarm and a notification for each number.
 class Services : public QDBusVirtualObject
 {
     Q_OBJECT

@@ -5,9 +5,9 @@ import QtQuick 2.15
 import QtQuick.Window 2.15
 import com.nimbo.parley 1.0
 
-// Call screens that make a reminder for each number that they are asked to open, and show what the
-// handset does meanwhile. They tell when they are drawn and know the SIMs' rules, and of the first
-// call.
+// Call screens that make a reminder for each number that they are asked to open, and show the state
+// of the handset. They log when they are drawn and know the rules of the SIMs, and when the first
+// call comes.
 Screens {
     id: screens
 

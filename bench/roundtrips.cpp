@@ -1,16 +1,17 @@
 // SPDX-FileCopyrightText: 2026 The Parley developers
 // SPDX-License-Identifier: BSD-3-Clause
 
-// How long the call UI takes to answer another process on the session bus: roundtrips [OPTION ...]
-// ROUNDS CALLS METHOD ... makes so many blocking calls of each method in turn, so often, and prints
-// a line of medians for each round, in microseconds. "Ping" is org.freedesktop.DBus.Peer's, which
-// is answered without any code of the call UI; the others are those of com.nimbo.parley.ui.
+// roundtrips [OPTION ...] ROUNDS CALLS METHOD ...
 //
-// --longest    CALLS is how many milliseconds a method is called for in each round, and the line
-//              has the longest time that any of these calls has taken
-// --own NAME   takes that name first
-// --refused    toggleCall has to be refused, not answered
-// --self       answers as well: the calls of a process to itself
+// Measures how long the call UI takes to answer another process on the session bus. In each round
+// it makes a number of blocking calls of each method in turn, and prints a line with the medians,
+// in microseconds. "Ping" is the method of org.freedesktop.DBus.Peer, which is answered without any
+// code of the call UI. The other methods are those of com.nimbo.parley.ui.
+//
+// --longest    call each method for CALLS milliseconds, and print the longest time instead
+// --own NAME   own that bus name
+// --refused    expect that toggleCall is refused
+// --self       serve the calls as well, to measure the calls of a process to itself
 
 #include "parleyuiadaptor.h"
 
@@ -30,7 +31,7 @@
 
 namespace {
 
-constexpr int patience = 120'000; ///< In milliseconds: a call UI may hang for a while.
+constexpr int patience = 120'000; ///< In milliseconds. A call UI may hang for a while.
 
 struct Task
 {
@@ -38,7 +39,7 @@ struct Task
     bool refused = false;
     bool longest = false;
     int rounds = 0;
-    int calls = 0; ///< Or milliseconds, for the longest.
+    int calls = 0; ///< Milliseconds if the longest time is measured.
     QStringList methods;
 };
 
@@ -63,7 +64,7 @@ bool isExpected(const Task &task, const QString &method, const QDBusMessage &ans
     return answer.type() == QDBusMessage::ReplyMessage;
 }
 
-/// How long the answer takes, in microseconds; nothing where it is not the expected one.
+/// Returns how long the answer takes, in microseconds; nothing if it is not the expected one.
 std::optional<double> measureCall(const QDBusConnection &bus, const Task &task,
                                   const QString &method)
 {
@@ -93,7 +94,7 @@ std::optional<double> measureMedian(const QDBusConnection &bus, const Task &task
     return times.at(times.size() / 2);
 }
 
-/// Each call is made as soon as the one before has been answered, so that no wait goes unnoticed.
+/// Makes each call as soon as the one before is answered, so that no wait is missed.
 std::optional<double> measureLongest(const QDBusConnection &bus, const Task &task,
                                      const QString &method)
 {

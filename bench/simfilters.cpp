@@ -1,12 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The Parley developers
 // SPDX-License-Identifier: BSD-3-Clause
 
-// What one answer of a call filter costs the UI thread, for 10 to 100,000 rules and 1 to 8 SIMs, at
-// worst: none of the SIMs has a rule, and none is allowed by default. Prints CPU time of that
-// thread, from the signal that the rules have changed to the change of the permission, and each
-// figure's ratio to the one of a tenth of the rules.
+// Measures what one answer of a call filter with 10 to 100,000 rules costs the UI thread with 1 to
+// 8 SIMs. This is the worst case: no SIM has a rule, and none is allowed by default. Prints the CPU
+// time of that thread, from the signal that the rules have changed to the change of the permission,
+// and the ratio of each figure to the one for a tenth of the rules.
 //
-// Every figure is from processes of their own, on a private bus; the telephony stack is a thread.
+// Each figure comes from processes of its own, on a private bus. The telephony stack runs in a
+// thread.
 
 #include "growth.h"
 #include "privatebus.h"
@@ -38,7 +39,7 @@ QString imsiOf(int i)
     return QStringLiteral("26201%1").arg(i, 10, 10, QLatin1Char('0'));
 }
 
-/// So many SIMs, each in a modem, and so many rules for others.
+/// A number of SIMs, each in a modem, and a number of rules for other SIMs.
 class Stack : public QDBusVirtualObject
 {
 public:
@@ -52,7 +53,7 @@ public:
                              {{QStringLiteral("Interfaces"), interfaces}}});
     }
 
-    /// Whether the next answer is the one to measure, or that everything is allowed.
+    /// Whether the next answer is the one to measure. Otherwise it allows everything.
     void setBlocking(bool blocking) { m_blocking = blocking; }
 
     bool handleMessage(const QDBusMessage &message, const QDBusConnection &connection) override

@@ -1,19 +1,19 @@
 # SPDX-FileCopyrightText: 2026 The Parley developers
 # SPDX-License-Identifier: BSD-3-Clause
 
-"""The table of what was measured."""
+"""The table of figures."""
 
 
 class Table:
-    """Rows of figure, ours, yardstick, ratio, goal. A goal is the most that a ratio may be, or,
-    without a yardstick, the most that the figure may be. An absolute goal is the latter although
-    there is a yardstick, and is shown with its unit."""
+    """Rows of figure, ours, yardstick, ratio and goal. A goal is the largest allowed ratio. Without
+    a yardstick, and if it is absolute, it is the largest allowed figure. An absolute goal is shown
+    with its unit."""
 
     def __init__(self):
         self._rows = []
 
     def add(self, figure, unit, ours, yardstick=None, goal=None, note=None, absolute=False):
-        """Prints nothing yet. The note is shown where the ratio is missing."""
+        """Adds a row. The note is shown in the last column."""
         ratio = ours / yardstick if yardstick else None
         compared = ours if absolute or ratio is None else ratio
         self._rows.append(
@@ -31,7 +31,7 @@ class Table:
         )
 
     def rows(self):
-        """As dictionaries, for JSON."""
+        """Returns the rows as dictionaries, for JSON."""
         return self._rows
 
     def goals_met(self):
@@ -63,14 +63,14 @@ class Table:
 
 
 def shown_goal(row):
-    """A ratio has no unit."""
+    """Returns the goal as text, with a unit unless it is a ratio."""
     if row["goal"] is None:
         return ""
     return f"{row['goal']:g}" + (f" {row['unit']}" if row["absolute"] else "")
 
 
 def number(value):
-    """With about four digits."""
+    """Returns the value with about four digits."""
     if value is None:
         return ""
     if isinstance(value, int) or value >= 1000:

@@ -35,7 +35,7 @@ bool isFromBus(const QDBusMessage &message)
 
 void whenAnswered(const QDBusPendingCall &call, QObject *context, const AnswerHandler &handler)
 {
-    // Without a bus there is no call to watch.
+    // Without a bus there is no call to watch, only its error.
     const bool failedAtOnce = call.isFinished() && call.isError();
     auto *watcher = new QDBusPendingCallWatcher(
         failedAtOnce ? QDBusPendingCall::fromError(call.error()) : call, context);
@@ -49,7 +49,7 @@ void whenOwnerAnswered(const QDBusConnection &bus, const QString &service,
                        const QDBusPendingCall &call, QObject *context, const AnswerHandler &handler)
 {
     whenAnswered(call, context, [=](const QDBusMessage &answer) {
-        // An error that was made in this process, such as a time-out, has no sender.
+        // An error that this process has made, such as a time-out, has no sender.
         if (answer.service().isEmpty() || isFromBus(answer)) {
             handler(answer);
             return;

@@ -7,7 +7,7 @@
 
 namespace {
 
-/// Leaves room for the calls that other objects make on the same connection.
+/// The limit leaves room for the calls that other objects make on the same connection.
 constexpr int mostUnderWay = 32;
 
 } // namespace
@@ -31,12 +31,12 @@ void CallQueue::makeCalls()
         if (!call)
             continue;
         ++m_underWay;
-        // The bus counts the call until it is answered, whoever still wants the answer.
+        // The bus counts the call until it is answered, even if nobody wants the answer any more.
         whenAnswered(*call, this, [this, next](const QDBusMessage &answer) {
             --m_underWay;
             makeCalls();
             if (next.context)
-                next.handler(answer); // Last: it may end this object.
+                next.handler(answer); // The handler may destroy this object.
         });
     }
 }

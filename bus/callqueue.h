@@ -13,21 +13,22 @@
 #include <functional>
 #include <optional>
 
-/// Makes calls in the order in which they are added, a limited number at a time. A bus refuses a
-/// connection more calls than it may have without an answer (128 on a stock system bus, see
-/// max_replies_per_connection in dbus-daemon(1)); what waits here is not refused.
+/// Makes calls in the order in which they are added, a limited number at a time. A bus limits how
+/// many calls of a connection may wait for an answer (128 on a stock system bus, see
+/// max_replies_per_connection in dbus-daemon(1)), and refuses all others. A call that waits in this
+/// queue is not refused.
 class CallQueue : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Makes a call. Nothing if there is none to make after all.
+    /// Makes a call and returns it; returns nothing if no call is needed any more.
     using Call = std::function<std::optional<QDBusPendingCall>()>;
 
     explicit CallQueue(QObject *parent = nullptr);
 
-    /// Has \a call made, at once where it can be, and \a handler called with the answer; neither
-    /// once \a context has gone.
+    /// Runs \a call as soon as the limit allows, which may be at once, and then \a handler with the
+    /// answer. Neither runs once \a context is destroyed.
     void add(QObject *context, const Call &call, const AnswerHandler &handler);
 
 private:

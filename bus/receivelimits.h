@@ -5,10 +5,11 @@
 
 class QDBusConnection;
 
-/// Keeps \a bus reading, whatever others send. By default libdbus stops at 63 MB, or 4,096 file
-/// descriptors, of messages that have not been worked off, and QtDBus, whose thread is not the one
-/// that works them off, never starts again: one caller would make this process deaf to all. The
-/// bus's own limits for a message and for a connection (dbus-daemon(1)) stay in force.
+/// Makes \a bus go on reading, whatever other processes send. By default libdbus stops reading when
+/// 63 MB of messages, or 4,096 file descriptors, have not been handled. QtDBus reads in a thread
+/// that does not handle the messages, and never resumes: a single caller could make this process
+/// deaf to all others. The bus's own limits for a message and for a connection (dbus-daemon(1))
+/// stay in force.
 ///
-/// Call it as soon as there is a connection. It does nothing without a bus.
+/// Call this function as soon as there is a connection. Without a bus it does nothing.
 void removeReceiveLimits(const QDBusConnection &bus);

@@ -4,7 +4,7 @@
 import QtQuick 2.15
 import "."
 
-/// Says why calls do not get through, for as long as they do not.
+/// Shows why calls do not get through, for as long as they do not.
 Rectangle {
     id: strip
 

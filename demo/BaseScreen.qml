@@ -6,7 +6,7 @@ import "."
 
 Item {
     property bool current: false
-    /// What this screen reports to show.
+    /// The description of the screen's content that is reported in the log.
     property string summary
 
     signal closeRequested()

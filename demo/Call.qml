@@ -10,15 +10,15 @@ QtObject {
 
     property bool watched: false
     property RemindersBase reminders
-    // Replaced as a whole, so that nothing ever sees a call that is half the one before.
+    // This is only replaced as a whole, so that no binding ever sees a mixture of two calls.
     property var current: null
     readonly property bool active: current !== null
     readonly property bool ongoing: active && current.since > 0
     readonly property string number: active ? current.number : ""
-    /// The number as it is shown.
+    /// The number in the form in which it is shown.
     readonly property string name: number !== "" ? Words.display(number) : "Private number"
     readonly property string modem: active ? current.modem : ""
-    /// The number of the call that had to go for this one.
+    /// The number of the call that this one replaced.
     readonly property string replaced: active ? current.replaced : ""
     readonly property string state: ongoing ? Words.duration(now - current.since) : "Calling…"
     readonly property string summary: {
@@ -32,23 +32,23 @@ QtObject {
 
     property double now: 0
 
-    /// Another call than before, or none.
+    /// The call was replaced or has ended.
     signal renewed()
 
-    /// Calls a number, and ends the call that there is.
+    /// Calls a number, and ends the current call.
     function start(number, modem) {
         begin(number, modem, 0);
         if (connecting.running)
             connecting.restart();
     }
 
-    /// Takes a call from a number, and ends the call that there is.
+    /// Takes a call from a number, and ends the current call.
     function answer(number) {
         now = Date.now();
         begin(number, "", now);
     }
 
-    // The reminder comes first, and speaks up for the number of the current call alone.
+    // Set the reminder first. It only updates a call that has its number.
     function begin(number, modem, since) {
         var before = active && call.number !== number ? call.number : "";
         if (before !== "")

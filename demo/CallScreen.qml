@@ -106,7 +106,7 @@ BaseScreen {
             elide: Text.ElideMiddle
             size: 13
             text: "via " + screen.call.modem
-            // Above the keys there is room for one of the two.
+            // There is only room for one of the two above the keys.
             visible: screen.call.modem !== "" && !(screen.keypad && mark.marked)
             width: parent.width
         }

@@ -4,7 +4,7 @@
 import QtQuick 2.15
 import "."
 
-/// Leads back to a call from the other screens.
+/// Leads from the other screens back to a call.
 Pressable {
     id: strip
 

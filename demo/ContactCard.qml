@@ -19,7 +19,7 @@ BaseScreen {
     signal callRequested(string number)
     signal remindRequested(string number)
 
-    // The reminder's number, which changes together with whether it exists.
+    // Use the reminder's number, which changes together with its state.
     summary: {
         if (reminder.phoneNumber === "")
             return "contact";
@@ -111,6 +111,7 @@ BaseScreen {
             enabled: card.number !== ""
             icon: "bell"
             label: "Remind me"
+            objectName: "remind"
             onClicked: card.remindRequested(card.number)
         }
 

@@ -12,7 +12,7 @@ BaseScreen {
     property string number
     property string note
     property var specials
-    /// The special sequence that has been typed, with its service and URL; null for none.
+    /// The typed special sequence, with its service and URL; null for none.
     property var special: null
     property bool watched: false
     property RemindersBase reminders
@@ -29,7 +29,7 @@ BaseScreen {
         if (text === "")
             return null;
         if (specials === undefined)
-            specials = __specials; // only now: there may be thousands, and the screen comes first
+            specials = __specials; // Only now: there may be thousands, and the screen comes first.
         if (!Object.prototype.hasOwnProperty.call(specials, text))
             return null;
         var service = specials[text].service || "";
@@ -37,7 +37,7 @@ BaseScreen {
         return {sequence: text, service: service, url: url, target: Words.clean(url || service)};
     }
 
-    // What is special is told apart before it is shown, and its number goes before the offer.
+    // Set a special sequence before its number is shown, and reset it after the number is gone.
     function fill(text) {
         var found = find(text);
         if (found !== null)
@@ -69,12 +69,12 @@ BaseScreen {
             callRequested(number);
     }
 
-    /// Draws the eye to why there is no call.
+    /// Draws attention to the reason why there is no call.
     function refuse() {
         barred.stress();
     }
 
-    // The reminder's number, which changes together with whether it exists.
+    // Use the reminder's number, which changes together with its state.
     summary: {
         if (note !== "")
             return "dial pad: " + note;
@@ -96,7 +96,7 @@ BaseScreen {
         } else {
             return;
         }
-        forceActiveFocus(); // the next key belongs to the number, too
+        forceActiveFocus(); // The next key belongs to the number, too.
         event.accepted = true;
     }
 
@@ -218,6 +218,7 @@ BaseScreen {
         enabled: pad.special !== null || pad.callable
         fill: pad.special !== null ? Style.raised : Style.green
         icon: pad.special !== null ? "page" : "call"
+        objectName: "call"
         size: 72
         onClicked: pad.call()
     }

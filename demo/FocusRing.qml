@@ -4,7 +4,7 @@
 import QtQuick 2.15
 import "."
 
-/// Shows around its parent that the keyboard is there.
+/// A ring around its parent while the parent has the keyboard focus.
 Rectangle {
     anchors.fill: parent
     anchors.margins: -Style.px(4)

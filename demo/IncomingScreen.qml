@@ -6,16 +6,16 @@ import com.nimbo.parley 1.0
 import "."
 import "text.js" as Words
 
-/// Somebody calls: to be answered, turned away, or turned away with a quick reply.
+/// An incoming call. The user can answer it, decline it, or decline it with a quick reply.
 BaseScreen {
     id: screen
 
     property bool ringing: false
-    /// Who calls; empty if that is kept secret.
+    /// The caller's number; empty if the caller withholds it.
     property string number
     property Replies replies
     property RemindersBase reminders
-    /// The call that there is already; answering ends it.
+    /// The current call, which ends if the user answers.
     property Call call
     property date now
     readonly property string caller: number !== "" ? Words.display(number) : "Private number"
@@ -32,12 +32,12 @@ BaseScreen {
         list.positionViewAtBeginning();
     }
 
-    // The number stays for as long as the screen fades.
+    // Keep the number while the screen fades.
     function stop() {
         ringing = false;
     }
 
-    // The reminder's number, which changes together with whether it exists.
+    // Use the reminder's number, which changes together with its state.
     summary: {
         if (reminder.phoneNumber === "")
             return "incoming";
@@ -146,7 +146,7 @@ BaseScreen {
         ListView {
             id: list
 
-            // A fourth one is cut off, so that it is seen to be there.
+            // Part of the fourth reply is visible, to show that there are more.
             readonly property int most: Style.px(3 * 46 + 2 * 6 + 20)
 
             boundsBehavior: Flickable.StopAtBounds

@@ -36,6 +36,7 @@ Grid {
         PadKey {
             heldText: modelData[0] === "0" ? "+" : ""
             letters: modelData[1]
+            objectName: "key " + text
             text: modelData[0]
             width: Style.px(grid.keySize)
             onTyped: grid.typed(input)

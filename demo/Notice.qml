@@ -4,7 +4,7 @@
 import QtQuick 2.15
 import "."
 
-/// A line or two that say what has happened.
+/// One or two lines of text that tell what has happened.
 Rectangle {
     id: notice
 

@@ -6,19 +6,19 @@ import com.nimbo.parley 1.0
 import "."
 import "text.js" as Words
 
-/// The screens, and what can be asked of them.
+/// All screens, and the requests that they handle.
 Item {
     id: phone
 
     property Item current: dialPad
     readonly property Item topmost: dialog.open ? dialog : sheet.open ? sheet : current
-    /// How large the screens are, in pixels of a screen that is 360 wide and 640 high.
+    /// The scale of the screens; 1 for a screen that is 360 pixels wide and 640 high.
     readonly property real unit: Math.min(stage.width / 360, stage.height / 640)
 
-    /// URLs that a screen wants to be opened.
+    /// A screen wants these URLs to be opened.
     signal urlsRequested(var urls)
 
-    // The new screen comes before the old goes, so that nothing else is shown between.
+    // Show the new screen before hiding the old one, so that nothing else is shown in between.
     function present(screen) {
         current = screen;
         if (screen !== dialPad)
@@ -44,7 +44,7 @@ Item {
         present(contactCard);
     }
 
-    // The sheet comes first, so that the contact card is not shown without it.
+    // Show the sheet first, so that the contact card is not shown without it.
     function presentSheet(number) {
         sheet.show(number);
         contactCard.number = number;

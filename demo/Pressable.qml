@@ -3,7 +3,7 @@
 
 import QtQuick 2.15
 
-/// What a finger, a pointer or the keyboard can press.
+/// An item that can be pressed with a finger, a pointer or the keyboard.
 Item {
     id: pressable
 

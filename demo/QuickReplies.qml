@@ -11,7 +11,7 @@ BaseScreen {
 
     property Replies replies
 
-    // What is being typed is taken over first.
+    // Finish the current edit.
     function settle() {
         forceActiveFocus();
     }
@@ -72,8 +72,9 @@ BaseScreen {
         spacing: Style.px(8)
 
         delegate: ReplyRow {
+            objectName: "reply " + index
             reply: Words.clean(model.display)
-            width: list.width - Style.px(4) // for what shows that the keyboard is there
+            width: list.width - Style.px(4) // room for the focus ring
             onEdited: {
                 model.edit = text;
                 screen.replies.changed(true);
@@ -147,6 +148,7 @@ BaseScreen {
             icon: "check"
             ink: Style.accent
             label: "Save"
+            objectName: "save"
             size: 60
             onClicked: {
                 screen.settle();

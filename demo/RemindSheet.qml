@@ -10,13 +10,13 @@ Item {
     id: sheet
 
     property bool open: false
-    // Its own, so that it keeps what it shows while it goes and the screen below changes.
+    // The sheet keeps its own number while it closes and the screen below changes.
     property string number
     property RemindersBase reminders
     property date now
     readonly property string summary: "remind " + number
 
-    /// How far it is up, from 0 to 1.
+    /// How far the sheet is open, from 0 to 1.
     property real rise: open ? 1 : 0
 
     signal chosen(date when)
@@ -114,10 +114,11 @@ Item {
                 model: Words.reminderChoices.length
 
                 SheetRow {
-                    // Not the model's own data, which would lose its functions.
+                    // As model data the object would lose its functions.
                     readonly property var choice: Words.reminderChoices[index]
 
                     detail: Qt.formatTime(choice.when(sheet.now), "hh:mm")
+                    objectName: choice.text
                     text: choice.text
                     visible: choice.offered(sheet.now)
                     width: content.width

@@ -6,19 +6,19 @@ import com.nimbo.parley 1.0
 import "."
 import "text.js" as Words
 
-/// The numbers to call back, as far as these screens have come across them.
+/// The numbers to call back, of those that the screens have met so far.
 BaseScreen {
     id: screen
 
     property RemindersBase reminders
     property date now
     readonly property int most: 100
-    /// Those with a reminder, the one that is due first at the top.
+    /// The numbers with a reminder, in the order in which they are due.
     property var marked: []
 
     signal chosen(string number)
 
-    /// Keeps a number in mind, whether or not there is a reminder for it yet.
+    /// Adds a number, whether or not it has a reminder already.
     function learn(number) {
         if (number === "")
             return;
@@ -26,7 +26,7 @@ BaseScreen {
             if (Words.shareReminder(numbers.get(i).number, number))
                 return;
         }
-        // Those without a reminder are at the end.
+        // Numbers without a reminder are at the end.
         if (numbers.count >= most && dueAt(numbers.count - 1) === Infinity)
             numbers.remove(numbers.count - 1);
         numbers.append({number: number});
@@ -125,7 +125,7 @@ BaseScreen {
                     number: model.number
                     now: screen.now
                     reminders: screen.reminders
-                    width: column.width - Style.px(4) // for what shows that the keyboard is there
+                    width: column.width - Style.px(4) // room for the focus ring
                     onChosen: screen.chosen(number)
                     onMarkedChanged: Qt.callLater(screen.arrange)
                     onWhenChanged: Qt.callLater(screen.arrange)

@@ -6,13 +6,13 @@ import com.nimbo.parley 1.0
 import "."
 import "text.js" as Words
 
-/// A small bell and when the reminder is due; nothing where there is none.
+/// A small bell and the time when the reminder is due; nothing if there is no reminder.
 Item {
     id: mark
 
     property Reminder reminder
     property date now
-    // Without a number there is no reminder, whatever the object last heard of.
+    // Without a number there is no reminder, whatever the object last reported.
     readonly property bool marked: reminder !== null && reminder.exists && reminder.phoneNumber !== ""
 
     height: Style.px(20)

@@ -6,7 +6,7 @@ import com.nimbo.parley 1.0
 import "."
 import "text.js" as Words
 
-/// One number to call back, for as long as there is a reminder for it.
+/// One number to call back, visible while it has a reminder.
 Item {
     id: row
 

@@ -5,11 +5,11 @@ import QtQuick 2.15
 import com.nimbo.parley 1.0
 import "text.js" as Words
 
-/// The quick replies; the log has what they are after each change.
+/// The quick replies. They are logged after each change.
 QuickMessagesModel {
     id: replies
 
-    /// Whether there is something that save() has not written.
+    /// Whether there are changes that save() has not written.
     property bool unsaved: false
 
     function has(index) {
@@ -47,7 +47,7 @@ QuickMessagesModel {
 
     function changed(isUnsaved) {
         unsaved = isUnsaved;
-        Qt.callLater(report); // one line for all that happens at once
+        Qt.callLater(report); // Log one line for all changes of one event.
     }
 
     function report() {
@@ -58,7 +58,7 @@ QuickMessagesModel {
         console.info("replies: " + count + state + ": " + texts.join(" | "));
     }
 
-    // Another process has written the file, or they are the default ones again.
+    // Another process has written the file, or the defaults were restored.
     onModelReset: changed(false)
     onHasErrorChanged: Qt.callLater(report)
 }

@@ -4,7 +4,7 @@
 import QtQuick 2.15
 import "."
 
-/// One quick reply, to be changed or taken away.
+/// One quick reply, which can be edited or removed.
 Item {
     id: row
 

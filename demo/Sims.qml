@@ -3,7 +3,7 @@
 
 import QtQuick 2.15
 
-/// What the SIMs in the phone are allowed, in words; the log has what changes.
+/// What the SIMs in the phone may do, in words. Changes are logged.
 QtObject {
     readonly property bool known: simFiltersHelper.ready
     readonly property int count: simFiltersHelper.activeSimCount

@@ -4,21 +4,21 @@
 import QtQuick 2.15
 import "."
 
-/// A line of text to be typed.
+/// A field for a line of text.
 Rectangle {
     id: field
 
-    /// What there is to change.
+    /// The text to be edited.
     property string value
-    /// What has been typed.
+    /// The text that has been typed.
     readonly property alias text: input.text
     readonly property bool changed: text !== value
     property string hint
     readonly property alias editing: input.activeFocus
 
-    /// The text is to be taken over: Return was pressed, or the keyboard went elsewhere.
+    /// Editing has finished: Return was pressed (confirmed), or the field has lost the focus.
     signal finished(bool confirmed)
-    /// The text is not wanted: Escape was pressed.
+    /// Editing was cancelled with Escape.
     signal abandoned()
 
     function revert() {
@@ -58,7 +58,7 @@ Rectangle {
             if (activeFocus)
                 return;
             field.finished(false);
-            cursorPosition = 0; // the beginning is what tells one text from another
+            cursorPosition = 0; // Show the beginning of the text.
         }
         onTextChanged: {
             if (!activeFocus)

@@ -4,22 +4,22 @@
 import QtQuick 2.15
 import "urls.js" as Urls
 
-/// Tells apart what URLs ask the screens for. One of its own schemes that comes alone is understood;
-/// all else is pages.
+/// Turns the URLs that the screens are asked to open into requests. A single URL with one of the
+/// schemes below is such a request. All other URLs are pages to open.
 QtObject {
     id: requests
 
     /// "tel:NUMBER"
     signal telephone(string number)
-    /// "incoming:NUMBER": somebody calls.
+    /// "incoming:NUMBER": NUMBER is calling.
     signal incoming(string number)
-    /// "remind:NUMBER?seconds=N"; -1 if it leaves open when.
+    /// "remind:NUMBER?seconds=N"; the seconds are -1 if the URL does not give them.
     signal remind(string number, int seconds)
     /// "forget:NUMBER"
     signal forget(string number)
     /// "reminders:"
     signal reminders()
-    /// "replies:send?index=N": turns the call away that comes in; -1 without an index.
+    /// "replies:send?index=N": decline the incoming call with a reply; -1 without an index.
     signal reply(int index)
     /// "replies:COMMAND?text=TEXT&index=N"; the command may be empty.
     signal replies(string command, string text, int index)

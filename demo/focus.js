@@ -3,7 +3,7 @@
 
 .pragma library
 
-// Items that the keyboard reaches have a property "tabStop" that is true.
+// Items that the keyboard can reach have a property "tabStop" that is true.
 
 function isWithin(item, scope) {
     for (var at = item; at; at = at.parent) {
@@ -23,7 +23,7 @@ function stops(item, found) {
     return found;
 }
 
-/// The stop after the one that has the focus, or before it; from one end to the other.
+/// Returns the stop after the focused one, or before it. The first one follows the last.
 function following(scope, focused, forward) {
     var all = stops(scope, []);
     var at = all.indexOf(focused);
@@ -36,7 +36,7 @@ function middle(item, scope) {
     return item.mapToItem(scope, item.width / 2, item.height / 2);
 }
 
-/// The stop that is next to the one that has the focus, seen along (x, y); undefined at the edge.
+/// Returns the nearest stop from the focused one in the direction (x, y); undefined at the edge.
 function beside(scope, focused, x, y) {
     var all = stops(scope, []);
     if (all.indexOf(focused) < 0)
@@ -49,7 +49,7 @@ function beside(scope, focused, x, y) {
         var along = (there.x - here.x) * x + (there.y - here.y) * y;
         var across = Math.abs((there.x - here.x) * y) + Math.abs((there.y - here.y) * x);
         var distance = along + 2 * across;
-        // What lies more to the side than ahead is for another key.
+        // An item that lies more to the side than ahead belongs to another key.
         if (along > 1 && across < 3 * along && distance < least) {
             least = distance;
             best = all[i];

@@ -10,7 +10,7 @@ import "text.js" as Words
 Rectangle {
     id: root
 
-    /// What is on the screen, for whoever watches the log.
+    /// The description of the screen's content that is logged.
     readonly property string shown: __window.visible ? phone.topmost.summary : "hidden"
     readonly property Item focused: __window.activeFocusItem
     property bool loaded: false
@@ -19,7 +19,7 @@ Rectangle {
         console.info("screen: " + shown);
     }
 
-    // The keyboard never leaves what is on top.
+    // Keep the keyboard focus in the topmost screen.
     function keepFocus() {
         if (!Focus.isWithin(focused, phone.topmost))
             phone.topmost.forceActiveFocus();
@@ -44,7 +44,7 @@ Rectangle {
     }
 
     Component.onCompleted: {
-        __window.resizeMode = 1; // the view no longer follows the root object, but leads it
+        __window.resizeMode = 1; // From now on the root object follows the size of the view.
         loaded = true;
         report();
         keepFocus();

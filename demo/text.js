@@ -5,14 +5,14 @@
 
 var longest = 500;
 
-// What comes from the bus may be of any length, and is to be shown and reported on one line.
+// Shortens a text from the bus, which may have any length, and puts it on one line.
 function clean(text) {
     var head = text.slice(0, longest + 1);
     var line = head.replace(/[\x00-\x1f\x7f-\x9f\u2028-\u202e\u2066-\u2069]+/g, " ").trim();
     return line.length > longest ? line.slice(0, longest) + "…" : line;
 }
 
-// The plain asterisk hangs too high beside digits.
+// Replaces the plain asterisk, which sits too high beside digits.
 function display(number) {
     return number.replace(/\*/g, "\u2217");
 }
@@ -57,7 +57,7 @@ var reminderChoices = [
     }
 ];
 
-// When something is due, as short as it can be said now.
+// The time when something is due, in the shortest form that is clear now.
 function due(when, now) {
     if (isNaN(when.getTime()))
         return "";
@@ -70,7 +70,7 @@ function due(when, now) {
     return Qt.formatDate(when, "ddd d MMM" + year) + " " + time;
 }
 
-// How long it is until something is due.
+// The time left until something is due.
 function left(when, now) {
     var minutes = Math.ceil((when.getTime() - now.getTime()) / 60000);
     if (!(minutes > 0))
@@ -82,13 +82,13 @@ function left(when, now) {
     return "in " + Math.floor(minutes / (24 * 60)) + " days";
 }
 
-// Whether two numbers have one reminder: they do where they end alike.
+// Whether two numbers share a reminder: they do if their ends are the same.
 function shareReminder(one, other) {
     var ends = [one, other].map(function(number) { return number.replace(/\D/g, "").slice(-7); });
     return one === other || (ends[0] !== "" && ends[0] === ends[1]);
 }
 
-// The numbers that every phone lets through, with or without a SIM.
+// Whether every phone lets the number through, with or without a SIM.
 function isEmergency(number) {
     return ["000", "08", "110", "112", "118", "119", "911", "999"].indexOf(number) >= 0;
 }

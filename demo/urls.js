@@ -4,24 +4,24 @@
 .pragma library
 .import "text.js" as Words
 
-// A URL may be of any length; no more than this is looked at.
+// A URL may have any length. Only this many characters are read.
 var longest = 2000;
 
 function decoded(text) {
     try {
         return decodeURIComponent(text);
     } catch (malformed) {
-        return text; // as it was written
+        return text; // Return the undecoded text.
     }
 }
 
-/// In lower case; empty if there is none.
+/// The scheme in lower case; empty if there is none.
 function scheme(url) {
     var found = /^([a-z][a-z0-9+.-]*):/i.exec(url.slice(0, longest));
     return found !== null ? found[1].toLowerCase() : "";
 }
 
-/// What stands between the scheme and the parameters.
+/// The part between the scheme and the parameters.
 function path(url) {
     var rest = url.slice(0, longest).replace(/^[a-z][a-z0-9+.-]*:(\/\/)?/i, "");
     return Words.clean(decoded(rest.replace(/[;?].*$/, "")));
@@ -31,7 +31,7 @@ function number(url) {
     return path(url).replace(/[-.() ]/g, "");
 }
 
-/// The value of a parameter, "?name=value&..."; undefined if it is not there.
+/// The value of a parameter, "?name=value&..."; undefined if it is missing.
 function parameter(url, name) {
     var query = url.slice(0, longest).replace(/^[^?]*\??/, "").split("&");
     for (var i = 0; i < query.length; ++i) {
@@ -41,7 +41,7 @@ function parameter(url, name) {
     return undefined;
 }
 
-/// The same for a number from 0; -1 if it is none.
+/// The value of a parameter that is a number from 0; -1 if it is not such a number.
 function count(url, name) {
     var value = parameter(url, name);
     return /^\d{1,9}$/.test(value) ? Number(value) : -1;

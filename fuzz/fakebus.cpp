@@ -19,7 +19,7 @@ namespace {
 constexpr char methodReturn = 2;
 constexpr char noReplyExpected = 1;
 
-// Header fields.
+// The codes of header fields.
 constexpr char memberField = 3;
 constexpr char replySerialField = 5;
 constexpr char senderField = 7;
@@ -35,7 +35,7 @@ int padded(int size)
     return (size + 7) / 8 * 8;
 }
 
-/// The member that a message of a well-behaved client names.
+/// Returns the member in the header of a valid message.
 QByteArray memberOf(const QByteArray &header)
 {
     int offset = 16;
@@ -66,7 +66,7 @@ FakeBus::FakeBus()
     std::strncpy(address.sun_path, path.constData(), sizeof address.sun_path - 1);
     if (bind(m_listening, reinterpret_cast<sockaddr *>(&address), sizeof address) != 0
         || listen(m_listening, 1) != 0)
-        qFatal("no bus at %s", path.constData());
+        qFatal("There is no bus at %s.", path.constData());
     start();
 }
 
@@ -111,7 +111,7 @@ bool FakeBus::read(char *data, qint64 size) const
     return true;
 }
 
-/// Lets anybody in.
+/// Accepts every client.
 bool FakeBus::authenticate()
 {
     QByteArray line;
@@ -170,9 +170,9 @@ QByteArray FakeBus::reply(quint32 serial, const QByteArray &member)
     message.addByte('l');
     message.addByte(methodReturn);
     message.addByte(noReplyExpected);
-    message.addByte(1); // version of the protocol
+    message.addByte(1); // The version of the protocol.
     message.add(static_cast<quint32>(body.size()));
-    message.add(quint32(1)); // its own serial
+    message.add(quint32(1)); // The serial of this message.
     message.addArray(8, [&] {
         message.addByte(replySerialField);
         message.addSignature("u");

@@ -8,18 +8,18 @@
 #include <QTemporaryDir>
 #include <QThread>
 
-/// A bus with one client, whose calls of "GetAll" get any answer that D-Bus allows, and all others
-/// one that keeps the client going.
+/// A bus with one client. It answers calls of "GetAll" with anything that D-Bus allows, and all
+/// other calls so that the client goes on.
 class FakeBus : public QThread
 {
 public:
-    /// Listens at once.
+    /// Starts to listen at once.
     FakeBus();
     ~FakeBus() override;
 
     QByteArray address() const;
-    /// What the next calls get: values in little-endian wire form, aligned from the start of
-    /// \a body.
+    /// Sets the answer to the next calls: values in little-endian wire form, aligned from the start
+    /// of \a body.
     void setAnswer(const QByteArray &signature, const QByteArray &body);
 
 protected:

@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Parley developers
 // SPDX-License-Identifier: BSD-3-Clause
 
-// Any file of messages can be read; what has been read can be written, and reads as the same again.
+// Reads any input as a file of messages. Messages that were read and written are read as the same
+// again.
 
 #include "messagesjson.h"
 
@@ -11,8 +12,7 @@
 
 namespace {
 
-/// Qt takes a byte-order mark at the beginning of a text for one and leaves it out, but not of
-/// every text.
+/// Returns \a messages without leading byte-order marks, which Qt removes from some texts only.
 QStringList withoutMarks(const QStringList &messages)
 {
     QStringList all;

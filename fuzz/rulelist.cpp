@@ -1,11 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Parley developers
 // SPDX-License-Identifier: BSD-3-Clause
 
-// Any answer that D-Bus allows, of any signature, to the question for the rules of a call filter:
-// the real SimFiltersHelper asks, over a real connection, and decides as the rules say. What D-Bus
-// does not allow ends a connection before anybody here sees it, and is left out.
+// Answers the question for the rules of a call filter with anything that D-Bus allows, of any
+// signature. The real SimFiltersHelper asks over a real connection, and has to decide as the rules
+// say. Invalid messages are left out, because libdbus closes a connection that sends one.
 //
-// An input is what the answer is made of, byte by byte; where it ends, zeros follow.
+// The answer is made from the bytes of the input, followed by zeros.
 
 #include "fakebus.h"
 #include "fakeplatform.h"
@@ -51,14 +51,14 @@ public:
 
     QByteArray signature() const { return m_signature; }
     QByteArray body() const { return m_body.bytes(); }
-    /// Whether the filter lets the SIM through; unknown where rules have come about by chance.
+    /// Whether the filter lets the SIM through. Unknown if a random answer has the form of rules.
     std::optional<bool> allowed() const
     {
         if (m_hasRules)
             return m_action == SimFiltersHelper::Allow;
         if (m_signature.startsWith(ruleSignature))
             return std::nullopt;
-        return true; // rules that cannot be read lock nobody out
+        return true; // Rules that cannot be read stop no call.
     }
 
 private:
@@ -72,14 +72,14 @@ private:
         return number;
     }
 
-    /// Often an action that means something.
+    /// Returns a number that often is a known action.
     quint32 nextAction()
     {
         const std::uint8_t byte = next();
         return byte < 8 ? byte : static_cast<quint32>(nextNumber(4));
     }
 
-    /// UTF-8 without NULs; often the SIM's identity.
+    /// Returns UTF-8 text without NULs, often the identity of the SIM.
     QByteArray nextText()
     {
         const std::uint8_t size = next();
@@ -114,7 +114,7 @@ private:
         });
     }
 
-    /// One complete type.
+    /// Returns one complete type.
     QByteArray makeType(int depth)
     {
         static const QByteArray basic = QByteArrayLiteral("ybnqiuxtdsogv");
@@ -131,7 +131,7 @@ private:
         return '(' + members + ')';
     }
 
-    /// The first complete type of \a signature.
+    /// Returns the first complete type of \a signature.
     static QByteArray firstType(const QByteArray &signature)
     {
         if (signature.startsWith('a'))
@@ -241,7 +241,7 @@ private:
     int m_variants = 0;
 };
 
-/// Waits until the filters have had their answers.
+/// Waits until the filters have got their answers.
 void settle(const SimFiltersHelper &filters)
 {
     const auto *const call = filters.findChild<QDBusPendingCallWatcher *>();
@@ -249,12 +249,12 @@ void settle(const SimFiltersHelper &filters)
         return;
     QEventLoop loop;
     QObject::connect(call, &QObject::destroyed, &loop, &QEventLoop::quit);
-    QTimer::singleShot(10000, &loop, [] { qFatal("no answer"); });
+    QTimer::singleShot(10000, &loop, [] { qFatal("The filters got no answer."); });
     loop.exec();
     settle(filters);
 }
 
-/// Of a process that runs until it is ended.
+/// The objects of a process that runs until it is ended.
 struct World
 {
     FakePlatform platform;
@@ -270,7 +270,7 @@ World &world()
 
 } // namespace
 
-// NOLINTNEXTLINE(readability-non-const-parameter): libFuzzer has it so
+// NOLINTNEXTLINE(readability-non-const-parameter): libFuzzer prescribes this type
 extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
 {
     new QCoreApplication(*argc, *argv);

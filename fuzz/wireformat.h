@@ -6,7 +6,7 @@
 #include <QByteArray>
 #include <QtEndian>
 
-/// Values in D-Bus's wire form, little-endian (D-Bus specification, "Marshaling").
+/// Values in the little-endian wire format of D-Bus (D-Bus specification, "Marshaling").
 class WireFormat
 {
 public:
@@ -19,7 +19,7 @@ public:
             m_bytes.append('\0');
     }
     void addByte(char byte) { m_bytes.append(byte); }
-    /// An integer, or anything as large, of a type that is aligned to its size.
+    /// Adds an integer, or a value of another type that is aligned to its size.
     template <typename Integer>
     void add(Integer value)
     {
@@ -36,7 +36,7 @@ public:
     {
         m_bytes.append(static_cast<char>(signature.size())).append(signature).append('\0');
     }
-    /// An array, whose elements \a addElements adds.
+    /// Adds an array whose elements \a addElements adds.
     template <typename Function>
     void addArray(int elementAlignment, Function addElements)
     {

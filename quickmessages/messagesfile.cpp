@@ -11,8 +11,8 @@
 
 namespace {
 
-/// Opens \a file if it is a regular file for which \a isSuitable returns true. The open file is
-/// tested, because its name may stand for another file at any time.
+/// Opens \a file if it is a regular file for which \a isSuitable returns true. The tests use the
+/// open descriptor, because the name may refer to another file at any time.
 template <typename Condition>
 bool openRegular(QFile &file, int flags, QIODevice::OpenMode mode, Condition isSuitable)
 {

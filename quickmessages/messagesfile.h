@@ -7,13 +7,15 @@
 
 class QFile;
 
-/// The most that is read of a file of messages, in bytes.
+/// The size of the largest file of messages that is read, in bytes.
 constexpr qint64 largestMessagesFile = qint64{16} << 20;
 
-/// Opens \a file, which has a name, to be read as text. Returns false where it cannot be, is no
-/// regular file or is larger than largestMessagesFile. Never waits, as opening a FIFO would.
+/// Opens \a file, which has a name, for reading as text. Returns false if this fails, and if the
+/// file is not a regular file or is larger than largestMessagesFile. Never blocks, as opening a
+/// FIFO would.
 bool openToRead(QFile &file);
 
-/// Opens \a file, which has a name, to be written as text, empty, and makes it if it is missing.
-/// Returns false where it cannot be or is no regular file, which then stays as it is. Never waits.
+/// Opens \a file, which has a name, for writing as text. The file is emptied, or created if it is
+/// missing. Returns false if this fails, and if the file is not a regular file, which then stays as
+/// it is. Never blocks.
 bool openToWrite(QFile &file);

@@ -6,9 +6,11 @@
 #include <QByteArray>
 #include <QStringList>
 
-/// The messages in \a json (RFC 8259), an array of strings, as they stand and in their order. What
-/// is no string, or has nothing but white space, is left out. None where \a json is anything else.
+/// Returns the messages in \a json (RFC 8259), an array of strings, unchanged and in their order.
+/// Values that are not strings, and strings of white space only, are left out. Returns an empty
+/// list if \a json is anything else.
 QStringList messagesFromJson(const QByteArray &json);
 
-/// The other way round. White space around a message, and messages of nothing else, are left out.
+/// Returns \a messages as such an array. White space around a message, and messages of white space
+/// only, are left out.
 QByteArray messagesToJson(const QStringList &messages);

@@ -18,7 +18,7 @@
 
 namespace {
 
-/// The default messages, as they are stored. They are translated when they are shown.
+/// The default messages in their stored form. They are translated when they are shown.
 const QStringList defaultMessageIds{
     //% "Please call later"
     QString::fromLatin1(QT_TRID_NOOP("parley-me-please_call_later")),
@@ -27,12 +27,20 @@ const QStringList defaultMessageIds{
     //% "I will call back"
     QString::fromLatin1(QT_TRID_NOOP("parley-me-will_call_back"))};
 
-/// More than any user writes.
+/// The model returns the memory of more rows than this, which no user writes.
 constexpr int manyRows = 10000;
 
 QString homePath()
 {
     return QStandardPaths::writableLocation(QStandardPaths::HomeLocation);
+}
+
+/// Returns free memory to the system: the C library would keep the memory of so many small texts.
+void returnFreedMemory()
+{
+#ifdef __GLIBC__
+    malloc_trim(0);
+#endif
 }
 
 } // namespace
@@ -85,30 +93,31 @@ void QuickMessagesModel::watch(const QString &path)
     const QFileInfo file(path);
     const QDir directory = file.dir();
     if (!directory.exists() && !QDir(homePath()).mkpath(directory.path())) {
-        // Meant to be silent.
+        // It is meant that no signal tells of this error.
         m_hasError = true;
-        m_fileExists = false;
+        m_isFileKnown = false;
         return;
     }
     const QString directoryPath = directory.absolutePath();
-    if (QFileInfo(directoryPath).isReadable()) // or it cannot be watched
+    if (QFileInfo(directoryPath).isReadable()) // Another one cannot be watched.
         m_watcher.addPath(directoryPath);
     if (file.exists())
         watchFile(path);
     else
-        m_fileExists = false;
+        m_isFileKnown = false;
 }
 
-/// Returns whether the file is watched, as one that may not be read cannot be. A file of the same
-/// name may have taken the place of the one that was watched. A file that cannot be watched for
-/// another reason counts as unknown, so that it is read again at every change of its folder.
+/// Watches the file that has the name now: another one may have taken the place of the one that was
+/// watched. Returns whether it is watched; a file that cannot be read cannot be. A file that cannot
+/// be watched for another reason counts as unknown, so that every change of its directory makes the
+/// model read it again.
 bool QuickMessagesModel::watchFile(const QString &path)
 {
     const QFileInfo file(QFileInfo(path).absoluteFilePath());
     m_watcher.removePath(file.filePath());
     const bool isReadable = file.isReadable();
     const bool isWatched = isReadable && m_watcher.addPath(file.filePath());
-    m_fileExists = isWatched || !isReadable;
+    m_isFileKnown = isWatched || !isReadable;
     return isWatched;
 }
 
@@ -124,22 +133,22 @@ void QuickMessagesModel::load()
                  << "file path is empty, can't load file";
         return;
     }
-    // Not QFile's own exists(), for which a link to nowhere is a file.
+    // Not QFile::exists(), which takes a dangling link for a file.
     if (!QFileInfo::exists(m_filePath)) {
-        m_fileExists = false;
+        m_isFileKnown = false;
         show(m_defaultValue);
         return;
     }
     const QString path = m_filePath;
     QFile file(path);
-    // Watch it before it is read, so that later writes are noticed.
+    // Watch the file before reading it, so that later writes are noticed.
     watchFile(path);
     const bool opened = openToRead(file);
     setHasError(!opened);
     // A handler may have chosen another file, whose messages are shown by now.
     if (path != m_filePath)
         return;
-    // Nor before that: a handler may have saved.
+    // Read only now: a handler may have saved.
     const QStringList messages =
         opened ? messagesFromJson(file.read(largestMessagesFile)) : QStringList();
     if (messages.isEmpty())
@@ -152,13 +161,8 @@ void QuickMessagesModel::show(const QStringList &messages)
 {
     const bool hadMany = count() > manyRows;
     setStringList(messages);
-#ifdef __GLIBC__
-    // To free so many texts leaves their memory with the process.
     if (hadMany)
-        malloc_trim(0);
-#else
-    Q_UNUSED(hadMany)
-#endif
+        returnFreedMemory();
 }
 
 void QuickMessagesModel::save()
@@ -238,12 +242,12 @@ void QuickMessagesModel::append(const QString &string)
 
 void QuickMessagesModel::remove(int index)
 {
-    // Not left to removeRows(), which does not notice an index so high that the next one overflows.
+    // removeRows() alone does not notice an index so high that the next one overflows.
     if (index < count())
         removeRows(index, 1);
 }
 
-// "undexpected" in the warnings below is meant.
+// The spelling "undexpected" in the warnings below is meant.
 
 void QuickMessagesModel::directoryChanged(const QString &path)
 {
@@ -253,14 +257,14 @@ void QuickMessagesModel::directoryChanged(const QString &path)
         return;
     }
     if (!file.exists()) {
-        m_fileExists = false;
+        m_isFileKnown = false;
         const QStringList files = m_watcher.files();
         if (!files.isEmpty())
             m_watcher.removePaths(files);
         return;
     }
-    // One that is known and not watched could not be read: the rows stay until it can be.
-    const bool isKnown = m_fileExists;
+    // A file that is known and not watched could not be read. The rows stay until it can be.
+    const bool isKnown = m_isFileKnown;
     const bool isWatched =
         (m_watcher.files() + m_watcher.directories()).contains(file.absoluteFilePath());
     if (isKnown && isWatched)

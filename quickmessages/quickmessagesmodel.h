@@ -6,35 +6,37 @@
 #include <QFileSystemWatcher>
 #include <QStringListModel>
 
-/// The user's quick replies: short texts to send instead of taking a call, a row each.
+/// The user's quick replies: short texts to send instead of taking a call, one in each row.
 ///
-/// They are kept in a JSON file, an array of strings. Where it is missing or has none, three
-/// default messages are shown instead, translated. What another process writes to the file is
-/// shown; what is changed here is written by save() alone.
+/// They are stored in a JSON file as an array of strings. If the file is missing or has no message,
+/// the model shows three translated default messages instead. It shows what other processes write
+/// to the file. Changes to the model are written only by save().
 class QuickMessagesModel : public QStringListModel
 {
     Q_OBJECT
-    /// Absolute path of the file. A directory that is missing is made. Empty for no file. At first,
-    /// "~/.local/share/system/privileged/Phone/quick-replies.json".
+    /// The absolute path of the file; empty for no file. A missing directory is created. The
+    /// default is "~/.local/share/system/privileged/Phone/quick-replies.json".
     Q_PROPERTY(QString filePath READ filePath WRITE setFilePath NOTIFY filePathChanged)
-    /// What is shown where the file has nothing to show. At first, the ids of the default messages.
+    /// The messages to show if the file has none. The default is the ids of the default messages.
     Q_PROPERTY(
         QStringList defaultValue READ defaultValue WRITE setDefaultValue NOTIFY defaultValueChanged)
     /// The number of rows.
     Q_PROPERTY(int count READ count NOTIFY countChanged)
-    /// Whether the file is read and written at all. True at first; turning true reads it.
+    /// Whether the file is read and written at all. True by default. A change to true reads the
+    /// file.
     Q_PROPERTY(bool active READ active WRITE setActive NOTIFY activeChanged)
     /// Whether the file could not be opened when it was last read or written, or its directory
-    /// could not be made (which changes this without a signal, and is meant to). What is no regular
-    /// file, or has more than 16 MiB to read, counts as a file that cannot be opened. A file
-    /// without messages is no error, nor is a missing one.
+    /// could not be created. The latter changes this property without a signal, and this is meant.
+    /// A file that is not a regular file, or has more than 16 MiB to read, counts as one that
+    /// cannot be opened. A file without messages is no error, and neither is a missing file.
     Q_PROPERTY(bool hasError READ hasError NOTIFY hasErrorChanged)
 
 public:
     /// Reads the file at once.
     explicit QuickMessagesModel(QObject *parent = nullptr);
 
-    /// As QStringListModel; a default message is given in the user's language.
+    /// Does the same as QStringListModel::data(), but returns the default messages in the user's
+    /// language.
     QVariant data(const QModelIndex &index, int role) const override;
 
     QString filePath() const { return m_filePath; }
@@ -46,13 +48,13 @@ public:
     void setActive(bool active);
     bool hasError() const { return m_hasError; }
 
-    /// Writes the rows to the file, in place; default messages as their ids.
+    /// Writes the rows to the file, in place. Default messages are written as their ids.
     Q_INVOKABLE void save();
     /// Shows the default value. The file stays as it is.
     Q_INVOKABLE void reset();
     /// Adds a row at the end.
     Q_INVOKABLE void append(const QString &string);
-    /// Takes a row away; nothing if there is none at \a index.
+    /// Removes a row. Does nothing if there is no row at \a index.
     Q_INVOKABLE void remove(int index);
 
 Q_SIGNALS:
@@ -60,7 +62,7 @@ Q_SIGNALS:
     void defaultValueChanged();
     void activeChanged();
     void hasErrorChanged();
-    /// Rows have come or gone, or all have been set, whatever their number.
+    /// Rows were added or removed, or all rows were set, even if their number is the same.
     void countChanged();
 
 private Q_SLOTS:
@@ -77,8 +79,10 @@ private:
 
     bool m_active = true;
     bool m_hasError = false;
-    bool m_fileExists = false; ///< It may still be one that cannot be watched or read.
+    /// Whether the file was there at the last look and is watched, or cannot be read. A change of
+    /// the directory makes the model read a file that is not known.
+    bool m_isFileKnown = false;
     QString m_filePath;
     QStringList m_defaultValue;
-    QFileSystemWatcher m_watcher; ///< Of the file and its directory.
+    QFileSystemWatcher m_watcher; ///< Watches the file and its directory.
 };

@@ -10,11 +10,12 @@
 #include <QPointer>
 #include <QString>
 
-/// What QML sees of the reminder for one phone number: whether there is one, and when it is due.
+/// The reminder for one phone number, as QML sees it: whether there is one, and when it is due.
 ///
-/// It shows nothing until it has both a number and a store. One whose number was cleared may still
-/// be told of the reminder for the number that it had. Any number of objects may watch one number,
-/// and a handler of any signal may change or destroy any of them, the store included.
+/// An object shows no reminder until it has both a number and a store. An object whose number was
+/// cleared may still report changes of the reminder for its former number. Any number of objects
+/// may watch the same number. A handler of any signal may change or destroy any of them, and the
+/// store.
 class Reminder : public QObject
 {
     Q_OBJECT
@@ -29,28 +30,29 @@ public:
     explicit Reminder(QObject *parent = nullptr);
     ~Reminder() override;
 
-    /// The number as it was set.
+    /// The number, exactly as it was set.
     QString phoneNumber() const { return m_phoneNumber; }
     void setPhoneNumber(const QString &number);
 
-    /// When the reminder is, or was last, due. Invalid if there was none.
+    /// When the reminder is due, or the last one was. Invalid if there has been none.
     QDateTime when() const { return m_when; }
 
     /// Whether the number has a reminder: an alarm, and the notification that shows it.
     bool exists() const { return m_exists; }
 
-    /// The store; null once it is gone. remindersChanged() is never emitted: rebinding is silent.
+    /// The store; null once it is destroyed. remindersChanged() is never emitted, and this is
+    /// meant.
     Reminders *reminders() const { return m_reminders; }
     void setReminders(Reminders *reminders);
 
-    /// Takes the number's alarm and notification away. Does nothing unless exists().
+    /// Removes the number's alarm and notification. Does nothing unless exists().
     Q_INVOKABLE void remove();
 
-    /// For the store. Takes over what a record says, and reports what has changed.
+    /// For the store: takes over the state of a record, and reports what has changed.
     void adopt(bool exists, const QDateTime &when);
-    /// For the store. The number has a reminder that is due at \a when: reported in any case.
+    /// For the store: the number has a reminder that is due at \a when. This is always reported.
     void gain(const QDateTime &when);
-    /// For the store. The number has no reminder any more: reported in any case.
+    /// For the store: the number has no reminder any more. This is always reported.
     void lose();
 
 Q_SIGNALS:

@@ -29,10 +29,11 @@ const QLatin1String type("reminder");
 const QLatin1String phoneNumberKey("phoneNumber");
 const QLatin1String triggerTimeKey("triggerTime");
 
-/// The signal that carries them may come with the first answer of the bus.
+/// Registered this early because the signal that carries the triggers may come with the first
+/// answer of the bus.
 const int triggersType = qDBusRegisterMetaType<Maemo::Timed::Event::Triggers>();
 
-/// An invalid time, or one that does not fit, is the largest number.
+/// Returns the largest number for an invalid time, and for one that does not fit.
 uint secondsSinceEpoch(const QDateTime &time)
 {
     constexpr uint largest = std::numeric_limits<uint>::max();
@@ -56,7 +57,7 @@ Maemo::Timed::Event makeEvent(const QString &normalizedNumber, const QString &co
     return event;
 }
 
-// What comes from the bus is looked at before it is read: reading it as another type ends the
+// Values from the bus are checked before they are read: reading one as another type ends the
 // process.
 
 uint toCookie(const QVariant &value)
@@ -132,7 +133,8 @@ void ReminderAlarms::schedule(uint replaced, const QString &normalizedNumber,
                               const std::function<void(uint cookie)> &added)
 {
     const auto call = [=]() -> std::optional<QDBusPendingCall> {
-        // As long as the daemon lives: the bus counts a call that has timed out here all the same.
+        // Wait as long as the daemon lives: the bus goes on counting a call that has timed out
+        // here.
         m_timed.setTimeout(std::numeric_limits<int>::max());
         const auto restore = qScopeGuard([this] { m_timed.setTimeout(-1); });
         try {
@@ -157,7 +159,7 @@ void ReminderAlarms::schedule(uint replaced, const QString &normalizedNumber,
 
 void ReminderAlarms::cancel(uint cookie)
 {
-    // Without a reply, which nobody looks at: the bus limits how many may be awaited.
+    // Ask for no reply: nothing uses it, and the bus limits how many calls may wait for one.
     m_timed.call(QDBus::NoBlock, QStringLiteral("cancel"), cookie);
 }
 

@@ -36,7 +36,7 @@ QDBusPendingCall callNotifications(const QString &method, const QVariantList &ar
     return QDBusConnection::sessionBus().asyncCall(callOf(method, arguments));
 }
 
-/// The call that opens the call history.
+/// Returns an action that opens the call history.
 QVariantMap openCallHistory(const QString &actionName)
 {
     return {
@@ -55,7 +55,7 @@ Notifications notificationsIn(const QDBusMessage &answer)
     const QVariant value = answer.arguments().value(0);
     if (value.userType() == qMetaTypeId<Notifications>())
         return value.value<Notifications>();
-    // The form is the client library's own. Reading it as another one would end the process.
+    // The client library decides the form. Reading a value as another form would end the process.
     const QLatin1String form(QDBusMetaType::typeToSignature(qMetaTypeId<Notifications>()));
     const auto argument = value.value<QDBusArgument>();
     if (argument.currentSignature() == form)
@@ -78,7 +78,7 @@ ReminderNotifications::ReminderNotifications(QObject *parent)
 
 void ReminderNotifications::subscribe(QObject *receiver, const char *slot)
 {
-    // With the signature: reading an argument of another type would end the process.
+    // Subscribe with the signature: reading an argument of another type would end the process.
     QDBusConnection::sessionBus().connect(service, path, service,
                                           QStringLiteral("NotificationClosed"),
                                           QStringLiteral("uu"), receiver, slot);
@@ -102,7 +102,7 @@ uint ReminderNotifications::publish(const ReminderText &text, uint cookie, uint 
 
 void ReminderNotifications::close(uint id)
 {
-    // Without a reply, which nobody looks at: the bus limits how many may be awaited.
+    // Ask for no reply: nothing uses it, and the bus limits how many calls may wait for one.
     QDBusConnection::sessionBus().send(callOf(QStringLiteral("CloseNotification"), {id}));
 }
 

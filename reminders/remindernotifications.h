@@ -11,14 +11,14 @@
 
 #include <functional>
 
-/// A notification of a reminder, as the notification service has it.
+/// The notification of a reminder, as the notification service stores it.
 struct ReminderNotification
 {
     uint id;
-    uint alarmCookie; ///< 0 if it names no alarm.
+    uint alarmCookie; ///< 0 if the notification names no alarm.
 };
 
-/// What a reminder's notification says.
+/// The text of a reminder's notification.
 struct ReminderText
 {
     QString applicationName;
@@ -26,8 +26,8 @@ struct ReminderText
     QString description;
 };
 
-/// The notifications of call reminders in the notification service. It keeps no notifications.
-/// Calls that have no answer yet, or are not sent yet, end with the object.
+/// The notifications of call reminders in the notification service. An object stores no
+/// notifications. Calls that wait for an answer, or to be sent, end with the object.
 class ReminderNotifications : public QObject
 {
     Q_OBJECT
@@ -40,19 +40,21 @@ public:
     /// Connects "NotificationClosed" of the service to \a slot (a SLOT()) of \a receiver.
     static void subscribe(QObject *receiver, const char *slot);
 
-    /// Shows \a text for the alarm \a cookie, in the place of the notification \a replaced if that
-    /// is not 0. Returns the id that the service gave, or \a replaced if it gave none; until it has
-    /// answered events are served, whose handlers may do anything.
+    /// Shows \a text for the alarm \a cookie. If \a replaced is not 0, the new notification
+    /// replaces the one with that id. Returns the id from the service, or \a replaced if the
+    /// service gives none. Until the service has answered, events are processed, whose handlers may
+    /// do anything.
     static uint publish(const ReminderText &text, uint cookie, uint replaced);
 
-    /// Takes a notification away. Whether there was one is not told.
+    /// Closes a notification. Does not report whether there was one.
     static void close(uint id);
 
-    /// Closes one of many notifications. Only some of these calls are under way at a time.
+    /// Closes one of many notifications. Only a limited number of these calls is under way at a
+    /// time.
     void closeLeftover(uint id);
 
-    /// Calls \a found with all notifications of call reminders. Logs a warning and calls nothing if
-    /// they cannot be had.
+    /// Calls \a found with all notifications of call reminders. If the service does not provide
+    /// them, logs a warning instead.
     void query(const Found &found);
 
 private:

@@ -10,29 +10,33 @@
 
 class Reminder;
 
-/// The two forms of a phone number by which a record is found: exactly, or loosely, where two
-/// numbers differ in their prefixes alone.
+/// The two forms of a phone number by which a record is found: the exact one, and a loose one that
+/// is the same for numbers that differ only in their prefixes.
 struct PhoneNumberKeys
 {
     QString normalized;
     QString minimized;
 
-    /// Of a number that somebody asks about: the loose key is that of the exact one.
+    /// The keys of a number that a caller gives: the loose key is made from the exact one.
     static PhoneNumberKeys of(const QString &number);
-    /// Of a number read back from an alarm: both keys are those of the text itself. This is meant.
+    /// The keys of a number that is read back from an alarm: both are made from the text itself,
+    /// and this is meant.
     static PhoneNumberKeys ofAlarm(const QString &number);
 };
 
-/// What is known of the reminder for one phone number.
+/// What is known about the reminder for one phone number.
 struct ReminderRecord
 {
+    using Age = quint64;
+
+    Age age; ///< Greater than that of every record that was added before. Never changes.
     QString normalizedNumber;
     QString minimizedNumber;
-    QDateTime when; ///< When the alarm is due; invalid while there was none.
-    /// Who watches the number, in the order in which they came. One that is destroyed may stay
-    /// listed, as null.
+    QDateTime when; ///< When the alarm is due; invalid until there has been one.
+    /// The objects that watch the number, in the order in which they were bound. A destroyed object
+    /// may stay listed as a null pointer.
     QVector<QPointer<Reminder>> reminders;
-    uint alarmCookie = 0; ///< 0 for no alarm. Set by the store, which finds the record by it.
+    uint alarmCookie = 0; ///< 0 for no alarm. Set by the store, which has an index of it.
     uint notificationId = 0; ///< 0 for no notification.
 
     bool hasReminder() const { return alarmCookie != 0 && notificationId != 0; }

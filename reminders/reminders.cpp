@@ -7,8 +7,9 @@
 
 #include <utility>
 
-// Whatever changes a Reminder runs handlers, which may do anything: no record is held across that,
-// and nothing is touched afterwards before it is known that this object is still there.
+// A change of a Reminder runs handlers, which may do anything. Code below such a change therefore
+// uses no pointer to a record from before it, and no member until it has checked that this object
+// still exists.
 
 Reminders::Reminders(QObject *parent)
     : QObject(parent)
@@ -42,8 +43,8 @@ void Reminders::alarmAdded(const PhoneNumberKeys &keys, const QDateTime &due,
         publishNext();
 }
 
-/// Publishes the first one in the queue. The next one starts from the event loop, so that no
-/// publication waits inside another.
+/// Publishes the first one in the queue. The next one starts from the event loop, so that
+/// publications are never nested.
 void Reminders::publishNext()
 {
     while (!m_publications.isEmpty() && recordOf(m_publications.head()) == nullptr)
@@ -58,7 +59,7 @@ void Reminders::publishNext()
     if (!self)
         return;
 
-    // One that is replaced may have been closed before it was shown again.
+    // A replaced notification may have been closed before it was shown again.
     const bool isClosed = id != replaced && m_closedMeanwhile.contains(id);
     m_closedMeanwhile.clear();
     ReminderRecord *record = recordOf(m_publications.dequeue());
@@ -72,14 +73,15 @@ void Reminders::publishNext()
     }
 }
 
-/// The record of the alarm that is to be shown; null once the number has none any more.
+/// Returns the record of the alarm that is to be shown; null if the number has no alarm any more.
 ReminderRecord *Reminders::recordOf(const Publication &publication)
 {
     ReminderRecord *record = publication.isWanted ? m_store.find(publication.keys) : nullptr;
     return record != nullptr && record->alarmCookie != 0 ? record : nullptr;
 }
 
-/// The alarm of \a record goes, and with it what was to be shown, even if another alarm comes.
+/// Cancels the publications for the alarm of \a record, which is about to go. They stay cancelled
+/// even if the number gets another alarm.
 void Reminders::forgetPublications(const ReminderRecord &record)
 {
     for (Publication &publication : m_publications) {
@@ -88,7 +90,7 @@ void Reminders::forgetPublications(const ReminderRecord &record)
     }
 }
 
-/// Reported only when the store is done with it: a handler meets every record as it is to be.
+/// Reports the change only after the store is up to date, so that handlers find it so.
 void Reminders::attachReminder(Reminder *reminder)
 {
     const auto shown = m_store.bind(reminder, PhoneNumberKeys::of(reminder->phoneNumber()));
@@ -186,7 +188,7 @@ void Reminders::closeNotification(ReminderRecord &record)
         ReminderNotifications::close(std::exchange(record.notificationId, 0));
 }
 
-/// Until a handler takes the alarm away, which tells everybody by itself.
+/// Tells the bound objects, until a handler removes the alarm: the removal tells all of them.
 void Reminders::announce(const ReminderRecord &record, const QDateTime &due)
 {
     forEachBound(record, [this, cookie = record.alarmCookie, due](Reminder &reminder) {
@@ -195,8 +197,9 @@ void Reminders::announce(const ReminderRecord &record, const QDateTime &due)
     });
 }
 
-/// In the order in which they were bound. Those that a handler has unbound meanwhile are passed
-/// over, those that it has bound have been told already.
+/// Changes the bound objects in the order in which they were bound. An object that a handler has
+/// unbound meanwhile is left out. An object that a handler has bound meanwhile has its state
+/// already.
 void Reminders::forEachBound(const ReminderRecord &record,
                              const std::function<void(Reminder &)> &change)
 {

@@ -18,11 +18,10 @@
 class Reminder;
 
 /// The call reminders of this handset: for each phone number an alarm of the time daemon, and a
-/// notification that shows it. Both outlive this process; when an object is created, it reads them
-/// back.
+/// notification that shows it. Both outlive this process, and a new object reads them back.
 ///
-/// Reminder objects show QML what there is for a number, and are the ones that report changes.
-/// Their handlers may call back, rebind or destroy any of them, and this object too.
+/// Reminder objects show QML the reminder for a number, and report its changes. Their handlers may
+/// call this object, rebind or destroy any Reminder, and destroy this object too.
 class Reminders : public QObject
 {
     Q_OBJECT
@@ -31,10 +30,9 @@ class Reminders : public QObject
 public:
     explicit Reminders(QObject *parent = nullptr);
 
-    /// Reminds the user at \a when of calling \a phoneNumber: adds an alarm named \a contactName,
-    /// or replaces the one that the number has, and then shows a notification with \a
-    /// applicationName, \a title and \a description. Returns at once; a reminder that could not be
-    /// made is logged.
+    /// Reminds the user at \a when to call \a phoneNumber: adds an alarm named \a contactName, or
+    /// replaces the alarm of the number, and then shows a notification with \a applicationName,
+    /// \a title and \a description. Returns at once. Logs a warning if the reminder cannot be made.
     Q_INVOKABLE void createWithStrings(const QString &phoneNumber, const QDateTime &when,
                                        const QString &applicationName, const QString &contactName,
                                        const QString &title, const QString &description);
@@ -43,25 +41,25 @@ public:
 
     /// Binds \a reminder, whose number is not empty, to the record of its number.
     void attachReminder(Reminder *reminder);
-    /// Unbinds \a reminder where the store unbinds it; it shows no reminder any more.
+    /// Unbinds \a reminder as ReminderStore::unbindFromFirst() does; it shows no reminder any more.
     void detachReminder(Reminder *reminder);
-    /// Drops what is kept of \a reminder for finding it. It is being destroyed.
+    /// Removes \a reminder, which is being destroyed, from the index.
     void forgetReminder(const Reminder *reminder);
-    /// Takes the alarm and the notification away that \a reminder shows.
+    /// Removes the alarm and the notification that \a reminder shows.
     void removeReminder(const Reminder *reminder);
 
 private Q_SLOTS:
     void notificationClosed(uint id, uint reason);
 
 private:
-    /// A notification to be shown for an alarm that has been made.
+    /// A notification that is to be shown for an alarm that exists.
     struct Publication
     {
         PhoneNumberKeys keys;
         uint cookie;
         QDateTime due;
         ReminderText text;
-        bool isWanted = true; ///< False once the alarm has gone.
+        bool isWanted = true; ///< False once the alarm is gone.
     };
 
     void alarmAdded(const PhoneNumberKeys &keys, const QDateTime &due, const ReminderText &text,
@@ -79,9 +77,9 @@ private:
     ReminderStore m_store;
     ReminderAlarms m_alarms;
     ReminderNotifications m_notifications;
-    /// In the order of the alarms. Only the first one is under way: a later one for the same number
-    /// takes the place of what the first has shown.
+    /// In the order of the alarms. Only the first one is under way, because a later one for the
+    /// same number replaces the notification of the first.
     QQueue<Publication> m_publications;
-    /// Notifications that the service has closed since the publication under way began.
+    /// The notifications that the service has closed since the current publication began.
     QSet<uint> m_closedMeanwhile;
 };

@@ -17,7 +17,8 @@ bool lists(const ReminderRecord &record, const Reminder *reminder)
         != record.reminders.cend();
 }
 
-/// Drops the entries of destroyed objects, and keeps one of them: the record still counts as used.
+/// Removes the entries of destroyed objects except for one, so that the record still counts as
+/// used.
 void dropDestroyed(QVector<QPointer<Reminder>> &reminders)
 {
     const auto isGone = [](const QPointer<Reminder> &listed) { return listed.isNull(); };
@@ -53,7 +54,8 @@ PhoneNumberKeys PhoneNumberKeys::ofAlarm(const QString &number)
 
 ReminderStore::Records::iterator ReminderStore::findExact(const QString &normalizedNumber)
 {
-    return m_records.find(m_byNormalizedNumber.value(normalizedNumber));
+    const auto age = m_byNormalizedNumber.constFind(normalizedNumber);
+    return age == m_byNormalizedNumber.cend() ? m_records.end() : m_records.find(*age);
 }
 
 ReminderRecord *ReminderStore::find(const PhoneNumberKeys &keys)
@@ -79,11 +81,10 @@ ReminderRecord *ReminderStore::findByCookie(uint cookie)
 
 void ReminderStore::setCookie(ReminderRecord &record, uint cookie)
 {
-    const Age age = m_byNormalizedNumber.value(record.normalizedNumber);
-    removeFrom(m_byCookie, record.alarmCookie, age);
+    removeFrom(m_byCookie, record.alarmCookie, record.age);
     record.alarmCookie = cookie;
     if (cookie != 0)
-        m_byCookie[cookie].append(age);
+        m_byCookie[cookie].append(record.age);
 }
 
 ReminderRecord *ReminderStore::findByNotification(uint id)
@@ -102,7 +103,8 @@ ReminderRecord *ReminderStore::findByReminder(const Reminder *reminder)
     return ages.isEmpty() ? nullptr : &m_records.at(ages.first());
 }
 
-/// Ascending, each once. Forgets those that listed another object at this address.
+/// Returns the ages in ascending order, each once. Removes those that are left from a destroyed
+/// object at the same address.
 QVector<ReminderStore::Age> ReminderStore::agesListing(const Reminder *reminder)
 {
     const auto entry = m_byReminder.find(reminder);
@@ -161,8 +163,8 @@ void ReminderStore::unbindFromFirst(const Reminder *reminder)
 
 bool ReminderStore::isBound(const QString &normalizedNumber, const Reminder *reminder) const
 {
-    const auto record = m_records.find(m_byNormalizedNumber.value(normalizedNumber));
-    return record != m_records.cend() && lists(record->second, reminder);
+    const auto age = m_byNormalizedNumber.constFind(normalizedNumber);
+    return age != m_byNormalizedNumber.cend() && lists(m_records.at(*age), reminder);
 }
 
 ReminderStore::Records::iterator ReminderStore::append(const PhoneNumberKeys &keys)
@@ -170,7 +172,8 @@ ReminderStore::Records::iterator ReminderStore::append(const PhoneNumberKeys &ke
     const Age age = ++m_lastAge;
     m_byNormalizedNumber.insert(keys.normalized, age);
     m_byMinimizedNumber[keys.minimized].append(age);
-    return m_records.emplace(age, ReminderRecord{keys.normalized, keys.minimized, {}, {}}).first;
+    return m_records.emplace(age, ReminderRecord{age, keys.normalized, keys.minimized, {}, {}})
+        .first;
 }
 
 void ReminderStore::list(Records::iterator record, Reminder *reminder)
@@ -182,7 +185,7 @@ void ReminderStore::list(Records::iterator record, Reminder *reminder)
     m_byReminder[reminder].append(record->first);
 }
 
-/// Once, and the record goes if nobody uses it any more.
+/// Removes one entry of \a reminder, and then the record if nothing uses it any more.
 void ReminderStore::unlist(Records::iterator record, const Reminder *reminder)
 {
     auto &reminders = record->second.reminders;
@@ -194,7 +197,7 @@ void ReminderStore::unlist(Records::iterator record, const Reminder *reminder)
 
 void ReminderStore::erase(const ReminderRecord *record)
 {
-    erase(findExact(record->normalizedNumber));
+    erase(m_records.find(record->age));
 }
 
 void ReminderStore::erase(Records::iterator record)

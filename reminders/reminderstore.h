@@ -12,54 +12,56 @@
 #include <map>
 #include <optional>
 
-/// The records, in the order in which their numbers became known. It has the rules by which a
-/// number finds its record; it emits nothing and calls nobody.
+/// The records, in the order in which their numbers became known. This class has the rules by which
+/// a number finds its record. It emits no signal and calls no object.
 ///
 /// A pointer to a record is valid until the record is erased.
 class ReminderStore
 {
 public:
-    /// What a Reminder that has just been bound is to show.
+    /// What a Reminder that has just been bound has to show.
     struct Shown
     {
         bool exists;
         QDateTime when;
     };
 
-    /// The record with the exact number; failing that, the last one that matches loosely; or null.
+    /// Returns the record with the exact number, or else the last record that matches loosely, or
+    /// null.
     ReminderRecord *find(const PhoneNumberKeys &keys);
-    /// The same, with a new record at the end where there is none.
+    /// Does the same, but appends a new record if there is none.
     ReminderRecord *findOrAppend(const PhoneNumberKeys &keys);
-    /// The first record with that alarm, or null. There is none for cookie 0.
+    /// Returns the first record with that alarm, or null. Cookie 0 has no record.
     ReminderRecord *findByCookie(uint cookie);
-    /// Gives \a record an alarm, or with 0 takes it away.
+    /// Sets the alarm of \a record; 0 for none.
     void setCookie(ReminderRecord &record, uint cookie);
-    /// The first record with that notification, or null. There is none for id 0.
+    /// Returns the first record with that notification, or null. Id 0 has no record.
     ReminderRecord *findByNotification(uint id);
-    /// The first record that lists \a reminder, or null.
+    /// Returns the first record that lists \a reminder, or null.
     ReminderRecord *findByReminder(const Reminder *reminder);
 
-    /// The cookies of all alarms.
+    /// Returns the cookies of all alarms.
     QVector<uint> cookies() const;
 
-    /// Lists \a reminder with the record of its number: the exact one, failing that the first that
-    /// matches loosely, failing that a new one, of which there is nothing to show. It is taken out
-    /// of the records of other numbers.
+    /// Lists \a reminder with the record of its number, and removes it from the records of other
+    /// numbers. The record is the one with the exact number, or else the first that matches
+    /// loosely, or else a new one. A new record has nothing to show.
     std::optional<Shown> bind(Reminder *reminder, const PhoneNumberKeys &keys);
 
-    /// Takes \a reminder out of the first record of the store, and of no other. This is meant.
+    /// Removes \a reminder from the first record of the store, and from no other. This is meant.
     void unbindFromFirst(const Reminder *reminder);
 
-    /// Drops the index of \a reminder, which is being destroyed. Records go on listing it, as null.
+    /// Removes the index of \a reminder, which is being destroyed. Records go on listing it as
+    /// null.
     void forget(const Reminder *reminder) { m_byReminder.remove(reminder); }
 
-    /// Whether the record of exactly that number lists \a reminder.
+    /// Returns whether the record with exactly that number lists \a reminder.
     bool isBound(const QString &normalizedNumber, const Reminder *reminder) const;
 
     void erase(const ReminderRecord *record);
 
 private:
-    using Age = quint64; ///< Ascends with each record that is added.
+    using Age = ReminderRecord::Age;
     using Records = std::map<Age, ReminderRecord>;
 
     Records::iterator findExact(const QString &normalizedNumber);
@@ -72,8 +74,8 @@ private:
     Records m_records;
     QHash<QString, Age> m_byNormalizedNumber;
     QHash<QString, QVector<Age>> m_byMinimizedNumber; ///< Ascending.
-    /// Of the records that list an object, one for each time that they do. It may be that they
-    /// listed another, which is destroyed, at the same address.
+    /// The ages of the records that list an object, each as often as it lists the object. An entry
+    /// may be left from a destroyed object that had the same address.
     QHash<const Reminder *, QVector<Age>> m_byReminder;
     QHash<uint, QVector<Age>> m_byCookie;
     Age m_lastAge = 0;

@@ -25,8 +25,8 @@ const QLatin1String filterInterface("org.cobalt.ofono.mdm.ParleyFilter");
 const QLatin1String dialPath("/mdm/parleyfilter/dial");
 const QLatin1String incomingPath("/mdm/parleyfilter/incoming");
 
-/// A filter object, which is known beforehand and need not be asked what it is, unlike that of a
-/// QDBusInterface. It is valid where "org.ofono" has an owner.
+/// A filter object. Its interface is known, so that no introspection is needed, as a QDBusInterface
+/// would do. It is valid if "org.ofono" has an owner.
 class FilterInterface : public QDBusAbstractInterface
 {
 public:
@@ -91,7 +91,7 @@ SimFiltersHelper::SimFiltersHelper(QObject *parent)
     }
 }
 
-/// Whatever a signal tells of the change, the rules are read as a whole.
+/// Every signal makes the rules be read as a whole, whatever it says about the change.
 void SimFiltersHelper::connectSignals()
 {
     const std::pair<const Filter &, const char *> filters[] = {
@@ -119,7 +119,7 @@ void SimFiltersHelper::requestIncomingRules()
     requestRules(m_incoming, &SimFiltersHelper::incomingGetAllFinished);
 }
 
-/// A request that comes while an answer is awaited is dropped, and meant so.
+/// A request while another one waits for its answer is dropped, and this is meant.
 void SimFiltersHelper::requestRules(Filter &filter, ReplyHandler finished)
 {
     if (filter.requestPending)
@@ -167,7 +167,7 @@ bool SimFiltersHelper::evaluate(const Filter &filter, const QDBusPendingCall &ca
     if (reply.isError()) {
         qDebug().nospace() << "(" << filter.name << ") GetAll() failed: " << reply.error().name()
                            << " " << reply.error().message();
-        // Filters that cannot be read lock nobody out.
+        // Filters that cannot be read stop no call.
         return m_simWatcher->isValid() && m_simWatcher->presentSimCount() > 0;
     }
     return anyActiveSimAllowed(reply.argumentAt<1>(), reply.argumentAt<2>());

@@ -15,47 +15,48 @@ class QDBusPendingCallWatcher;
 class QOfonoSimWatcher;
 
 /// Whether the SIMs in the phone may dial and receive calls under the device-management call
-/// filters. Only a reader: it changes no rule.
+/// filters. This class only reads the rules, and never changes them.
 ///
-/// The rules are those of two objects of "org.ofono" on the system bus, "/mdm/parleyfilter/dial"
-/// and "/mdm/parleyfilter/incoming". Both are read again whenever another SIM is present, and each
-/// when it says that its rules have changed.
+/// Two objects of "org.ofono" on the system bus have the rules: "/mdm/parleyfilter/dial" and
+/// "/mdm/parleyfilter/incoming". Both are read again whenever other SIMs are present, and each when
+/// it signals that its rules have changed.
 class SimFiltersHelper : public QObject
 {
     Q_OBJECT
-    /// Whether both answers are known. Once true, it stays true.
+    /// Whether both permissions are known. Once true, this stays true.
     Q_PROPERTY(bool ready READ ready NOTIFY readyChanged)
-    /// Whether at least one SIM that is present may dial. True without a SIM, where no filter
-    /// decides, and where a SIM is present and the filters cannot be read. True until it is known.
+    /// Whether at least one present SIM may dial. Also true without a SIM, because no filter
+    /// applies then; if a SIM is present and the filters cannot be read; and until the permission
+    /// is known.
     Q_PROPERTY(bool anyActiveSimCanDial READ anyActiveSimCanDial NOTIFY anyActiveSimCanDialChanged)
-    /// As anyActiveSimCanDial, for calls that come in.
+    /// The same as anyActiveSimCanDial, for incoming calls.
     Q_PROPERTY(bool anyActiveSimCanReceive READ anyActiveSimCanReceive NOTIFY
                    anyActiveSimCanReceiveChanged)
-    /// The number of SIMs that are present and have been read.
+    /// The number of present SIMs that have been read.
     Q_PROPERTY(int activeSimCount READ activeSimCount NOTIFY activeSimCountChanged)
 
 public:
-    /// What becomes of a call. All but Allow, and any other number, mean that it does not get
-    /// through.
+    /// What happens to a call. Only Allow lets it through; every other value, listed here or not,
+    /// stops it.
     enum Action {
         Block = 1,
-        Ignore = 1, ///< The same as Block, and meant so.
+        Ignore = 1, ///< Has the same value as Block, and this is meant.
         Allow = 2,
         Hangup = 3
     };
     Q_ENUM(Action)
 
-    /// What becomes of the calls of one SIM; (su) on the bus.
+    /// What happens to the calls of one SIM; (su) on the bus.
     struct Rule
     {
-        QString imsi; ///< Subscriber identity of the SIM, compared exactly.
+        QString imsi; ///< Subscriber identity of the SIM. It is compared exactly.
         quint32 action = Block; ///< An Action, or any other number.
     };
 
-    /// In the order in which they count: the first rule for a SIM decides. a(su) on the bus.
+    /// A list in which the first rule for a SIM decides; a(su) on the bus.
     using RuleList = QList<Rule>;
 
-    /// Waits for the bus daemon, which it asks for the owner of "org.ofono", and for nobody else.
+    /// Blocks until the bus daemon has told the owner of "org.ofono", and for no other process.
     explicit SimFiltersHelper(QObject *parent);
 
     bool ready() const { return m_dial.ready && m_incoming.ready; }
@@ -79,7 +80,7 @@ private Q_SLOTS:
 private:
     Q_DISABLE_COPY(SimFiltersHelper)
 
-    /// One of the two rule sets, and what it means for the SIMs that are present.
+    /// One of the two rule sets, and what it means for the present SIMs.
     struct Filter
     {
         const char *name; ///< For the log.
@@ -102,7 +103,7 @@ private:
     QOfonoSimWatcher *m_simWatcher;
     Filter m_dial;
     Filter m_incoming;
-    QStringList m_activeImsis; ///< Of the SIMs that are present, in their order.
+    QStringList m_activeImsis; ///< Of the present SIMs, in the order of the watcher.
 };
 
 Q_DECLARE_METATYPE(SimFiltersHelper::Rule)

@@ -15,8 +15,8 @@
 
 namespace {
 
-/// The process that owns the bus name \a name, as the bus daemon tells; 0 if there is none. Waits
-/// for the answer. What anybody else sends in its place is no answer.
+/// Returns the process that owns the bus name \a name according to the bus daemon; 0 if there is
+/// none. Blocks until the answer comes. An answer that another process has sent counts as none.
 qint32 processOf(const QDBusConnection &bus, const QString &name)
 {
     const QDBusMessage answer =
@@ -103,7 +103,7 @@ bool ParleyUiAdaptor::isPrivilegedCaller(const QStringList &exemptServices)
         return true;
 
     for (const QString &service : exemptServices) {
-        // A name without an owner has no process, not even that of a caller that has gone.
+        // Both are 0 if the name has no owner and the caller has gone: this is no match.
         const qint32 owner = processOf(connection(), service);
         if (owner != 0 && owner == pid)
             return true;

@@ -11,10 +11,10 @@
 ///
 /// While an object of this class exists, it offers the interface "com.nimbo.parley.ui" at the path
 /// "/" of the session bus; with the first one the process takes the name "com.nimbo.parley.ui".
-/// Every method call becomes the signal of the same name, emitted before the caller gets its reply;
-/// what "show" or "dial" means on the screen is for the receiver to decide.
+/// Every method call becomes the signal of the same name, which is emitted before the caller gets
+/// its reply. The receiver decides what "show" or "dial" means on the screen.
 ///
-/// Where the path or the name cannot be had, a warning is logged, and the object is a working
+/// If the path or the name is not available, a warning is logged, and the object is a working
 /// QObject that requests under the name do not reach. Nothing is retried.
 ///
 /// A handler may destroy the object.
@@ -26,22 +26,23 @@ class ParleyUiAdaptor : public QObject, protected QDBusContext
 public:
     explicit ParleyUiAdaptor(QObject *parent = nullptr);
 
-    /// Whether the process that sent the call being served may use what is guarded: this process
-    /// itself, the owner of one of \a exemptServices (bus names), a process of group
-    /// "privileged", or one of user "root".
+    /// Returns whether the process that sent the current call may use a guarded method. It may if
+    /// it is this process itself, the owner of one of \a exemptServices (bus names), a process of
+    /// group "privileged", or one of user "root".
     ///
-    /// Where it may not, the caller has been sent org.freedesktop.DBus.Error.AccessDenied, a
-    /// warning has been logged, and nothing is left to do but return. A caller whose process the
-    /// bus daemon itself does not name is refused. Only to be called while a call from the bus is
-    /// served. Blocks for one round trip to the bus daemon, and one more for each exempt service.
+    /// If it may not, this function sends the caller org.freedesktop.DBus.Error.AccessDenied and
+    /// logs a warning; the method only has to return. A caller whose process the bus daemon itself
+    /// does not name is refused. Call this function only while a call from the bus is being
+    /// handled. It blocks for one round trip to the bus daemon, and for one more for each exempt
+    /// service.
     bool isPrivilegedCaller(const QStringList &exemptServices);
 
 Q_SIGNALS:
-    /// Bring the call UI to the front. \a args are the caller's, and may be empty.
+    /// Bring the call UI to the front. \a args are those of the caller, and may be empty.
     void show(QStringList args);
     /// Bring the ongoing call to the front.
     void showOngoing();
-    /// Open the URLs in \a arg, which has at least one element; they are as the caller sent them.
+    /// Open the URLs in \a arg, which has at least one element. They are as the caller sent them.
     void openUrl(QStringList arg);
     /// Call \a number, which may be empty.
     void dial(QString number);

@@ -16,7 +16,7 @@ bool isDialable(char32_t c)
     return QChar::isDigit(c) || c == U'*' || c == U'#';
 }
 
-/// 'p' (pause), 'w' (wait), 'x' (extension), or 0 if \a c is none of them.
+/// Returns 'p' (pause), 'w' (wait) or 'x' (extension), or 0 if \a c stands for none of them.
 char dialStringCharacter(char32_t c)
 {
     switch (c) {

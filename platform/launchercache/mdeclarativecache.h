@@ -6,18 +6,19 @@
 class QGuiApplication;
 class QQuickView;
 
-/// Hands out the application and the view of a process.
+/// Provides the application and the view of a process.
 ///
-/// A handset's launcher may have made both in advance, in a process that waited for its program.
-/// Here both are made when they are asked for.
+/// On a handset, a launcher may have created both in advance, in a process that waits for its
+/// program. This implementation creates them on request.
 class MDeclarativeCache
 {
 public:
-    /// The application object of this process. \a argc and \a argv are main's and must outlive
-    /// it; Qt takes its own arguments out of them. The caller owns the result. To be called once.
+    /// Returns the application object of this process, which the caller owns. \a argc and \a argv
+    /// are those of main() and must outlive the object. Qt removes its own arguments from them.
+    /// Call this function only once.
     static QGuiApplication *qApplication(int &argc, char **argv);
 
-    /// A view without a source, not yet shown. The caller owns the result and deletes it before the
+    /// Returns a hidden view without a source. The caller owns it and deletes it before the
     /// application.
     static QQuickView *qQuickView();
 };

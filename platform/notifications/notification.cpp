@@ -17,10 +17,10 @@ namespace {
 
 const QLatin1String service("org.freedesktop.Notifications");
 const QLatin1String path("/org/freedesktop/Notifications");
-/// Qt's timer for it may be a twentieth late: five seconds at most.
+/// Qt's timer may be late by a twentieth, so this makes five seconds at most.
 constexpr std::chrono::milliseconds patience(4750);
 
-/// An action as the service gets it, as a hint beside the standard ones.
+/// Returns an action in the form in which the service gets it: as an additional hint.
 QVariantMap remoteCall(const QVariantMap &action)
 {
     QVariantMap call;

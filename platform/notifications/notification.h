@@ -12,8 +12,8 @@
 
 class QDBusArgument;
 
-/// A notification as the notification service tells of it. On the bus (susssasa{sv}i): application
-/// name, id, icon, summary, body, actions, hints, expire timeout.
+/// A notification in the form in which the notification service lists it. On the bus it is
+/// (susssasa{sv}i): application name, id, icon, summary, body, actions, hints, expire timeout.
 struct NotificationData
 {
     QString appName;
@@ -21,9 +21,9 @@ struct NotificationData
     QString appIcon;
     QString summary;
     QString body;
-    QStringList actions; ///< Names and labels in turn.
+    QStringList actions; ///< Names and labels alternate.
     QVariantMap hints;
-    int expireTimeout = -1; ///< Milliseconds; -1 leaves it to the service, 0 is never.
+    int expireTimeout = -1; ///< In milliseconds; -1 leaves it to the service, 0 means never.
 };
 
 QDBusArgument &operator<<(QDBusArgument &argument, const NotificationData &data);
@@ -32,8 +32,8 @@ const QDBusArgument &operator>>(const QDBusArgument &argument, NotificationData 
 Q_DECLARE_METATYPE(NotificationData)
 
 /// A notification to be shown by the service "org.freedesktop.Notifications" of the session bus.
-/// It stays with the service when the object goes. The interface is that of the Desktop
-/// Notifications Specification 1.2.
+/// The service goes on showing it when the object is destroyed. The interface is that of the
+/// Desktop Notifications Specification 1.2.
 class Notification : public QObject
 {
     Q_OBJECT
@@ -48,21 +48,22 @@ public:
     void setSummary(const QString &summary) { m_data.summary = summary; }
     void setBody(const QString &body) { m_data.body = body; }
     void setUrgency(Urgency urgency) { m_urgency = urgency; }
-    /// The notification that this one takes the place of; 0 for a new one.
+    /// Sets the notification that this one replaces; 0 for a new one.
     void setReplacesId(uint id) { m_data.id = id; }
     void setHintValue(const QString &hint, const QVariant &value)
     {
         m_data.hints.insert(hint, value);
     }
-    /// Each is a QVariantMap: the D-Bus call ("service", "path", "iface", "method", "arguments", a
-    /// list) that the service makes when the action "name" is chosen, labelled "displayName".
+    /// Sets the actions. Each is a QVariantMap: "name", "displayName" (its label), and the D-Bus
+    /// call that the service makes when the user chooses it ("service", "path", "iface", "method"
+    /// and "arguments", a list).
     void setRemoteActions(const QVariantList &actions) { m_remoteActions = actions; }
 
-    /// Shows it. Returns once the service has given it an id, or after five seconds at most; events
-    /// are served meanwhile, whose handlers may destroy this object.
+    /// Shows the notification. Blocks until the service has given it an id, for five seconds at
+    /// most. Events are processed meanwhile, whose handlers may destroy this object.
     void publish();
 
-    /// After publish() the id that the service gave; as it was, if it gave none.
+    /// Returns the id that the service has given in publish(). Unchanged if it has given none.
     uint replacesId() const { return m_data.id; }
 
 private:

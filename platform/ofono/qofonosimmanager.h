@@ -5,13 +5,14 @@
 
 #include <QString>
 
-/// A SIM that is present, as it was when it was asked for.
+/// A SIM that is present, in its state at the time of QOfonoSimWatcher::presentSimList().
 class QOfonoSimManager
 {
 public:
     explicit QOfonoSimManager(QString subscriberIdentity);
 
-    /// Its IMSI (3GPP TS 23.003, 2.2). Empty while the SIM has not been read, as when it is locked.
+    /// The IMSI (3GPP TS 23.003, 2.2). Empty while the SIM cannot be read, for example because it
+    /// is locked.
     QString subscriberIdentity() const { return m_subscriberIdentity; }
 
 private:

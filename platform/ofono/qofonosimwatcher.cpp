@@ -27,12 +27,12 @@ const QLatin1String interfacesProperty("Interfaces");
 const QLatin1String presentProperty("Present");
 const QLatin1String subscriberIdentityProperty("SubscriberIdentity");
 
-/// Says so where \a answer is none of that shape.
+/// Returns whether \a answer has the signature. Logs a warning if it has not.
 bool hasShape(const QDBusMessage &answer, const char *signature, const QString &method)
 {
     if (answer.type() == QDBusMessage::ErrorMessage) {
-        // Without oFono there are no SIMs to know of, and its coming is noticed; without a bus
-        // there will be none.
+        // Without oFono no SIM can be known, and its start will be noticed. Without a bus there
+        // will be no oFono.
         const QDBusError::ErrorType type = QDBusError(answer).type();
         if (type != QDBusError::ServiceUnknown && type != QDBusError::Disconnected)
             qWarning() << "Could not ask oFono for" << method << QDBusError(answer);
@@ -63,7 +63,7 @@ QOfonoSimWatcher::QOfonoSimWatcher(QObject *parent)
                   SLOT(modemAdded(QDBusMessage)));
     m_bus.connect(service, managerPath, managerInterface, QStringLiteral("ModemRemoved"), this,
                   SLOT(modemRemoved(QDBusMessage)));
-    // Those of all modems.
+    // Subscribe to the changes of all modems.
     m_bus.connect(service, QString(), modemInterface, propertyChanged, this,
                   SLOT(modemPropertyChanged(QDBusMessage)));
     m_bus.connect(service, QString(), simManagerInterface, propertyChanged, this,
@@ -85,8 +85,8 @@ QList<QSharedPointer<QOfonoSimManager>> QOfonoSimWatcher::presentSimList() const
     return sims;
 }
 
-/// Waits for the answer as long as oFono lives: one that hangs may go on after minutes, and would
-/// not be asked again. \a handler is not called once \a context has gone.
+/// Waits for the answer as long as oFono lives: an oFono that hangs may go on after minutes, and
+/// would not be asked again. \a handler is not called once \a context is destroyed.
 void QOfonoSimWatcher::ask(const QString &path, const QString &interface, const QString &method,
                            QObject *context, const AnswerHandler &handler)
 {
@@ -136,7 +136,7 @@ void QOfonoSimWatcher::readModems(const QDBusMessage &answer)
 
 void QOfonoSimWatcher::modemAdded(const QDBusMessage &message)
 {
-    // What is told before the list of modems is in the list as well.
+    // A modem that is added before the list of modems comes is in the list as well.
     if (!m_modemsKnown || message.signature() != QLatin1String("oa{sv}"))
         return;
     const QString path = message.arguments().at(0).value<QDBusObjectPath>().path();
@@ -182,7 +182,7 @@ void QOfonoSimWatcher::askForSim(const QString &path)
         [this, path](const QDBusMessage &answer) { readSim(path, answer); });
 }
 
-/// A SIM manager that does not tell has no SIM.
+/// A SIM manager that gives no properties counts as one without a SIM.
 void QOfonoSimWatcher::readSim(const QString &path, const QDBusMessage &answer)
 {
     QVariantMap properties;
@@ -198,7 +198,7 @@ void QOfonoSimWatcher::readSim(const QString &path, const QDBusMessage &answer)
 void QOfonoSimWatcher::simPropertyChanged(const QDBusMessage &message)
 {
     const auto found = m_modems.find(message.path());
-    // What changes before the properties are known is known with them.
+    // Properties that change before the answer to GetProperties are in that answer.
     if (found == m_modems.end() || !found->second.simKnown
         || message.signature() != QLatin1String("sv"))
         return;
@@ -207,7 +207,7 @@ void QOfonoSimWatcher::simPropertyChanged(const QDBusMessage &message)
     if (name == presentProperty) {
         const bool comes = valueOf(message).toBool() && !modem.simPresent;
         modem.simPresent = valueOf(message).toBool();
-        // The next SIM has another identity, which is told or is there already.
+        // The next SIM has another identity, which oFono signals later or has already.
         if (comes)
             askForSim(message.path());
         if (!modem.simPresent)
@@ -235,7 +235,7 @@ QStringList QOfonoSimWatcher::findPresentSims() const
     return identities;
 }
 
-/// Tells last of what has changed: whoever is told may end this object.
+/// Emits the signals last, because a handler may destroy this object.
 void QOfonoSimWatcher::update()
 {
     const bool valid = m_modemsKnown && (m_valid || isEverySimKnown());

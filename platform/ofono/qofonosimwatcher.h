@@ -20,10 +20,10 @@
 
 class QDBusMessage;
 
-/// The SIMs that are present in the modems of oFono: "org.ofono" on the system bus, interfaces
-/// org.ofono.Manager, org.ofono.Modem and org.ofono.SimManager of its D-Bus API.
+/// The SIMs that are present in the modems of oFono: "org.ofono" on the system bus, with the
+/// interfaces org.ofono.Manager, org.ofono.Modem and org.ofono.SimManager of its D-Bus API.
 ///
-/// Nothing waits for oFono, which may come, go and return.
+/// No function blocks until oFono answers. oFono may start, stop and start again at any time.
 class QOfonoSimWatcher : public QObject
 {
     Q_OBJECT
@@ -31,21 +31,21 @@ class QOfonoSimWatcher : public QObject
 public:
     explicit QOfonoSimWatcher(QObject *parent = nullptr);
 
-    /// Whether the SIMs are known: oFono has named its modems, and told of the SIM of each. False
-    /// while there is no oFono; a modem that comes later does not make it false.
+    /// Returns whether the SIMs are known: oFono has listed its modems, and the SIM of each. False
+    /// while there is no oFono. A modem that is added later does not make it false.
     bool isValid() const { return m_valid; }
 
-    /// Whether only SIMs with a subscriber identity are listed, those that have been read. At
-    /// first, all are.
+    /// Sets whether only SIMs with a subscriber identity are listed, which are those that have been
+    /// read. The default is to list all.
     void setRequireSubscriberIdentity(bool required);
 
-    /// The SIMs that are present, in the order of their modems' paths.
+    /// Returns the SIMs that are present, in the order of their modems' paths.
     QList<QSharedPointer<QOfonoSimManager>> presentSimList() const;
     int presentSimCount() const { return m_presentSims.size(); }
 
 Q_SIGNALS:
     void validChanged();
-    /// A SIM has come or gone, or has another subscriber identity than before.
+    /// A SIM was added or removed, or has another subscriber identity than before.
     void presentSimListChanged();
 
 private Q_SLOTS:
@@ -57,7 +57,7 @@ private Q_SLOTS:
 private:
     struct Modem
     {
-        std::unique_ptr<QObject> simManager; ///< Takes its answers; null where it has none.
+        std::unique_ptr<QObject> simManager; ///< The context of its answers; null if there is none.
         bool simKnown = false;
         bool simPresent = false;
         QString subscriberIdentity;
@@ -77,8 +77,8 @@ private:
 
     QDBusConnection m_bus;
     QDBusServiceWatcher m_serviceWatcher;
-    std::unique_ptr<CallQueue> m_calls; ///< To the oFono that is there now.
-    std::unique_ptr<QObject> m_manager; ///< Takes the answers of the oFono that is there now.
+    std::unique_ptr<CallQueue> m_calls; ///< The calls to the current oFono.
+    std::unique_ptr<QObject> m_manager; ///< The context of the current oFono's answers.
     bool m_modemsKnown = false;
     std::map<QString, Modem> m_modems; ///< By path.
     bool m_identityRequired = false;

@@ -9,7 +9,7 @@
 
 #include <cstring>
 
-/// The connection to dconf. Opening one costs as much as a hundred reads, so items share it.
+/// The connection to dconf. Items share it because opening one costs as much as a hundred reads.
 class MGConfItem::Store
 {
 public:
@@ -39,15 +39,15 @@ private:
 
 namespace {
 
-/// dconf aborts on a text that is not a key, so none gets that far.
+/// Returns \a text as a key, or nothing if it is not a key: dconf would abort the process.
 QByteArray dconfKey(const QString &text)
 {
     const QByteArray key = text.toUtf8();
     return !key.contains('\0') && dconf_is_key(key.constData(), nullptr) ? key : QByteArray();
 }
 
-/// A list of strings in normal form is its strings, each with its NUL, one behind the other. Asking
-/// GVariant for one at a time takes a time that grows with the square of their number.
+/// Reads the data of the list directly: in normal form it is a sequence of NUL-terminated strings.
+/// To get them from GVariant one by one takes a time that grows with the square of their number.
 QStringList toStringList(GVariant *list)
 {
     const std::unique_ptr<GVariant, decltype(&g_variant_unref)> strings(

@@ -18,9 +18,9 @@ class MGConfItem
 public:
     explicit MGConfItem(const QString &key);
 
-    /// The value that the key has now: a QString, QStringList, bool, int, uint, qlonglong,
-    /// qulonglong or double, after the type of the setting. Invalid if the key is unset, cannot be
-    /// read, or is of any other type.
+    /// Returns the current value of the key: a QString, QStringList, bool, int, uint, qlonglong,
+    /// qulonglong or double, depending on the type of the setting. Invalid if the key is unset,
+    /// cannot be read, or has any other type.
     QVariant value() const;
 
 private:
@@ -28,6 +28,6 @@ private:
 
     class Store;
 
-    QByteArray m_key; ///< Empty if the text was not a dconf key.
+    QByteArray m_key; ///< Empty if the text is not a dconf key.
     std::shared_ptr<Store> m_store;
 };

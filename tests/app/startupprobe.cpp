@@ -2,8 +2,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
 
 // Loaded into the built call UI with LD_PRELOAD: prints every step of its start-up and of its end
-// as it is taken, and takes it. The functions are caught under their linker names, each with the
-// registers that it may have arguments in; what a step is called with is printed where it matters.
+// as it is taken, and then takes it. No seam shows the order of these steps, because main() calls
+// Qt directly, and most of the steps have no effect that another process can see at once. Each
+// function is replaced under its linker name and takes the registers that may hold its arguments.
+// Arguments are printed where they matter.
 
 #include <QCoreApplication>
 #include <QFile>
@@ -89,7 +91,7 @@ STEP(_ZN7QWindow15requestActivateEv, "requestActivate", {})
 STEP(_ZN7QWindow5raiseEv, "raise", {})
 STEP(_ZN15QGuiApplication4execEv, "exec", {})
 
-/// Its destructor is not called by name.
+/// Signals report the destruction, because the destructors are not called by their linker names.
 extern "C" Q_DECL_EXPORT Register _ZN10QQuickViewC1EP7QWindow(Register a, Register b, Register c,
                                                               Register d, Register e, Register f)
 {
@@ -112,7 +114,8 @@ extern "C" Q_DECL_EXPORT Register _ZN11QQmlPrivate11qmlregisterENS_16Registratio
     return next("_ZN11QQmlPrivate11qmlregisterENS_16RegistrationTypeEPv")(a, b, c, d, e, f);
 }
 
-/// sender, signal, receiver, slot, type; the result is returned through the first register.
+/// The arguments are sender, signal, receiver, slot and type. The first register has the address of
+/// the result.
 extern "C" Q_DECL_EXPORT Register _ZN7QObject7connectEPKS_PKcS1_S3_N2Qt14ConnectionTypeE(
     Register a, Register b, Register c, Register d, Register e, Register f)
 {

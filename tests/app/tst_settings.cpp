@@ -20,7 +20,7 @@ const QString supportedKey = u"/desktop/nimbo/specials/supported"_s;
 
 } // namespace
 
-/// What start-up makes of its settings and arguments.
+/// How the start-up reads its settings and arguments.
 class TestSettings : public QObject
 {
     Q_OBJECT

@@ -164,7 +164,7 @@ void TestSpecialSequences::areReadOnce()
 void TestSpecialSequences::costLittleByTheTenThousand()
 {
     if (!qEnvironmentVariableIsSet("PARLEY_UI_OPTIMIZED"))
-        QSKIP("the time of a build for debugging says nothing");
+        QSKIP("the times of a debug build mean nothing");
 
     Settings settings;
     QStringList names;
@@ -196,7 +196,7 @@ void TestSpecialSequences::costLittleByTheTenThousand()
     QVERIFY(median < 2);
 }
 
-/// Milliseconds from the start of the process to the first frame of the demo screens.
+/// Returns the milliseconds from the start of the process to the first frame of the demo screens.
 double TestSpecialSequences::startUp(UiUnderTest &ui)
 {
     const QString screens = ui.writeFile(

@@ -2,8 +2,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
 
 #include "literals.h"
+#include "scriptedservice.h"
 #include "uiundertest.h"
 
+#include <QDBusMessage>
 #include <QDir>
 #include <QFile>
 #include <QProcess>
@@ -24,7 +26,7 @@ const QString cataloguesFolder = u"/usr/share/translations"_s;
 
 constexpr uid_t nobody = 65534;
 
-/// What Qt says where windows are drawn off screen.
+/// Qt logs this when windows are drawn off screen.
 const QString cannotRaise = u"This plugin does not support raise()"_s;
 
 QByteArray contentOf(const QString &path)
@@ -114,7 +116,7 @@ void TestStartup::takesItsStepsInOrder()
     QFETCH(bool, devel);
 
 #ifndef Q_PROCESSOR_X86_64
-    QSKIP("the probe knows how x86-64 passes arguments");
+    QSKIP("the probe only supports the calling convention of x86-64");
 #endif
     QVERIFY(m_ui->writeSettings({
         {u"/desktop/nimbo/specials/supported"_s, u"['one']"_s},
@@ -185,7 +187,7 @@ void TestStartup::takesItsStepsInOrder()
 void TestStartup::undoesItsStepsInReverse()
 {
 #ifndef Q_PROCESSOR_X86_64
-    QSKIP("the probe knows how x86-64 passes arguments");
+    QSKIP("the probe only supports the calling convention of x86-64");
 #endif
     m_ui->setEnvironment(u"LD_PRELOAD"_s, QStringLiteral(PARLEY_STARTUP_PROBE));
     QVERIFY(m_ui->startProbe({u"-devel"_s}));
@@ -465,20 +467,22 @@ void TestStartup::outlivesBadScreens()
     path.replace(u"FOLDER"_s, m_ui->folder());
     complaint.replace(u"FOLDER"_s, m_ui->folder());
 
-    m_ui->setEnvironment(u"LD_PRELOAD"_s, QStringLiteral(PARLEY_STARTUP_PROBE));
     m_ui->start({u"-prestart"_s, u"-qml"_s, path});
-    QVERIFY(m_ui->logs(u"step: exec"_s));
+    QVERIFY(m_ui->claimStartUpLines());
     if (!complaint.isEmpty())
         QVERIFY(!m_ui->lineBeginning(complaint).isNull());
+    // Its event loop runs, because it calls a telephony stack that starts later.
+    ScriptedService telephony(m_ui->systemBus().address(), u"org.ofono"_s, u"/"_s);
+    QCOMPARE(telephony.next().member(), u"GetModems"_s);
     QVERIFY(m_ui->isRunning());
-    m_ui->takeLog(); // the probe's steps, and more of Qt's complaint
+    m_ui->takeLog(); // Qt may have logged more about the screens.
 }
 
 void TestStartup::outlivesScreensThatItMayNotRead()
 {
     const QString screens = m_ui->writeFile(u"secret.qml"_s, screensSaying("read"));
     QVERIFY(QFile::setPermissions(screens, {}));
-    if (geteuid() == 0) { // which may read everything, and so becomes somebody else
+    if (geteuid() == 0) { // Root may read everything, so run as another user.
         const QString home = m_ui->folder() + u"/home"_s;
         QVERIFY(QDir().mkpath(home));
         QCOMPARE(chown(qUtf8Printable(home), nobody, nobody), 0);
@@ -515,7 +519,8 @@ void TestStartup::isPositionIndependent()
     QVERIFY(program.open(QIODevice::ReadOnly));
     Elf64_Ehdr header = {};
     QCOMPARE(program.read(reinterpret_cast<char *>(&header), sizeof header), qint64(sizeof header));
-    QCOMPARE(header.e_type, Elf64_Half(ET_DYN)); // at the same place in 32-bit programs
+    // The field is at the same place in 32-bit programs.
+    QCOMPARE(header.e_type, Elf64_Half(ET_DYN));
 }
 
 QTEST_GUILESS_MAIN(TestStartup)

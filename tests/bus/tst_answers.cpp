@@ -23,7 +23,7 @@ const QString serviceName = u"com.example.Service"_s;
 
 } // namespace
 
-/// Answers of a service that is played message by message, and of a stranger.
+/// The answers of a service that the test plays message by message, and of a stranger.
 class TestAnswers : public QObject
 {
     Q_OBJECT
@@ -132,7 +132,7 @@ void TestAnswers::areHandedOver()
 
     whenAsked([this](DBusMessage *call) { m_service->send(replyTo(call, 7).get()); });
     ask(ofOwner);
-    QVERIFY(!m_answer); // not before the event loop runs
+    QVERIFY(!m_answer); // The handler runs only from the event loop.
     QTRY_VERIFY((pump(), m_answer));
     QCOMPARE(m_answer->arguments(), QVariantList{7U});
 }
@@ -170,7 +170,7 @@ void TestAnswers::areDroppedOnceTheContextHasGone()
     QTRY_COMPARE((pump(), calls), 2);
     m_context = std::make_unique<QObject>();
     ask(false);
-    QTRY_VERIFY((pump(), m_answer)); // the one that came last, and no other
+    QTRY_VERIFY((pump(), m_answer)); // Only the call that came last has an answer.
     QCOMPARE(calls, 3);
 }
 
@@ -193,7 +193,7 @@ void TestAnswers::areTheOwnersAlone_data()
     QTest::newRow("an error") << true;
 }
 
-/// What a stranger answers first comes as an error, and the owner's answer not at all.
+/// If a stranger answers first, the handler gets an error, and not the owner's answer.
 void TestAnswers::areTheOwnersAlone()
 {
     QFETCH(bool, isError);
@@ -224,7 +224,8 @@ void TestAnswers::areNotThoseOfAnOwnerThatHasGone()
         answered = true;
     });
     ask(true);
-    // The event loop does not run meanwhile: the answer is read when the name has gone.
+    // The event loop does not run meanwhile, so the answer is read when the name has no owner any
+    // more.
     while (!answered)
         m_service->pump();
     QVERIFY(m_service->release("com.example.Service"));

@@ -106,7 +106,7 @@ void TestCallQueue::makesSomeAtATime()
         add(i);
     m_service->settle();
     QCOMPARE(m_service->waiting(), atATime);
-    // In whatever order they are answered.
+    // The order of the answers does not matter.
     const QDBusMessage first = next(0);
     m_service->reply(next(1), {u"one"_s});
     m_service->settle();
@@ -122,7 +122,7 @@ void TestCallQueue::makesSomeAtATime()
     QCOMPARE(m_answers, expected);
 }
 
-/// The bus counts a call until it is answered; one that has not been made is not made any more.
+/// The bus counts a call until it is answered. A call that still waits is not made any more.
 void TestCallQueue::goesOnWithWhatNobodyWants()
 {
     auto context = std::make_unique<QObject>();

@@ -11,30 +11,30 @@
 class Document
 {
 public:
-    /// What stands between two fences.
+    /// The text between two fences.
     struct Block
     {
-        QString kind; ///< What stands behind the first fence: "qml".
+        QString kind; ///< The text after the first fence, for example "qml".
         QStringList lines;
-        int number; ///< Of the first fence's line.
+        int number; ///< The number of the line with the first fence.
     };
 
-    /// A line of a table, but for its first two.
+    /// A line of a table, except for the first two.
     struct Row
     {
-        QString section; ///< The heading above it.
-        QString column; ///< What the table's first column is called.
+        QString section; ///< The heading above the table.
+        QString column; ///< The title of the first column.
         QStringList cells;
     };
 
-    /// Reads the file; a page without anything if there is none.
+    /// Reads the file. The page is empty if there is none.
     explicit Document(const QString &fileName);
 
     const QVector<Block> &blocks() const { return m_blocks; }
     const QVector<Row> &rows() const { return m_rows; }
-    /// What a link may say behind '#'.
+    /// The anchors that a link may have after '#'.
     const QStringList &anchors() const { return m_anchors; }
-    /// Where its links lead to.
+    /// The targets of the links.
     const QStringList &links() const { return m_links; }
 
 private:
@@ -46,8 +46,9 @@ private:
     QStringList m_anchors;
     QStringList m_links;
 
-    // While it is read:
+    // The state while the page is read:
     QString m_section;
-    QString m_column; ///< Of the table that is being read; empty outside of one.
+    /// The title of the first column of the current table; empty outside of a table.
+    QString m_column;
     bool m_inBlock = false;
 };

@@ -21,7 +21,7 @@ namespace {
 
 constexpr int patience = 30000;
 
-/// The last line of a start with a window, where windows are drawn off screen.
+/// The last line of a start with a window when windows are drawn off screen.
 const QString shown = u"This plugin does not support raise()"_s;
 
 const QByteArray barredSim = R"({
@@ -35,7 +35,7 @@ QString said(const QStringList &lines)
     return lines.isEmpty() ? u"nothing"_s : u'"' + lines.join(u"\", \""_s) + u'"';
 }
 
-/// What \a line stands for, where it names a process, a user and a group as examples.
+/// Returns the pattern for \a line, which has a process, a user and a group as examples.
 QRegularExpression patternOf(const QString &line)
 {
     QString pattern = QRegularExpression::escape(line);
@@ -101,7 +101,7 @@ bool ExampleRunner::startService(const QString &name, const QString &busName,
                            patience);
 }
 
-/// Nothing is activated on a bus of our own.
+/// No service is activated on a bus of our own.
 bool ExampleRunner::startSettings()
 {
     auto service = std::make_unique<ChildProcess>();
@@ -192,7 +192,7 @@ ExampleRunner::Result ExampleRunner::execute(const QStringList &command)
     process.setProcessEnvironment(environment());
     process.setProcessChannelMode(QProcess::MergedChannels);
     process.start(command.constFirst(), command.mid(1));
-    // Meanwhile the call UI's log is read, and its calls are answered.
+    // Read the call UI's log and answer its calls meanwhile.
     if (!QTest::qWaitFor([&process] { return process.state() == QProcess::NotRunning; }, patience))
         return {-1, {u"it does not end"_s}};
     QStringList output = QString::fromUtf8(process.readAll()).split(u'\n');
@@ -248,7 +248,7 @@ QString ExampleRunner::runConsole(const Document::Block &block, const QStringLis
     return {};
 }
 
-/// The probe has reported the request that \a command makes, and no other.
+/// Returns whether the probe has reported the request that \a command makes, and no other.
 QString ExampleRunner::checkRequest(const QString &command)
 {
     static const QRegularExpression call(u"call.* com\\.nimbo\\.parley\\.ui[ .](\\w+)"_s,
@@ -275,7 +275,8 @@ QString ExampleRunner::checkLog(const Document::Block &block)
     return {};
 }
 
-/// Default messages are shown in another form than they are written in, others as they are.
+/// Checks that default messages are shown in another form than they are written, and others
+/// unchanged.
 QString ExampleRunner::checkReplies(const Document::Block &block)
 {
     const QByteArray json = block.lines.join(u'\n').toUtf8() + '\n';

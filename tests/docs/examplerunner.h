@@ -13,29 +13,28 @@
 #include <memory>
 #include <vector>
 
-/// Runs the examples of a page, in their order, on a handset where all that the page speaks of is
-/// there: the services, and a SIM that may not dial.
+/// Runs the examples of a page in their order, on a handset that has everything that the pages
+/// mention: the services, and a SIM that may not dial.
 ///
-/// - "qml" is the screens from there on; before the first one, the probe is.
-/// - "sh" is run by a shell; it is to end well and say nothing.
-/// - "console" has commands, each behind "$ ", and what they print.
-/// - "console guest" is the same where the commands are run by somebody without privileges; 4242 is
-///   any process id.
+/// - "qml" is a file of screens, which run from there on. The probe runs before the first one.
+/// - "sh" is run by a shell, and has to succeed without output.
+/// - "console" has commands, each after "$ ", and their output.
+/// - "console guest" is the same with a user without privileges; 4242 stands for any process id.
 /// - "log" has the lines that the call UI has logged since the screens were loaded; "guest" and
-///   "users" are any user and group.
-/// - "json" is the file of the quick replies, which are to be shown.
-/// - "not-run" in the kind is what its name says.
+///   "users" stand for any user and group.
+/// - "json" is the file of the quick replies, all of which have to be shown.
+/// - A block with "not-run" in its kind is not run.
 class ExampleRunner
 {
 public:
     ExampleRunner();
     ~ExampleRunner();
 
-    /// Starts the services. Whether they are there.
+    /// Starts the services. Returns whether they run.
     bool start();
-    /// Why \a block is not true, or nothing.
+    /// Runs \a block. Returns why it is wrong, or nothing.
     QString run(const Document::Block &block);
-    /// Ends the call UI and the services; the lines that they have logged and no block has.
+    /// Ends the call UI and the services. Returns their lines in the log that no block has.
     QStringList end();
 
 private:

@@ -4,7 +4,7 @@
 import QtQuick 2.15
 import com.nimbo.parley 1.0
 
-// Says which quick replies there are.
+// Logs the quick replies.
 Item {
     Repeater {
         model: QuickMessagesModel {}

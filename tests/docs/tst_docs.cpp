@@ -35,7 +35,7 @@ QString pathOf(const QString &page)
     return source.filePath(u"docs/"_s + page);
 }
 
-/// What stands in backticks in \a cell.
+/// Returns the texts in backticks in \a cell.
 QStringList codeIn(const QString &cell)
 {
     static const QRegularExpression code(u"`([^`]*)`"_s);
@@ -64,7 +64,7 @@ QString callOf(const QMetaMethod &method)
     return QString::fromLatin1(method.name()) + u'(' + names.join(u", "_s) + u')';
 }
 
-/// A line for each member of the class itself that QML sees.
+/// Returns a line for each member that QML sees, without the inherited ones.
 QStringList membersOf(const QMetaObject &type)
 {
     QStringList members;
@@ -86,7 +86,7 @@ QStringList membersOf(const QMetaObject &type)
     return members;
 }
 
-/// The same as the page has it.
+/// Returns the same lines from the page.
 QStringList documentedMembers(const Document &page, const QString &type)
 {
     QStringList members;
@@ -155,7 +155,7 @@ void TestDocs::hasExamplesThatToolsUnderstand_data()
     runsItsExamples_data();
 }
 
-/// With the description of our types, the linter knows every type of ours that is used.
+/// With the description of our types, the linter knows every one of them that is used.
 void TestDocs::hasExamplesThatToolsUnderstand()
 {
     QFETCH(QString, page);
@@ -241,7 +241,7 @@ void TestDocs::hasEveryContextProperty()
     QCOMPARE(documented, set);
 }
 
-/// The page's table is what busctl prints on the same page.
+/// The table of the page matches what busctl prints on the same page.
 void TestDocs::hasEveryMethodOfTheService()
 {
     const Document page(pathOf(u"bus-api.md"_s));

@@ -7,7 +7,7 @@
 #include <QJsonArray>
 #include <QTest>
 
-/// What the description of the QML module does where it is installed: nothing, to the process.
+/// An installed description of the QML module has no effect on the process.
 class TestQmlModule : public QObject
 {
     Q_OBJECT
@@ -34,7 +34,7 @@ void TestQmlModule::leavesTheImportAsItIs()
     if (installed)
         ui.sandbox().place(QStringLiteral(PARLEY_QML_IMPORT_PATH "/com/nimbo/parley"),
                            QStringLiteral(PARLEY_QML_MODULE));
-    // The probe's own import is the one that is looked at; it lists what it may make.
+    // The probe imports the module. The line lists the types that it can create.
     QVERIFY(ui.startProbe({u"-prestart"_s}));
     const QJsonValue made = ui.evaluate(
         u"['QuickMessagesModel', 'Reminder', 'RemindersBase', 'Reminders', 'SimFiltersHelper']"

@@ -5,7 +5,7 @@
 
 #include <QQmlExtensionPlugin>
 
-/// The process's QML types as a plugin, for the tool that describes a plugin's types.
+/// The QML types of the process as a plugin, for the tool that describes the types of a plugin.
 class TypesPlugin : public QQmlExtensionPlugin
 {
     Q_OBJECT

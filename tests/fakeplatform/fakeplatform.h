@@ -11,28 +11,28 @@
 
 #include <functional>
 
-/// What the platform's clients do while the object lives, and what they have been asked to.
+/// Defines what the platform's clients do while the object lives, and records what they were asked
+/// to do.
 ///
-/// The time daemon's calls themselves go over the system bus, where a test answers them as it
-/// likes.
+/// The calls to the time daemon do go over the system bus, where a test answers them.
 class FakePlatform
 {
 public:
     FakePlatform();
     ~FakePlatform();
 
-    /// The one that lives. There must be one when a client is used.
+    /// Returns the living object. There must be one when a client is used.
     static FakePlatform &instance();
 
-    /// The calls of clients in the order in which they came, as "function(argument, ...)".
+    /// Returns the calls of clients in their order, as "function(argument, ...)", and forgets them.
     QStringList takeCalls();
     void record(const QString &call) { m_calls.append(call); }
 
-    /// What the settings store has.
+    /// The content of the settings store.
     QVariantMap settings;
 
-    /// The contacts cache's keys of a number. As set here, they can be told apart, and from the
-    /// number.
+    /// The functions that make the contacts cache's keys of a number. By default the keys differ
+    /// from each other and from the number.
     std::function<QString(const QString &number)> normalize = [](const QString &number) {
         return number;
     };
@@ -40,18 +40,18 @@ public:
         return number;
     };
 
-    /// The SIMs that the watchers tell of, by their subscriber identities. A test has a watcher
-    /// emit its signals.
+    /// The subscriber identities of the SIMs that the watchers report. A test makes a watcher emit
+    /// its signals.
     QStringList sims;
     bool simsValid = false;
 
-    /// Thrown by the next call of these, and then no more.
+    /// The next call of one of these functions throws this, and later ones do not.
     bool throwFromSetAttribute = false;
     bool throwFromSending = false;
 
-    /// The id that the next publish() gives; 0 for no answer. Counted up by each.
+    /// The id that the next publish() gets; 0 for no answer. Each publish() increments it.
     uint nextNotificationId = 1;
-    /// What happens while the next publish(), and no other, waits for its answer.
+    /// Called while the next publish() waits for its answer, and by no later one.
     std::function<void()> whilePublishing;
 
 private:

@@ -16,11 +16,11 @@ struct NotificationData
     QVariantMap hints;
 };
 
-/// Makes this a library whose notifications have a form of their own on the bus: (ua{sv}). To be
-/// called before anything else: the D-Bus type system asks for the form once.
+/// Gives the notifications of this library another form on the bus: (ua{sv}). Call it before
+/// anything else, because the D-Bus type system asks for the form only once.
 void useAnotherNotificationForm();
 
-/// As a notification service sends them: (susssasa{sv}i).
+/// The form in which a notification service sends them: (susssasa{sv}i).
 QDBusArgument &operator<<(QDBusArgument &argument, const NotificationData &data);
 const QDBusArgument &operator>>(const QDBusArgument &argument, NotificationData &data);
 

@@ -21,7 +21,7 @@
 
 #include <memory>
 
-/// Notifications of a service that is scripted message by message.
+/// Notifications, with a service that is scripted message by message.
 class TestNotification : public QObject
 {
     Q_OBJECT
@@ -201,7 +201,7 @@ void TestNotification::waitsNoLongerThanFiveSeconds()
     notification.setReplacesId(5);
     QElapsedTimer timer;
     timer.start();
-    notification.publish(); // nobody takes the call
+    notification.publish(); // No process takes the call.
     QVERIFY(timer.elapsed() >= 4400);
     QVERIFY(timer.elapsed() < 5500);
     QCOMPARE(notification.replacesId(), 5U);

@@ -32,8 +32,8 @@ constexpr int patience = 30000;
 
 } // namespace
 
-/// The SIM watcher with the real oFono, which has no modem here, and with a mock of it that is not
-/// ours and has as many as we like.
+/// The SIM watcher with the real oFono, which has no modem here, and with a mock of it that others
+/// have written and that has as many as a test wants.
 class TestOfono : public QObject
 {
     Q_OBJECT
@@ -50,7 +50,7 @@ private Q_SLOTS:
     void losesTheSimsWithTheirService();
 
 private:
-    /// Both wait until oFono is on the bus, or is not any more.
+    /// These functions wait until oFono is on the bus, or has left it.
     bool start(const QString &program, const QStringList &arguments);
     bool kill();
     bool startDaemon();
@@ -114,13 +114,13 @@ bool TestOfono::kill()
                patience);
 }
 
-/// Without what looks for modems: those of this machine are none of ours.
+/// The plugins that look for modems are left out, so that those of this machine are not used.
 bool TestOfono::startDaemon()
 {
     return start(u"/usr/sbin/ofonod"_s, {u"-n"_s, u"--noplugin=udevng,phonesim"_s});
 }
 
-/// With one modem, "/ril_0".
+/// Starts the mock with one modem, "/ril_0".
 bool TestOfono::startMock()
 {
     return start(u"/usr/bin/python3"_s,

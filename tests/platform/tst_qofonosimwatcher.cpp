@@ -76,7 +76,7 @@ const QVariantMap absent{{u"Present"_s, false}};
 Q_DECLARE_METATYPE(Modem)
 Q_DECLARE_METATYPE(QList<Modem>)
 
-/// The SIM watcher with an oFono that is scripted message by message.
+/// The SIM watcher, with an oFono that is scripted message by message.
 class TestQOfonoSimWatcher : public QObject
 {
     Q_OBJECT
@@ -124,7 +124,8 @@ private:
     void changeSim(const QString &path, const QString &name, const QVariant &value);
     void changeModem(const QString &path, const QVariantMap &properties);
     void addModem(const QString &path, const QVariantMap &properties);
-    /// The signals emitted since, once everything under way has arrived.
+    /// Waits until everything under way has arrived. Returns the signals emitted since the last
+    /// call.
     QStringList settled();
     QStringList identities() const;
 
@@ -173,7 +174,7 @@ void TestQOfonoSimWatcher::start()
             [this] { m_events.append(u"sims: "_s + identities().join(u' ')); });
 }
 
-/// A modem with that SIM, each.
+/// Adds a modem for each of the SIMs.
 void TestQOfonoSimWatcher::startWith(const QVector<std::pair<QString, QVariantMap>> &sims)
 {
     start();
@@ -333,14 +334,14 @@ void TestQOfonoSimWatcher::followsPresence()
     QCOMPARE(settled(), QStringList(u"sims: "_s));
 }
 
-/// Its identity is told after it, or was there before.
+/// The identity of the SIM comes after the SIM, or was there before.
 void TestQOfonoSimWatcher::readsTheNextSimAnew()
 {
     startWith({{first, sim(one)}});
     changeSim(first, u"Present"_s, false);
     changeSim(first, u"Present"_s, true);
     m_service->reply(askedFor(first), {locked});
-    QCOMPARE(settled(), QStringList(u"sims: "_s)); // never that of the SIM before
+    QCOMPARE(settled(), QStringList(u"sims: "_s)); // The list never has the previous SIM.
     changeSim(first, u"SubscriberIdentity"_s, other);
     QCOMPARE(settled(), QStringList(u"sims: "_s + other));
 
@@ -388,7 +389,7 @@ void TestQOfonoSimWatcher::followsModems()
     m_service->emitSignal(managerInterface, u"ModemRemoved"_s,
                           {QVariant::fromValue(QDBusObjectPath(second))});
     QCOMPARE(settled(), QStringList(u"sims: "_s + one));
-    changeSim(second, u"SubscriberIdentity"_s, one); // of a modem that has gone
+    changeSim(second, u"SubscriberIdentity"_s, one); // The modem has gone.
     QCOMPARE(settled(), QStringList());
 }
 
@@ -410,7 +411,7 @@ void TestQOfonoSimWatcher::emitsOnlyWhatChanges()
     changeSim(first, u"Present"_s, true);
     changeSim(first, u"PinRequired"_s, u"none"_s);
     changeSim(second, u"Present"_s, false);
-    changeSim(second, u"SubscriberIdentity"_s, other); // of a SIM that is not there
+    changeSim(second, u"SubscriberIdentity"_s, other); // The SIM is not present.
     addModem(first, interfaces());
     m_watcher->setRequireSubscriberIdentity(false);
     QCOMPARE(settled(), QStringList());
@@ -419,7 +420,7 @@ void TestQOfonoSimWatcher::emitsOnlyWhatChanges()
 void TestQOfonoSimWatcher::ignoresWhatItDoesNotKnow()
 {
     start();
-    // Before the answers; they tell of it as well.
+    // The changes come before the answers, which have them as well.
     addModem(first, interfaces());
     changeSim(first, u"Present"_s, true);
     changeModem(first, interfaces());
@@ -431,7 +432,7 @@ void TestQOfonoSimWatcher::ignoresWhatItDoesNotKnow()
     m_service->reply(call, {sim(one)});
     QCOMPARE(settled(), QStringList({u"valid"_s, u"sims: "_s + one}));
 
-    // Of other shapes.
+    // These signals have other signatures.
     m_service->emitSignal(managerInterface, u"ModemAdded"_s, {u"text"_s});
     m_service->emitSignal(managerInterface, u"ModemRemoved"_s, {first});
     m_service->emitSignal(modemInterface, propertyChanged, {}, first);
@@ -487,12 +488,12 @@ void TestQOfonoSimWatcher::followsTheServiceToAnotherOwner()
     startWith({{first, sim(one)}});
     const QString name = u"another owner"_s;
     QDBusConnection another = QDBusConnection::connectToBus(m_bus.address(), name);
-    // It waits in the queue for the name, and has it at once when the first one gives it up.
+    // It waits in the queue for the name, and gets it at once when the first owner releases it.
     another.interface()->registerService(ofono, QDBusConnectionInterface::QueueService);
     m_service.reset();
     QTRY_COMPARE(m_events.size(), 2);
     QCOMPARE(std::exchange(m_events, {}), QStringList({u"invalid"_s, u"sims: "_s}));
-    // It is asked, and knows no modems.
+    // It is asked, and has no modems.
     QStringList lines;
     QTRY_COMPARE((lines += m_log->take()).size(), 1);
     QVERIFY(

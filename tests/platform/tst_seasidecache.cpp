@@ -21,7 +21,7 @@ void TestSeasideCache::keysOfANumber_data()
     QTest::addColumn<QString>("number");
     QTest::addColumn<QString>("normalized");
     QTest::addColumn<QString>("minimized");
-    QTest::addColumn<bool>("isValid"); // else both keys are empty where they are validated
+    QTest::addColumn<bool>("isValid"); // If false, both keys are empty when they are validated.
 
     QTest::newRow("digits") << u"5551234"_s << u"5551234"_s << u"5551234"_s << true;
     QTest::newRow("short") << u"112"_s << u"112"_s << u"112"_s << true;

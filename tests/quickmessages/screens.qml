@@ -4,7 +4,7 @@
 import QtQuick 2.15
 import com.nimbo.parley 1.0
 
-// Logs each change of the messages, as they are shown. What a test asks for is evaluated here.
+// Logs each change of the messages, and evaluates expressions for a test.
 Item {
     height: 100
     width: 100

@@ -102,7 +102,7 @@ void TestQuickMessages::showsTheDefaultsTranslated()
              QJsonArray({m_file, true, false, 3, u"parley-me-cant_talk_at_the_moment"_s}));
     QVERIFY(!QFile::exists(m_file));
 
-    // They are saved as what they stand for.
+    // They are saved as their ids.
     m_ui->evaluate(u"messages.save()"_s);
     QCOMPARE(content(), defaults);
 }
@@ -164,7 +164,7 @@ void TestQuickMessages::showsWhatAnotherProcessWrites()
     const QString empty = m_ui->writeFile(u"empty"_s, {});
     QCOMPARE(std::rename(qUtf8Printable(empty), qUtf8Printable(m_file)), 0);
     QTRY_COMPARE_WITH_TIMEOUT(texts(), defaultTexts, patience);
-    m_ui->takeLog(); // each count that was told, and those of half a file
+    m_ui->takeLog(); // The log has each reported count, even of half a file.
 }
 
 void TestQuickMessages::isControlledByTheQml()
@@ -210,18 +210,18 @@ void TestQuickMessages::complainsInTheLog()
 void TestQuickMessages::givesTheMemoryOfAHugeFileBack()
 {
     if (!qEnvironmentVariableIsSet("PARLEY_UI_OPTIMIZED"))
-        QSKIP("a sanitizer keeps what is freed");
+        QSKIP("a sanitizer does not return freed memory");
 
     write(R"(["small"])");
     QVERIFY(startUi());
     QCOMPARE(texts(), QStringList(u"small"_s));
-    // Hidden from the delegates, which are a matter of the screens.
+    // Hide the messages from the delegates, whose memory belongs to the screens.
     m_ui->evaluate(u"shown.model = null"_s);
     const qint64 before = m_ui->residentMemory();
     QVERIFY(before > 0);
 
     const QByteArray message = "\"Message of forty characters, all the same\"";
-    constexpr int count = (16 << 20) / 44; // as much as is read
+    constexpr int count = (16 << 20) / 44; // This is the most that is read.
     write('[' + QByteArray(message + ',').repeated(count - 1) + message + ']');
     QTRY_COMPARE_WITH_TIMEOUT(m_ui->evaluate(u"messages.count"_s), QJsonValue(count), 60000);
     const qint64 peak = m_ui->residentMemory();
@@ -230,7 +230,7 @@ void TestQuickMessages::givesTheMemoryOfAHugeFileBack()
     QTRY_COMPARE_WITH_TIMEOUT(m_ui->evaluate(u"messages.count"_s), QJsonValue(1), 60000);
     const qint64 after = m_ui->residentMemory();
     qInfo("%lld KiB before, %lld with the huge file, %lld after", before, peak, after);
-    m_ui->takeLog(); // each count that was told
+    m_ui->takeLog(); // The log has each reported count.
     QVERIFY(after < before + 20000);
 }
 

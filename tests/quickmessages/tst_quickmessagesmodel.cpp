@@ -31,18 +31,18 @@ namespace {
 const QStringList ids{u"parley-me-please_call_later"_s, u"parley-me-cant_talk_at_the_moment"_s,
                       u"parley-me-will_call_back"_s};
 
-/// Qt's view of what is watched lags behind; whoever looks at the same file sees how far it is.
+/// Qt notices changes late. A watcher of the same file shows when it has noticed them.
 constexpr int patience = 30000;
 
 constexpr uid_t nobody = 65534;
 
-/// While it lives, this thread has no more rights than a user that owns nothing.
+/// While the object lives, this thread has only the rights of a user that owns no file.
 class WithoutRights
 {
 public:
     WithoutRights()
     {
-        // Not setresuid(), which changes every thread.
+        // Do not use setresuid(), which changes all threads.
         if (m_isRoot)
             syscall(SYS_setresuid, nobody, nobody, 0);
     }
@@ -60,7 +60,7 @@ private:
 
 } // namespace
 
-/// The model on files in a home of its own.
+/// The model, with files in a home of its own.
 class TestQuickMessagesModel : public QObject
 {
     Q_OBJECT
@@ -131,6 +131,8 @@ private Q_SLOTS:
     void followsAFileThatComesLate();
     void followsALink();
     void followsWhileInactive();
+    void followsAFileChosenWhileInactive();
+    void followsALateFileWhileInactive();
     void stopsFollowingAnotherFile();
     void doesNotFollowItself_data();
     void doesNotFollowItself();
@@ -158,7 +160,8 @@ private:
     QStringList rows() const { return m_model->stringList(); }
     QStringList texts() const;
     void notify(const char *slot, const QString &path);
-    /// What \a change makes known to every watcher of the file or folder at \a path has arrived.
+    /// Makes \a change, and waits until all watchers of the file or folder at \a path have noticed
+    /// it.
     static void changeAndSettle(const QString &path, const std::function<void()> &change);
     QStringList takeEvents() { return std::exchange(m_events, {}); }
     QStringList log() { return m_log->take(); }
@@ -190,7 +193,7 @@ void TestQuickMessagesModel::cleanup()
     QCOMPARE(log().join(u'\n'), QString());
 }
 
-/// A model that tells of all that happens to it.
+/// Makes a model whose signals are recorded.
 void TestQuickMessagesModel::make()
 {
     m_model.reset();
@@ -253,7 +256,7 @@ void TestQuickMessagesModel::changeAndSettle(const QString &path,
     connect(&watcher, &QFileSystemWatcher::directoryChanged, &watcher, [&seen] { seen = true; });
     QVERIFY(watcher.addPath(path));
     change();
-    // Whoever watches is told at once; it is in the same round that all hear of it, or in the next.
+    // All watchers are notified in the same round of the event loop, or in the next one.
     QTRY_VERIFY_WITH_TIMEOUT(seen, patience);
     QCoreApplication::processEvents();
 }
@@ -365,7 +368,7 @@ void TestQuickMessagesModel::translatesTheDefaults()
     QVERIFY(!m_model->data({}, Qt::DisplayRole).isValid());
     QVERIFY(!m_model->data(m_model->index(3), Qt::DisplayRole).isValid());
 
-    // The ids are what is kept.
+    // The model keeps the ids.
     QCOMPARE(rows(), ids);
     m_model->save();
     QCOMPARE(content(),
@@ -431,7 +434,7 @@ void TestQuickMessagesModel::readsAnyContent()
     make();
     QCOMPARE(rows(), messages);
     QVERIFY(!m_model->hasError());
-    // And in place of other messages.
+    // The defaults also replace other messages.
     m_model->setStringList({u"before"_s});
     takeEvents();
     notify("fileChanged", m_file);
@@ -470,7 +473,7 @@ void TestQuickMessagesModel::readsAnyEncoding()
     readsAnyContent();
     if (QTest::currentTestFailed())
         return;
-    // What is saved can be read.
+    // The saved file can be read.
     m_model->save();
     const int count = m_model->count();
     make();
@@ -500,7 +503,7 @@ void TestQuickMessagesModel::isResetForOtherContent()
     QCOMPARE(takeEvents(), QStringList({u"count 2"_s, u"reset"_s}));
     QCOMPARE(rows(), QStringList({u"Two"_s, u"One"_s}));
 
-    // The default value, even in its own place.
+    // The default value is set again even if it is shown.
     write("[]");
     notify("fileChanged", m_file);
     notify("fileChanged", m_file);
@@ -576,17 +579,17 @@ void TestQuickMessagesModel::savesToANewFile()
     make();
     changeAndSettle(QFileInfo(m_file).path(), [this] { m_model->save(); });
     QCOMPARE(takeEvents(), QStringList());
-    // As the user has it made, and no less.
+    // The user's file mode creation mask applies.
     const mode_t mask = umask(0);
     umask(mask);
     struct stat status = {};
     QCOMPARE(stat(QFile::encodeName(m_file).constData(), &status), 0);
     QCOMPARE(status.st_mode & 0777U, 0666U & ~mask);
-    // Known to be there: the directory has no news.
+    // The file is known, so a change of the directory does not matter.
     m_model->setStringList({u"unsaved"_s});
     notify("directoryChanged", QFileInfo(m_file).path());
     QCOMPARE(rows(), QStringList(u"unsaved"_s));
-    // And watched.
+    // The file is watched as well.
     write(R"(["theirs"])");
     QTRY_COMPARE_WITH_TIMEOUT(rows(), QStringList(u"theirs"_s), patience);
 }
@@ -760,7 +763,7 @@ void TestQuickMessagesModel::makesTheDirectory()
     m_model->save();
     QVERIFY(QFile::exists(deep));
 
-    // What is not absolute is below the home.
+    // A relative path is below the home.
     m_model->setFilePath(u"below/home.json"_s);
     QVERIFY(QFileInfo(elsewhere(u"below"_s)).isDir());
 }
@@ -781,7 +784,7 @@ void TestQuickMessagesModel::staysSilentAboutADirectoryThatCannotBeMade()
                          + impossible + u'"'));
     QCOMPARE(takeEvents(), QStringList());
 
-    // Nothing is watched: it has to be told again.
+    // Nothing is watched, so the model does not notice the file.
     QVERIFY(QFile::remove(elsewhere(u"file"_s)));
     changeAndSettle(m_home->path(), [this, &impossible] { writeTo(impossible, R"(["a"])"); });
     QCOMPARE(takeEvents(), QStringList());
@@ -820,7 +823,7 @@ void TestQuickMessagesModel::hasNoFile()
                          "file path is empty, can't load file"_s));
     QVERIFY(!m_model->hasError());
 
-    // A default value has nothing to stand for.
+    // Without a file there is no default value to show.
     m_model->setStringList({});
     takeEvents();
     m_model->setDefaultValue({u"b"_s});
@@ -860,7 +863,8 @@ void TestQuickMessagesModel::takesUnusualPaths()
     QVERIFY(contentOf(path).contains("mine"));
     writeTo(path, R"(["in place"])");
     QTRY_COMPARE_WITH_TIMEOUT(rows(), QStringList(u"in place"_s), patience);
-    // What a link points to stays: that it was replaced would not be seen without its absence.
+    // Wait for the deletion: the target of a link stays, so a replacement alone would not be
+    // noticed.
     changeAndSettle(QFileInfo(path).path(), [&path] { QFile::remove(path); });
     writeTo(path, R"(["anew"])");
     QTRY_COMPARE_WITH_TIMEOUT(rows(), QStringList(u"anew"_s), patience);
@@ -888,7 +892,7 @@ void TestQuickMessagesModel::changesItsDefaultValue()
     QCOMPARE(rows(), QStringList());
     m_model->setActive(true);
     QCOMPARE(rows(), QStringList(u"b"_s));
-    // Texts of the caller's own are shown as they are.
+    // Texts of the caller are shown unchanged.
     QCOMPARE(texts(), QStringList(u"b"_s));
 }
 
@@ -919,7 +923,7 @@ void TestQuickMessagesModel::reportsErrorsOfReading()
     m_model->setActive(true);
     QCOMPARE(takeEvents(), QStringList({u"inactive"_s, u"active"_s, u"count 3"_s, u"reset"_s}));
 
-    // A missing file changes nothing of it; one that can be opened does.
+    // A missing file does not clear the error. A file that can be opened does.
     m_model->setFilePath(elsewhere(u"missing.json"_s));
     QVERIFY(m_model->hasError());
     takeEvents();
@@ -999,7 +1003,7 @@ void TestQuickMessagesModel::keepsItsRowsBesideAFileThatItMayNotRead()
 
     QVERIFY(QFile::setPermissions(m_file, QFile::Permissions(0x6644)));
     QTRY_COMPARE_WITH_TIMEOUT(rows(), QStringList(u"a"_s), patience);
-    write(R"(["b"])"); // it is watched from then on
+    write(R"(["b"])"); // The file is watched from then on.
     QTRY_COMPARE_WITH_TIMEOUT(rows(), QStringList(u"b"_s), patience);
 }
 
@@ -1013,7 +1017,7 @@ void TestQuickMessagesModel::takesRegularFilesAlone_data()
     QTest::newRow("full device") << u"/dev/full"_s;
 }
 
-/// What would be waited for, or never end, counts as a file that cannot be opened.
+/// A file on which a process would block, or which never ends, counts as one that cannot be opened.
 void TestQuickMessagesModel::takesRegularFilesAlone()
 {
     QFETCH(QString, kind);
@@ -1063,14 +1067,14 @@ void TestQuickMessagesModel::takesFilesUpToALimit()
     write(R"(["a"])");
     QFile file(m_file);
     if (size > 1 << 30)
-        QVERIFY(file.resize(size)); // a hole
+        QVERIFY(file.resize(size)); // The file is sparse.
     else
         write(R"(["a")" + QByteArray(static_cast<int>(size) - 5, ' ') + ']');
     QCOMPARE(QFileInfo(m_file).size(), size);
     make();
     QCOMPARE(m_model->hasError(), !isTaken);
     QCOMPARE(rows(), isTaken ? QStringList(u"a"_s) : ids);
-    // It may be saved over, and be smaller again.
+    // The model may write the file, which makes it smaller again.
     m_model->append(u"b"_s);
     m_model->save();
     QVERIFY(!m_model->hasError());
@@ -1157,7 +1161,7 @@ void TestQuickMessagesModel::takesAFolderForAFile()
              QStringList(u"warning: void QuickMessagesModel::save() can't open file \""_s + m_file
                          + u'"'));
     QVERIFY(QFileInfo(m_file).isDir());
-    // It is watched as what it is.
+    // The folder is watched as a folder.
     writeTo(m_file + u"/file"_s, {});
     const QString unexpected =
         u"warning: undexpected directoryChanged signal for path: \""_s + m_file + u'"';
@@ -1180,7 +1184,7 @@ void TestQuickMessagesModel::takesADanglingLinkForNoFile()
     QCOMPARE(rows(), ids);
     writeTo(QFileInfo(m_file).path() + u"/target.json"_s, R"(["a"])");
     QTRY_COMPARE_WITH_TIMEOUT(rows(), QStringList(u"a"_s), patience);
-    // To a folder that is not there, nothing can be written.
+    // A file in a missing folder cannot be written.
     QVERIFY(QFile::remove(m_file));
     QVERIFY(QFile::link(u"nowhere/target.json"_s, m_file));
     m_model->save();
@@ -1251,13 +1255,13 @@ void TestQuickMessagesModel::followsADeletion()
     make();
     for (int i = 0; i < 10; ++i) {
         changeAndSettle(QFileInfo(m_file).path(), [this] { QFile::remove(m_file); });
-        // The file's end and the directory's change come in any order.
+        // The changes of the file and of the directory come in any order.
         QVERIFY(rows() == ids || rows() == QStringList(i == 0 ? u"a"_s : QString::number(i - 1)));
         const QString message = QString::number(i);
         write("[\"" + message.toUtf8() + "\"]");
         QTRY_COMPARE_WITH_TIMEOUT(rows(), QStringList(message), patience);
     }
-    // The directory goes along, and is not made again.
+    // A removed directory is not created again.
     changeAndSettle(QFileInfo(m_file).path(),
                     [this] { QDir(elsewhere(u".local"_s)).removeRecursively(); });
     QVERIFY(!m_model->hasError());
@@ -1275,7 +1279,7 @@ void TestQuickMessagesModel::followsAFileThatComesLate()
     QTRY_COMPARE_WITH_TIMEOUT(rows(), QStringList(u"a"_s), patience);
     write(R"(["b"])");
     QTRY_COMPARE_WITH_TIMEOUT(rows(), QStringList(u"b"_s), patience);
-    // Others in the folder are of no interest.
+    // Other files in the folder do not matter.
     const QString folder = QFileInfo(m_file).path();
     takeEvents();
     changeAndSettle(folder, [&folder] { writeTo(folder + u"/other"_s, "[\"c\"]"); });
@@ -1319,6 +1323,44 @@ void TestQuickMessagesModel::followsWhileInactive()
     QCOMPARE(lines, QStringList());
 }
 
+void TestQuickMessagesModel::followsAFileChosenWhileInactive()
+{
+    const QString other = elsewhere(u"other.json"_s);
+    writeTo(other, R"(["a"])");
+    make();
+    m_model->setActive(false);
+    m_model->setFilePath(other);
+    const QString line =
+        u"debug: void QuickMessagesModel::load() inactive, can't load file \""_s + other + u'"';
+    QCOMPARE(log(), QStringList(line));
+    changeAndSettle(other, [&other] { writeTo(other, R"(["b"])"); });
+    QStringList lines = log();
+    QVERIFY(lines.removeAll(line) > 0);
+    QCOMPARE(lines, QStringList());
+    QCOMPARE(rows(), ids);
+}
+
+void TestQuickMessagesModel::followsALateFileWhileInactive()
+{
+    make();
+    m_model->setActive(false);
+    const QString folder = QFileInfo(m_file).path();
+    changeAndSettle(folder, [this] { write(R"(["a"])"); });
+    const QString line =
+        u"debug: void QuickMessagesModel::load() inactive, can't load file \""_s + m_file + u'"';
+    QStringList lines = log();
+    QVERIFY(lines.removeAll(line) > 0);
+    QCOMPARE(lines, QStringList());
+    // The file is known and watched from then on.
+    changeAndSettle(folder, [&folder] { writeTo(folder + u"/other"_s, {}); });
+    QCOMPARE(log(), QStringList());
+    changeAndSettle(m_file, [this] { write(R"(["b"])"); });
+    lines = log();
+    QVERIFY(lines.removeAll(line) > 0);
+    QCOMPARE(lines, QStringList());
+    QCOMPARE(rows(), ids);
+}
+
 void TestQuickMessagesModel::stopsFollowingAnotherFile()
 {
     write(R"(["a"])");
@@ -1350,7 +1392,7 @@ void TestQuickMessagesModel::doesNotFollowItself()
         write(R"([" Busy "])");
     make();
     for (int i = 0; i < 20; ++i) {
-        // Trimmed in the file: to read it would show.
+        // The file has the trimmed text, so that reading it would show.
         m_model->setStringList({u" Busy "_s, QString::number(i)});
         takeEvents();
         changeAndSettle(exists || i > 0 ? m_file : QFileInfo(m_file).path(),
@@ -1399,7 +1441,7 @@ void TestQuickMessagesModel::endsWithTheLastContent()
         expected += u"version 999"_s;
     QTRY_COMPARE_WITH_TIMEOUT(rows(), expected, patience);
     QVERIFY(!m_model->hasError());
-    // It still looks, and still does not look at itself.
+    // The model still follows the file, and still does not follow its own writes.
     m_model->setStringList({u" mine "_s});
     takeEvents();
     changeAndSettle(m_file, [this] { m_model->save(); });
@@ -1448,24 +1490,24 @@ void TestQuickMessagesModel::takesTheStepsOfADirectory()
     m_model->setStringList({u"unsaved"_s});
     takeEvents();
 
-    // No file, as before.
+    // There is no file, as before.
     notify("directoryChanged", folder);
     QCOMPARE(takeEvents(), QStringList());
-    // One has appeared.
+    // A file has appeared.
     write(R"(["a"])");
     notify("directoryChanged", folder);
     QCOMPARE(takeEvents(), QStringList({u"count 1"_s, u"reset"_s}));
-    // It was known.
+    // The file was known.
     m_model->setStringList({u"unsaved"_s});
     takeEvents();
     notify("directoryChanged", folder);
     QCOMPARE(takeEvents(), QStringList());
-    // It has gone: what was shown is left.
+    // The file is gone, and the rows stay.
     QVERIFY(QFile::remove(m_file));
     notify("directoryChanged", folder);
     QCOMPARE(takeEvents(), QStringList());
     QCOMPARE(rows(), QStringList(u"unsaved"_s));
-    // Another one has come while nothing is to be read.
+    // Another file has come while the model is inactive.
     m_model->setActive(false);
     takeEvents();
     write(R"(["b"])");
@@ -1477,7 +1519,7 @@ void TestQuickMessagesModel::takesTheStepsOfADirectory()
     m_model->setActive(true);
     QCOMPARE(rows(), QStringList(u"b"_s));
     takeEvents();
-    // What is queued of all that finds nothing new.
+    // The queued notifications of these changes find nothing new.
     changeAndSettle(m_file, [this] { write(R"(["b"])"); });
     QCOMPARE(rows(), QStringList(u"b"_s));
 }
@@ -1490,7 +1532,7 @@ void TestQuickMessagesModel::takesTheStepsOfAFile()
     write(R"(["b", "c"])");
     notify("fileChanged", m_file);
     QCOMPARE(takeEvents(), QStringList({u"count 2"_s, u"reset"_s}));
-    // Once it is known to have gone, another one is news.
+    // After the file is known to be gone, another one is read.
     QVERIFY(QFile::remove(m_file));
     notify("fileChanged", m_file);
     QCOMPARE(takeEvents(), QStringList({u"count 3"_s, u"reset"_s}));
@@ -1541,7 +1583,7 @@ void TestQuickMessagesModel::survivesItsHandlers()
         {u"save"_s, [&] { model.save(); }},
         {u"default value"_s, [&] { model.setDefaultValue({u"default"_s}); }},
     };
-    // Each reaction once: its own signals would bring it again.
+    // React only once, because the reaction emits signals, too.
     bool reacted = false;
     const auto react = [&](bool applies) {
         if (!applies || reacted)
@@ -1563,17 +1605,17 @@ void TestQuickMessagesModel::survivesItsHandlers()
             [&] { react(signal == u"inserted"_s); });
     connect(&model, &QAbstractItemModel::rowsRemoved, this, [&] { react(signal == u"removed"_s); });
 
-    model.setFilePath(folder); // filePath, error, count, reset
-    model.setFilePath(m_file); // no error
-    model.append(u"c"_s); // inserted
-    model.remove(0); // removed
+    model.setFilePath(folder); // This emits filePath, error, count and reset.
+    model.setFilePath(m_file); // This emits no error.
+    model.append(u"c"_s); // This emits inserted.
+    model.remove(0); // This emits removed.
     model.setDefaultValue({u"x"_s});
     model.setActive(false);
     model.setActive(true);
     QVERIFY(reacted);
-    log(); // what is refused without a file
+    log(); // The log has what is refused without a file.
 
-    // All is as it would be without: the file in use is shown, and followed.
+    // In the end the file in use is shown and followed, as without the reaction.
     disconnect(&model, nullptr, this, nullptr);
     m_model->setActive(true);
     m_model->setFilePath(m_file);

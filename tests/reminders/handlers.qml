@@ -4,7 +4,7 @@
 import QtQuick 2.15
 import com.nimbo.parley 1.0
 
-// Three objects watch one number. The first of them to report anything does the deed, once.
+// Three objects watch one number. The first one that reports a change runs the deed, only once.
 Item {
     id: root
 
@@ -34,7 +34,7 @@ Item {
             try {
                 object.destroy();
             } catch (gone) {
-                // by a deed, already
+                // A deed has destroyed it already.
             }
         });
         return reports;

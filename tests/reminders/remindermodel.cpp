@@ -239,7 +239,7 @@ void ReminderModel::answerAttributes(int index, const std::optional<AttributesBy
         const QString raw = alarm->value(u"phoneNumber"_s);
         if (raw.isEmpty())
             continue;
-        // Both keys are those of the text as it is.
+        // Both keys are made from the text itself.
         const QString normalized = normalize(raw);
         const QString minimized = minimize(raw);
         const QDateTime time =
@@ -334,7 +334,7 @@ void ReminderModel::attach(int object)
 
 void ReminderModel::detach(int object)
 {
-    // The first record and no other.
+    // This affects the first record and no other.
     if (!m_records.empty() && unlist(m_records.front(), object) && isUnused(m_records.front()))
         m_records.erase(m_records.begin());
     if (objects[object].exists) {
@@ -356,7 +356,8 @@ ReminderModel::Record *ReminderModel::exactElseLastLoose(const QString &normaliz
     return loose;
 }
 
-/// One that is listed twice is visited twice. One that is gone stays listed, and is not visited.
+/// An object that is listed twice is visited twice. A destroyed object stays listed and is not
+/// visited.
 void ReminderModel::forEachListed(const Record &record, const std::function<void(int)> &change)
 {
     for (const int object : record.objects) {

@@ -12,11 +12,12 @@
 #include <optional>
 #include <vector>
 
-/// The rules of the reminder store, as plainly as they can be written: what a store and its
-/// Reminder objects have to do, for a test to compare with what they do.
+/// The rules of the reminder store in their plainest form: what a store and its Reminder objects
+/// have to do. A test compares this with what they do.
 ///
-/// Objects are numbers, counted from 0 as they are made, and there is one store at a time. What is
-/// done to others is written down as lines of text. Where a rule looks odd, it is one of the store.
+/// Objects are numbers from 0 in the order of their creation, and there is one store at a time.
+/// Effects on others are recorded as lines of text. If a rule looks odd, the store has the same
+/// rule.
 class ReminderModel
 {
 public:
@@ -49,7 +50,7 @@ public:
         enum Kind { Alarm, Query, Attributes, Notifications };
 
         Kind kind;
-        int store; ///< The store that made it, counted.
+        int store; ///< The number of the store that made the call.
         QString normalized;
         QString minimized;
         QDateTime due;
@@ -59,19 +60,21 @@ public:
     /// One of the two services that are called.
     struct Service
     {
-        QStringList calls; ///< In order; cleared by whoever has compared them.
-        std::vector<Request> open; ///< Not answered yet, in the order of the calls.
+        /// The calls in their order. The caller clears them after comparing them.
+        QStringList calls;
+        std::vector<Request> open; ///< The requests without an answer, in their order.
     };
 
     using AttributesByCookie = QMap<uint, QMap<QString, QString>>;
 
-    /// The keys of a number. The loose key of a number that is not normalized is often another one.
+    /// Make the keys of a number. The loose key of a number that is not normalized is often another
+    /// one.
     static QString normalize(const QString &number);
     static QString minimize(const QString &number);
 
-    /// How an event's line tells a time.
+    /// Returns the form of a time in the line of an event.
     static QString timeText(const QDateTime &when);
-    /// The event of \a signal, with what its object shows at that time.
+    /// Records the event of \a signal with the state that its object shows at that time.
     static QString signalText(int object, const QString &signal, bool exists,
                               const QDateTime &when);
 
@@ -84,13 +87,13 @@ public:
     bool hasStore() const { return m_hasStore; }
     void startStore();
     void stopStore();
-    /// \a throws: the time daemon's client throws its exception.
+    /// If \a throws is true, the time daemon's client throws its exception.
     void create(const QString &number, const QDateTime &when, const Text &text, bool throws);
     void changeTriggers(const QMap<uint, qlonglong> &triggers);
     void closeNotification(uint id);
 
-    /// The answers to the open request \a index of a service; nothing for the error \a failure.
-    /// A new notification gets the id \a freshId, if that is not 0.
+    /// These functions answer the open request \a index of a service, with the error \a failure if
+    /// there is no value. A new notification gets the id \a freshId, unless that is 0.
     void answerAlarm(int index, std::optional<uint> cookie, uint freshId);
     void answerQuery(int index, const std::optional<QList<uint>> &cookies, const QString &failure);
     void answerAttributes(int index, const std::optional<AttributesByCookie> &alarms,
@@ -102,8 +105,9 @@ public:
     std::vector<Object> objects;
     Service timeDaemon;
     Service notificationService;
-    QStringList events; ///< Signals and notifications published; cleared by whoever compared them.
-    QStringList warnings; ///< The same.
+    QStringList events; ///< Signals and published notifications. The caller clears them after
+                        ///< comparing them.
+    QStringList warnings; ///< Warnings, which the caller clears as well.
 
 private:
     struct Record

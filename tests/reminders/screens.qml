@@ -4,7 +4,7 @@
 import QtQuick 2.15
 import com.nimbo.parley 1.0
 
-// One number that is watched. What a test asks for is evaluated here.
+// Watches one number, and evaluates expressions for a test.
 Item {
     height: 100
     width: 100

@@ -23,7 +23,7 @@ using AttributesByCookie = QMap<uint, QMap<QString, QString>>;
 Q_DECLARE_METATYPE(AttributesByCookie)
 Q_DECLARE_METATYPE(QVector<NotificationData>)
 
-/// Reminders on a handset whose notification library has a form of its own for what it lists.
+/// Reminders on a handset whose notification library lists notifications in another form.
 class TestOtherNotifications : public QObject
 {
     Q_OBJECT
@@ -83,7 +83,7 @@ void TestOtherNotifications::cleanup()
     QCOMPARE(m_log->take(), QStringList());
 }
 
-/// Starts with one alarm, and \a notifications for an answer.
+/// Starts with one alarm, and answers with \a notifications.
 void TestOtherNotifications::answer(const QVariant &notifications)
 {
     m_reminders = std::make_unique<Reminders>();

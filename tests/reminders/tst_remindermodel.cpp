@@ -30,15 +30,15 @@
 
 namespace {
 
-/// Few enough that exact and loose matches are frequent. Some have another loose key when they are
-/// normalized first, and some normalize to nothing.
+/// The numbers are so few that exact and loose matches are frequent. Some have another loose key
+/// when they are normalized first, and some normalize to nothing.
 const std::array<QString, 20> numbers = {
     u""_s,     u"12"_s,   u"1-2"_s,  u"-12"_s, u"112"_s, u"1-12"_s, u"212"_s,
     u"21-2"_s, u"2112"_s, u"22"_s,   u"122"_s, u"-22"_s, u"2-2"_s,  u"11"_s,
     u"1-1"_s,  u"2-11"_s, u"2111"_s, u"21"_s,  u"-"_s,   u"2-"_s,
 };
 
-/// One time in several clothes, and others.
+/// The same time in several forms, and other times.
 const std::array<QDateTime, 6> times = {
     QDateTime(),
     QDateTime::fromSecsSinceEpoch(1900000000, Qt::UTC),
@@ -54,8 +54,8 @@ const std::array<QString, 5> triggerTimes = {u"1900000000"_s, u"1900003600"_s, u
 const QString refusal = u"com.example.Refused"_s;
 const QString refusalText = u"QDBusError(\"com.example.Refused\", \"No.\")"_s;
 
-/// Plain numbers, of which each kind makes what it needs: it can be done again, with or without the
-/// others of its sequence.
+/// An operation has plain numbers, which each kind interprets in its own way. It can therefore be
+/// repeated, with or without the others of its sequence.
 struct Operation
 {
     enum Kind {
@@ -81,11 +81,10 @@ struct Operation
 
 using Sequence = std::vector<Operation>;
 
-/// For what an operation makes of its numbers.
+/// Generates the details of an operation from its numbers.
 using Dice = std::linear_congruential_engine<uint, 48271, 0, 2147483647>;
 
-/// One of the handset's services. It tells when all that was sent by either side before has
-/// arrived.
+/// One of the handset's services, which can wait until all earlier messages have arrived.
 class Service : public ScriptedService
 {
 public:
@@ -97,8 +96,8 @@ public:
     {
     }
 
-    /// Behind what the client has sent, and the answer behind what this service has sent. What the
-    /// client's handlers send meanwhile takes another call.
+    /// Waits until all earlier messages of the client and of this service have arrived. Messages
+    /// that the client's handlers send meanwhile need another call.
     void catchUp()
     {
         const QDBusPendingCallWatcher marker(m_client.asyncCall(m_marker));
@@ -166,20 +165,20 @@ QString callText(const QDBusMessage &call)
     return call.member() + u'(' + arguments.join(u", "_s) + u')';
 }
 
-/// The store and the model side by side, from nothing on.
+/// The store and the model side by side, from their beginning.
 class Comparison
 {
 public:
     explicit Comparison(Handset &handset);
     ~Comparison();
 
-    /// Does it to both. What it was, as a line; empty if there was nothing to do it to.
+    /// Applies the operation to both. Returns its description; empty if it does not apply.
     QString apply(const Operation &operation);
 
-    /// Takes everything down, in step.
+    /// Destroys everything on both sides, in the same order.
     void finish();
 
-    /// What differs; empty if nothing did until now.
+    /// Returns the first difference; empty if there has been none.
     QString difference() const { return m_difference.join(u'\n'); }
 
 private:
@@ -189,7 +188,7 @@ private:
         int object = 0;
     };
 
-    /// Calls on the product's side that the test can answer, as the model has them.
+    /// The calls from the product that the test can answer, in the form of the model.
     struct Side
     {
         Service &service;
@@ -380,7 +379,7 @@ QString Comparison::answer(Side &side, const Operation &operation)
         takeCalls(side);
     if (side.open.empty() || !m_difference.isEmpty())
         return {};
-    // The latest one more often than others.
+    // Choose the latest one more often than others.
     const auto count = static_cast<uint>(side.open.size());
     const int index = static_cast<int>(operation.a % 3 == 0 ? count - 1 : operation.a / 3 % count);
     const QDBusMessage call = side.open[index];
@@ -403,7 +402,7 @@ QString Comparison::answer(Side &side, const Operation &operation)
     const QString told = answered();
     side.service.catchUp();
     if (&side == &m_notificationService)
-        side.service.catchUp(); // behind the question of who has answered
+        side.service.catchUp(); // The question for the owner of the name comes first.
     return line + told;
 }
 
@@ -565,7 +564,7 @@ void Comparison::takeCalls(Side &side)
     while (side.service.waiting() != 0) {
         const QDBusMessage call = side.service.next();
         calls << callText(call);
-        // Nobody looks at the answers to these.
+        // The answers to these calls are not used.
         if (call.member() == u"cancel")
             side.service.reply(call, {});
         else if (call.member() == u"CloseNotification")
@@ -623,9 +622,9 @@ void Comparison::compare(const QString &what, const QStringList &product, const 
 
 struct Outcome
 {
-    QStringList lines; ///< The operations that had something to do.
-    std::size_t length = 0; ///< The operations until the difference.
-    QString difference; ///< Empty if there was none.
+    QStringList lines; ///< The operations that applied.
+    std::size_t length = 0; ///< The number of operations until the difference.
+    QString difference; ///< Empty if there is no difference.
 };
 
 Outcome run(const Sequence &sequence, Handset &handset)
@@ -648,8 +647,8 @@ Outcome run(const Sequence &sequence, Handset &handset)
     return outcome;
 }
 
-/// Leaves out what it can: halves, quarters and so on, single operations at last, for as long as
-/// that helps.
+/// Shortens a sequence that shows a difference: removes halves, then quarters, and single
+/// operations at last, as long as the difference stays.
 Sequence shrink(Sequence sequence, Handset &handset)
 {
     const auto fails = [&handset](const Sequence &candidate) {
@@ -689,7 +688,7 @@ Sequence generate(uint seed)
         add(Operation::StartStore);
         if (random() % 4 == 0)
             return;
-        // The latest calls, so that the store is rebuilt.
+        // Answer the latest calls, so that the store is rebuilt.
         for (const Operation::Kind kind :
              {Operation::AnswerDaemon, Operation::AnswerDaemon, Operation::AnswerService}) {
             add(kind);
@@ -703,7 +702,7 @@ Sequence generate(uint seed)
         sequence.push_back({Operation::SetPhoneNumber, place, static_cast<uint>(random()), 0});
     };
 
-    // By the kinds of an operation, in their order.
+    // The weights of the kinds of operations, in their order.
     std::discrete_distribution<int> kinds({80, 60, 370, 120, 60, 120, 110, 10, 30, 30, 5, 5});
     addStart();
     while (sequence.size() < 300) {
@@ -720,8 +719,8 @@ Sequence generate(uint seed)
 
 } // namespace
 
-/// The store against the plain rules, by random operations on both. PARLEY_MODEL_SEED repeats a
-/// run, PARLEY_MODEL_OPERATIONS sets how long it is.
+/// Compares the store with the plain rules, by random operations on both. PARLEY_MODEL_SEED repeats
+/// a run, and PARLEY_MODEL_OPERATIONS sets its length.
 class TestReminderModel : public QObject
 {
     Q_OBJECT
@@ -737,7 +736,7 @@ private:
 
 void TestReminderModel::initTestCase()
 {
-    // Not UTC, so that a local time can be told from it.
+    // The time zone is not UTC, so that a local time differs from it.
     qputenv("TZ", "PLY-03");
     QVERIFY(m_bus.start(m_folder.path(), u"session"_s));
     qputenv("DBUS_SESSION_BUS_ADDRESS", m_bus.address().toUtf8());

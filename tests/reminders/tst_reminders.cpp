@@ -23,12 +23,16 @@
 #include <QTest>
 #include <QTimeZone>
 
+#include <algorithm>
+#include <functional>
+#include <map>
 #include <memory>
 #include <utility>
 #include <vector>
 
 #ifdef __SANITIZE_ADDRESS__
-extern "C" size_t __sanitizer_get_current_allocated_bytes(); // of the compiler's run time
+// The compiler's run time has this function.
+extern "C" size_t __sanitizer_get_current_allocated_bytes();
 #else
 #include <malloc.h>
 #endif
@@ -43,13 +47,13 @@ namespace {
 
 const QDateTime noon(QDate(2030, 1, 2), QTime(12, 0), Qt::UTC);
 
-/// A number for each alarm, the way the daemon tells it.
+/// The cookies of alarms in the form in which the daemon sends them.
 Attributes attributes(const QString &number, const QString &triggerTime = u"1000"_s)
 {
     return {{u"phoneNumber"_s, number}, {u"triggerTime"_s, triggerTime}};
 }
 
-/// Of the heap of this process.
+/// Returns the bytes of the heap that this process uses.
 size_t allocatedBytes()
 {
 #ifdef __SANITIZE_ADDRESS__
@@ -70,8 +74,8 @@ NotificationData notification(uint id, const QVariant &cookie)
 
 } // namespace
 
-/// The reminders on a scripted platform. A number is written "prefix/rest": its exact key is what
-/// is left when blanks go, its loose key is the rest.
+/// The reminders on a scripted platform. A number is written "prefix/rest". Its exact key is the
+/// number without blanks, and its loose key is the rest.
 class TestReminders : public QObject
 {
     Q_OBJECT
@@ -264,7 +268,7 @@ Reminder *TestReminders::watch(const QString &name, const QString &number)
     return reminder;
 }
 
-/// The call that the daemon gets.
+/// Creates a reminder, and returns the call that the daemon gets.
 QDBusMessage TestReminders::create(const QString &number, const QDateTime &when)
 {
     m_reminders->createWithStrings(number, when, u"app"_s, u"contact"_s, u"title"_s, u"text"_s);
@@ -278,7 +282,7 @@ void TestReminders::createReminder(const QString &number, uint cookie, const QDa
     m_platform->takeCalls();
 }
 
-/// During the next publication, and no other; what the deed has caused is awaited, too.
+/// Runs \a deed during the next publication only, and waits for its effects.
 void TestReminders::whilePublishing(const std::function<void()> &deed)
 {
     m_platform->whilePublishing = [this, deed] {
@@ -287,7 +291,7 @@ void TestReminders::whilePublishing(const std::function<void()> &deed)
     };
 }
 
-/// The notifications published by now: the cookie of each and what it replaces.
+/// Returns the notifications published by now: the cookie of each and the id that it replaces.
 QStringList TestReminders::takePublications()
 {
     const QRegularExpression call(u"^set(?:ReplacesId\\(|HintValue\\(.* )(\\d+)\\)$"_s);
@@ -477,7 +481,7 @@ void TestReminders::toleratesAttributesOfAnotherShape()
                     reply.isValid() ? QVariantList{reply} : QVariantList());
     QVERIFY(m_notifications->next(u"GetNotificationsByCategory"_s).type()
             == QDBusMessage::MethodCallMessage);
-    QCOMPARE(m_platform->takeCalls(), QStringList()); // there was no alarm
+    QCOMPARE(m_platform->takeCalls(), QStringList()); // There was no alarm.
 }
 
 void TestReminders::toleratesNotificationsOfAnotherShape_data()
@@ -513,7 +517,8 @@ void TestReminders::mergeAlarmsByTheirRawNumbers()
                                                             {3, attributes(QString())},
                                                             {4, {}}})});
     m_notifications->next(u"GetNotificationsByCategory"_s);
-    // In the order of their cookies, each key of the text itself, and none without a number.
+    // The alarms come in the order of their cookies, with keys of the text itself, and without
+    // those that have no number.
     QCOMPARE(m_platform->takeCalls(),
              QStringList({u"normalize(1 , 0)"_s, u"minimize(1 , 0)"_s, u"normalize( 2, 0)"_s,
                           u"minimize( 2, 0)"_s}));
@@ -526,15 +531,15 @@ void TestReminders::mergeAlarmsByTheirRawNumbers()
 
 void TestReminders::mergeAlarmsByTheFirstLookupRule()
 {
-    // 3 and 4 are one number; 5 matches 1 and 2 loosely, and takes over the last; 6 has a record of
-    // its own.
+    // 3 and 4 have the same number. 5 matches 1 and 2 loosely, and takes the record of the last. 6
+    // has a record of its own.
     start({{1, attributes(u"a/1"_s)},
            {2, attributes(u"b/1"_s)},
            {3, attributes(u"x"_s)},
            {4, attributes(u"x"_s)},
            {6, attributes(u"y"_s)}},
           {});
-    QCOMPARE(create(u"a/1"_s).arguments().at(1), QVariant(2U)); // b/1 took over the record of a/1
+    QCOMPARE(create(u"a/1"_s).arguments().at(1), QVariant(2U)); // b/1 has taken the record of a/1.
     QCOMPARE(create(u"x"_s).arguments().at(1), QVariant(4U));
     QCOMPARE(create(u"y"_s).arguments().at(1), QVariant(6U));
 }
@@ -578,7 +583,7 @@ void TestReminders::matchNotificationsByTheirCookies()
                     {QVariant::fromValue(
                         AttributesByCookie{{1, attributes(u"1"_s)}, {2, attributes(u"2"_s)}})});
     const QDBusMessage query = m_notifications->next(u"GetNotificationsByCategory"_s);
-    QCOMPARE(takeEvents(), QStringList()); // the merge alone reports nothing
+    QCOMPARE(takeEvents(), QStringList()); // The merge alone reports nothing.
     m_notifications->reply(
         query,
         {QVariant::fromValue(QVector<NotificationData>{
@@ -698,15 +703,15 @@ void TestReminders::reportACreatedReminder()
     const QStringList expected{u"a when: "_s + due, u"a exists: "_s + due, u"c when: "_s + due,
                                u"c exists: "_s + due};
     QCOMPARE(takeEvents(), expected);
-    createReminder(u"1"_s, 6); // the same once more: reported in any case
+    createReminder(u"1"_s, 6); // The same reminder again is reported all the same.
     QCOMPARE(takeEvents(), expected);
 }
 
 void TestReminders::chooseTheCookieToReplace_data()
 {
-    QTest::addColumn<QStringList>("numbers"); // with an alarm each, unless they begin with '!'
+    QTest::addColumn<QStringList>("numbers"); // Each has an alarm, unless it begins with '!'.
     QTest::addColumn<QString>("number");
-    QTest::addColumn<uint>("cookie"); // the place in numbers, from 1; 0 to add
+    QTest::addColumn<uint>("cookie"); // The place in numbers, from 1; 0 for a new alarm.
 
     QTest::newRow("none") << QStringList() << u"1"_s << 0U;
     QTest::newRow("another") << QStringList{u"2"_s} << u"1"_s << 0U;
@@ -830,7 +835,7 @@ void TestReminders::lookTheRecordUpAgainWhenTheReplyComes()
 {
     startEmpty();
     const QDBusMessage call = create(u"a/1"_s);
-    watch(u"b"_s, u"b/1"_s); // the record that the number will find loosely
+    watch(u"b"_s, u"b/1"_s); // The number will find this record loosely.
     m_daemon->reply(call, {5U});
     m_daemon->settle();
     QCOMPARE(takeEvents(),
@@ -845,7 +850,7 @@ void TestReminders::takeRepliesInAnyOrder()
     const Reminder *a = watch(u"a"_s, u"1"_s);
     const QDBusMessage first = create(u"1"_s, noon);
     const QDBusMessage second = create(u"1"_s, noon.addSecs(60));
-    QCOMPARE(second.member(), u"add_event"_s); // it could not know of the first
+    QCOMPARE(second.member(), u"add_event"_s); // The first alarm was not known yet.
     m_daemon->reply(second, {8U});
     m_daemon->settle();
     QCOMPARE(a->when(), noon.addSecs(60));
@@ -875,7 +880,7 @@ void TestReminders::keepTheIdWithoutAnAnswer()
     const Reminder *a = watch(u"a"_s, u"1"_s);
     m_platform->nextNotificationId = 0;
     createReminder(u"1"_s, 5);
-    QVERIFY(a->exists()); // it is not known that there is none
+    QVERIFY(a->exists()); // The lack of the alarm is not known.
     m_platform->nextNotificationId = 3;
     createReminder(u"1"_s, 6);
     m_platform->nextNotificationId = 0;
@@ -884,7 +889,7 @@ void TestReminders::keepTheIdWithoutAnAnswer()
                                 {3U, 1U});
     m_daemon->settle();
     watch(u"b"_s, u"1"_s);
-    QVERIFY(!m_watching.back()->exists()); // the id was still 3, and is gone now
+    QVERIFY(!m_watching.back()->exists()); // The id was 3 until now.
 }
 
 void TestReminders::replaceTheNotification()
@@ -912,7 +917,7 @@ void TestReminders::publishAnewAfterTheNotificationWasClosed()
     QVERIFY(m_platform->takeCalls().contains(u"setReplacesId(0)"_s));
 }
 
-/// In the order of the alarms, and none within another.
+/// The publications come in the order of the alarms, and none is nested in another.
 void TestReminders::publishOneAfterTheOther()
 {
     startEmpty();
@@ -961,7 +966,7 @@ void TestReminders::endAsOneNotificationForOneNumber()
                   u"a when: yes 2030-01-02T12:01:00Z"_s, u"a exists: yes 2030-01-02T12:01:00Z"_s}));
 }
 
-/// One that is under way, and one whose turn has not come.
+/// One publication is under way, and one waits for its turn.
 void TestReminders::takeBackWhatFiresWhilePublishing()
 {
     startEmpty();
@@ -981,8 +986,8 @@ void TestReminders::takeBackWhatFiresWhilePublishing()
     QCOMPARE(close.arguments(), QVariantList{7U});
     m_daemon->settle();
     QCOMPARE(takePublications(), QStringList(u"5 for 0"_s));
-    QCOMPARE(takeEvents(),
-             QStringList({u"a exists: no "_s, u"b exists: no "_s})); // as for every alarm that goes
+    // This is the same for every alarm that goes.
+    QCOMPARE(takeEvents(), QStringList({u"a exists: no "_s, u"b exists: no "_s}));
     createReminder(u"2"_s, 9);
     QVERIFY(m_watching.back()->exists());
 }
@@ -999,7 +1004,7 @@ void TestReminders::takeBackWhatIsRemovedWhilePublishing()
     m_daemon->reply(again, {6U});
     QCOMPARE(m_notifications->next(u"CloseNotification"_s).arguments(), QVariantList{7U});
     QCOMPARE(m_daemon->next(u"cancel"_s).arguments(), QVariantList{6U});
-    // Once more, as it may have been shown again since then.
+    // The notification is closed again, because it may have been shown again since then.
     QCOMPARE(m_notifications->next(u"CloseNotification"_s).arguments(), QVariantList{7U});
     m_daemon->settle();
     QCOMPARE(takeEvents(), QStringList(u"a exists: no 2030-01-02T12:00:00Z"_s));
@@ -1023,7 +1028,7 @@ void TestReminders::publishAnewWhatIsMadeAnewWhilePublishing()
     });
     m_daemon->reply(again, {6U});
     QTRY_COMPARE(m_events.size(), 3);
-    m_notifications->forget(); // closed, once or twice
+    m_notifications->forget(); // The notification is closed, once or twice.
     QCOMPARE(takePublications(), QStringList({u"6 for 7"_s, u"8 for 0"_s}));
     QCOMPARE(
         takeEvents(),
@@ -1042,7 +1047,7 @@ void TestReminders::noticeWhatIsClosedWhilePublishing_data()
     QTest::newRow("one that is shown again") << 7U << true << true;
 }
 
-/// Of a new one it can only be told once it has been shown, that is in front of its id's arrival.
+/// A new notification can only be closed after it was shown, which is before its id arrives.
 void TestReminders::noticeWhatIsClosedWhilePublishing()
 {
     QFETCH(uint, closed);
@@ -1082,7 +1087,7 @@ void TestReminders::outliveTheirStoreWhilePublishing()
     QCOMPARE(a->reminders(), nullptr);
 }
 
-/// A system bus lets a connection wait for 128 answers and refuses what goes beyond.
+/// A system bus allows a connection to wait for 128 answers, and refuses further calls.
 void TestReminders::makeSomeAlarmsAtATime()
 {
     startEmpty();
@@ -1138,7 +1143,8 @@ void TestReminders::leaveNothingOfFinishedCalls()
     QTRY_COMPARE(watchers.value(), 0);
 }
 
-/// A record lists a destroyed object as null, unless it is the first; that and the record are all.
+/// Only the first record forgets a destroyed object. Another one lists it as null. No more memory
+/// than that is used.
 void TestReminders::keepNothingOfDestroyedReminders()
 {
     constexpr uint many = 10000;
@@ -1202,7 +1208,7 @@ void TestReminders::reportOnlyWhatDiffersWhenBinding()
     createReminder(u"2"_s, 6);
     createReminder(u"3"_s, 7, noon.addSecs(60));
     Reminder *a = watch(u"a"_s, u"1"_s);
-    a->setPhoneNumber(u"2"_s); // due at the same time
+    a->setPhoneNumber(u"2"_s); // The reminder is due at the same time.
     QCOMPARE(takeEvents(), QStringList(u"a number: yes 2030-01-02T12:00:00Z"_s));
     a->setPhoneNumber(u"3"_s);
     QCOMPARE(takeEvents(),
@@ -1224,21 +1230,21 @@ void TestReminders::eraseRecordsThatNobodyUses()
 {
     startEmpty();
     Reminder *a = watch(u"a"_s, u"a/1"_s);
-    a->setPhoneNumber(u"2"_s); // the record of a/1 goes: b/1 gets its own, not that one
+    a->setPhoneNumber(u"2"_s); // The record of a/1 goes, so b/1 gets its own.
     const QDBusMessage call = create(u"b/1"_s);
     m_daemon->reply(call, {5U});
     m_daemon->settle();
     a->setPhoneNumber(u"b/1"_s);
     QVERIFY(a->exists());
     a->setPhoneNumber(u"a/1"_s);
-    QVERIFY(a->exists()); // loosely
+    QVERIFY(a->exists()); // The number matches loosely.
     QCOMPARE(create(u"c/1"_s).arguments().value(1), QVariant(5U));
 }
 
 void TestReminders::takeAReminderOutOfOtherRecords()
 {
     startEmpty();
-    const Reminder *first = watch(u"first"_s, u"0"_s); // so that nothing below is the first record
+    const Reminder *first = watch(u"first"_s, u"0"_s); // No record below is the first one.
     Reminder *a = watch(u"a"_s, u"1"_s);
     a->setPhoneNumber(u"2"_s);
     a->setPhoneNumber(u"3"_s);
@@ -1263,7 +1269,7 @@ void TestReminders::listAReminderTwice()
              QStringList({u"a when: "_s + due, u"a exists: "_s + due, u"a when: "_s + due,
                           u"a exists: "_s + due}));
 
-    a->setPhoneNumber(QString()); // one of the two goes
+    a->setPhoneNumber(QString()); // One of the two entries goes.
     takeEvents();
     createReminder(u"1"_s, 6);
     QCOMPARE(takeEvents(), QStringList({u"a when: "_s + due, u"a exists: "_s + due}));
@@ -1297,8 +1303,8 @@ void TestReminders::detachFromTheFirstRecordAlone()
     startEmpty();
     Reminder *a = watch(u"a"_s, u"1"_s);
     Reminder *b = watch(u"b"_s, u"2"_s);
-    b->setPhoneNumber(QString()); // stays listed, in the second record
-    a->setPhoneNumber(QString()); // goes, and so does the first record
+    b->setPhoneNumber(QString()); // b stays listed, in the second record.
+    a->setPhoneNumber(QString()); // a goes, and so does the first record.
     takeEvents();
     createReminder(u"1"_s, 5);
     QCOMPARE(takeEvents(), QStringList());
@@ -1316,7 +1322,7 @@ void TestReminders::eraseTheFirstRecordWhenNobodyUsesIt_data()
     QTest::newRow("its alarm goes") << true;
 }
 
-/// The second record is the first one then, and lets go of its reminder.
+/// The second record then is the first one, and unbinds its reminder.
 void TestReminders::eraseTheFirstRecordWhenNobodyUsesIt()
 {
     QFETCH(bool, byItsAlarm);
@@ -1366,7 +1372,7 @@ void TestReminders::forgetADestroyedStore()
     Reminder *a = watch(u"a"_s, u"1"_s);
     m_reminders.reset();
     QCOMPARE(a->reminders(), nullptr);
-    QVERIFY(a->exists()); // as it was
+    QVERIFY(a->exists()); // The state has not changed.
     QCOMPARE(a->when(), noon);
     a->remove();
     a->setPhoneNumber(u"2"_s);
@@ -1381,13 +1387,13 @@ void TestReminders::neverTouchADestroyedReminder()
     watch(u"b"_s, u"2"_s);
     createReminder(u"2"_s, 5);
     takeEvents();
-    m_watching.pop_back(); // b goes; it stays listed in the second record
+    m_watching.pop_back(); // b is destroyed, and stays listed in the second record.
     QCOMPARE(takeEvents(), QStringList(u"b exists: no 2030-01-02T12:00:00Z"_s));
     createReminder(u"2"_s, 6);
     m_daemon->emitSignal(u"com.nimbo.timed"_s, u"alarm_triggers_changed"_s,
                          {QVariant::fromValue(Maemo::Timed::Event::Triggers())});
     QCOMPARE(m_notifications->next(u"CloseNotification"_s).arguments(), QVariantList{1U});
-    // The record is still there: a number that matches it loosely finds it.
+    // The record still exists: a number that matches it loosely finds it.
     for (int i = 0; i < 100; ++i) {
         watch(u"c"_s, u"2"_s);
         m_watching.pop_back();
@@ -1413,14 +1419,14 @@ void TestReminders::removeAReminder()
     m_daemon->fail(cancel, u"com.example.Error"_s, u"not noticed"_s);
     a->remove();
     m_daemon->settle();
-    QCOMPARE(create(u"1"_s).member(), u"add_event"_s); // the record is there, without an alarm
+    QCOMPARE(create(u"1"_s).member(), u"add_event"_s); // The record exists, without an alarm.
 }
 
 void TestReminders::removeNothingThatDoesNotExist()
 {
     start({{5, attributes(u"1"_s)}}, {});
     Reminder *a = watch(u"a"_s, u"1"_s);
-    a->remove(); // an alarm alone is no reminder
+    a->remove(); // An alarm alone is no reminder.
     Reminder unbound;
     unbound.remove();
     m_daemon->settle();
@@ -1461,12 +1467,12 @@ void TestReminders::dropAlarmsThatHaveGone()
     const QString was = u" no 2030-01-02T12:00:00Z"_s;
     QCOMPARE(takeEvents(), QStringList({u"b exists:"_s + was, u"c exists:"_s + was}));
 
-    // The record of 2, which nobody watched, is gone; that of 3 is not.
+    // The record of 2, which no object watched, is gone. That of 3 is not.
     m_daemon->reply(create(u"x/2"_s), {8U});
     m_daemon->settle();
     watch(u"d"_s, u"2"_s);
     createReminder(u"x/3"_s, 9);
-    QCOMPARE(takeEvents().size(), 4); // b and c
+    QCOMPARE(takeEvents().size(), 4); // The events are those of b and c.
 }
 
 void TestReminders::followTriggersOfOthers()
@@ -1498,136 +1504,144 @@ void TestReminders::clearTheNotificationThatWasClosed()
                                 {0U, 3U});
     m_daemon->settle();
     QCOMPARE(takeEvents(), QStringList());
-    QVERIFY(a->exists()); // until it is bound anew
+    QVERIFY(a->exists()); // It stays true until the object is bound anew.
     QVERIFY(!watch(u"b"_s, u"1"_s)->exists());
     QVERIFY(watch(u"c"_s, u"2"_s)->exists());
 }
 
 void TestReminders::surviveTheirHandlers_data()
 {
+    QTest::addColumn<QString>("cause");
     QTest::addColumn<QString>("deed");
-
-    for (const char *deed :
-         {"remove this", "remove another", "clear the number", "set another number",
-          "clear the store", "destroy this", "destroy another", "destroy all", "destroy the store",
-          "create some", "create a reminder", "unbind another"})
-        QTest::newRow(deed) << QString::fromLatin1(deed);
-}
-
-/// Three objects watch one number and one another. A handler of whatever the second reports does
-/// its deed, once; then everything that can be reported is.
-void TestReminders::surviveTheirHandlers()
-{
-    QFETCH(QString, deed);
 
     for (const QString &cause :
          {u"created"_s, u"gone"_s, u"removed"_s, u"bound"_s, u"matched"_s, u"detached"_s}) {
-        m_events.clear();
-        m_platform->nextNotificationId = 1;
-
-        if (cause == u"matched"_s) {
-            m_reminders = std::make_unique<Reminders>();
-        } else {
-            startEmpty();
-            createReminder(u"0"_s, 4);
-            if (cause != u"created"_s)
-                createReminder(u"1"_s, 5);
-        }
-        Reminder *other = watch(u"other"_s, u"0"_s);
-        Reminder *a = watch(u"a"_s, u"1"_s);
-        Reminder *b = watch(u"b"_s, cause == u"bound"_s ? u"2"_s : u"1"_s);
-        Reminder *c = watch(u"c"_s, u"1"_s);
-        const QPointer<Reminder> living(c);
-        takeEvents();
-
-        const auto destroy = [this](Reminder *reminder) {
-            for (auto &watching : m_watching) {
-                if (watching.get() == reminder) {
-                    reminder->disconnect(this);
-                    watching.reset();
-                }
-            }
-        };
-        bool done = false;
-        const auto act = [&] {
-            if (std::exchange(done, true))
-                return;
-            if (deed == u"remove this"_s)
-                b->remove();
-            else if (deed == u"remove another"_s)
-                other->remove();
-            else if (deed == u"clear the number"_s)
-                b->setPhoneNumber(QString());
-            else if (deed == u"set another number"_s)
-                b->setPhoneNumber(u"0"_s);
-            else if (deed == u"clear the store"_s)
-                b->setReminders(nullptr);
-            else if (deed == u"destroy this"_s
-                     && cause != u"detached"_s) // which destroys it already
-                destroy(b);
-            else if (deed == u"destroy another"_s)
-                destroy(c);
-            else if (deed == u"destroy all"_s && cause != u"detached"_s)
-                for (Reminder *reminder : {other, a, b, c})
-                    destroy(reminder);
-            else if (deed == u"destroy the store"_s)
-                m_reminders.reset();
-            else if (deed == u"create some"_s)
-                for (const QString &number : {u"1"_s, u"0"_s, u"7"_s, u"1"_s})
-                    watch(u"new"_s, number);
-            else if (deed == u"create a reminder"_s)
-                m_reminders->createWithStrings(u"1"_s, noon, u"app"_s, u"contact"_s, u"title"_s,
-                                               u"text"_s);
-            else if (deed == u"unbind another"_s)
-                c->setPhoneNumber(u"0"_s);
-        };
-        connect(b, &Reminder::whenChanged, this, act);
-        connect(b, &Reminder::existsChanged, this, act);
-
-        if (cause == u"created"_s) {
-            m_daemon->reply(create(u"1"_s), {5U});
-        } else if (cause == u"gone"_s) {
-            m_daemon->emitSignal(u"com.nimbo.timed"_s, u"alarm_triggers_changed"_s,
-                                 {QVariant::fromValue(Maemo::Timed::Event::Triggers())});
-        } else if (cause == u"removed"_s) {
-            a->remove();
-        } else if (cause == u"bound"_s) {
-            b->setPhoneNumber(u"1"_s);
-        } else if (cause == u"matched"_s) {
-            m_daemon->reply(m_daemon->next(u"query"_s), {QVariant(QVariantList{4U, 5U})});
-            m_daemon->reply(m_daemon->next(u"get_attributes_by_cookies"_s),
-                            {QVariant::fromValue(AttributesByCookie{{4, attributes(u"0"_s)},
-                                                                    {5, attributes(u"1"_s)}})});
-            m_notifications->reply(m_notifications->next(u"GetNotificationsByCategory"_s),
-                                   {QVariant::fromValue(QVector<NotificationData>{
-                                       notification(2, 5U), notification(1, 4U)})});
-        } else {
-            for (auto &watching : m_watching) {
-                if (watching.get() == b)
-                    watching.reset();
-            }
-        }
-        m_daemon->settle();
-        QVERIFY2(done, qUtf8Printable(cause));
-        if (cause != u"bound"_s && cause != u"detached"_s) {
-            // The third was still bound and was told, unless it was not, or nobody was left to tell
-            // it.
-            const bool told = !m_events.filter(QRegularExpression(u"^c "_s)).isEmpty();
-            const bool gone = deed == u"destroy another"_s || deed == u"destroy all"_s
-                || deed == u"destroy the store"_s;
-            QVERIFY2(told != gone, qUtf8Printable(cause));
-            QCOMPARE(living.isNull(), deed == u"destroy another"_s || deed == u"destroy all"_s);
-        }
-        if (deed == u"remove this"_s && !living.isNull() && cause != u"bound"_s
-            && cause != u"detached"_s)
-            QVERIFY2(!a->exists() && !b->exists() && !c->exists(), qUtf8Printable(cause));
-        m_watching.clear(); // whose handlers reach into this turn of the loop
-        m_reminders.reset();
-        m_daemon->settle();
-        m_notifications->settle();
-        m_daemon->forget();
-        m_notifications->forget();
+        for (const QString &deed :
+             {u"remove this"_s, u"remove another"_s, u"clear the number"_s, u"set another number"_s,
+              u"clear the store"_s, u"destroy this"_s, u"destroy another"_s, u"destroy all"_s,
+              u"destroy the store"_s, u"create some"_s, u"create a reminder"_s,
+              u"unbind another"_s})
+            QTest::newRow(qUtf8Printable(u"%1: %2"_s.arg(cause, deed))) << cause << deed;
     }
+}
+
+/// Three objects watch one number, and one object watches another. The second one has a handler
+/// that runs the deed once, when the cause makes the object report a change.
+void TestReminders::surviveTheirHandlers()
+{
+    QFETCH(QString, cause);
+    QFETCH(QString, deed);
+
+    if (cause == u"matched"_s) {
+        m_reminders = std::make_unique<Reminders>();
+    } else {
+        startEmpty();
+        createReminder(u"0"_s, 4);
+        if (cause != u"created"_s)
+            createReminder(u"1"_s, 5);
+    }
+    Reminder *other = watch(u"other"_s, u"0"_s);
+    Reminder *a = watch(u"a"_s, u"1"_s);
+    Reminder *b = watch(u"b"_s, cause == u"bound"_s ? u"2"_s : u"1"_s);
+    Reminder *c = watch(u"c"_s, u"1"_s);
+    const QPointer<Reminder> living(c);
+    takeEvents();
+
+    const auto destroy = [this](Reminder *reminder) {
+        for (auto &watching : m_watching) {
+            if (watching.get() == reminder) {
+                reminder->disconnect(this);
+                watching.reset();
+            }
+        }
+    };
+    // Whether the second object is destroyed by then.
+    const bool isDestroyed = cause == u"detached"_s;
+    const std::map<QString, std::function<void()>> deeds{
+        {u"remove this"_s, [&] { b->remove(); }},
+        {u"remove another"_s, [&] { other->remove(); }},
+        {u"clear the number"_s, [&] { b->setPhoneNumber(QString()); }},
+        {u"set another number"_s, [&] { b->setPhoneNumber(u"0"_s); }},
+        {u"clear the store"_s, [&] { b->setReminders(nullptr); }},
+        {u"destroy this"_s,
+         [&] {
+             if (!isDestroyed)
+                 destroy(b);
+         }},
+        {u"destroy another"_s, [&] { destroy(c); }},
+        {u"destroy all"_s,
+         [&] {
+             if (isDestroyed)
+                 return;
+             for (Reminder *reminder : {other, a, b, c})
+                 destroy(reminder);
+         }},
+        {u"destroy the store"_s, [&] { m_reminders.reset(); }},
+        {u"create some"_s,
+         [&] {
+             for (const QString &number : {u"1"_s, u"0"_s, u"7"_s, u"1"_s})
+                 watch(u"new"_s, number);
+         }},
+        {u"create a reminder"_s,
+         [&] {
+             m_reminders->createWithStrings(u"1"_s, noon, u"app"_s, u"contact"_s, u"title"_s,
+                                            u"text"_s);
+         }},
+        {u"unbind another"_s, [&] { c->setPhoneNumber(u"0"_s); }},
+    };
+    bool done = false;
+    const auto act = [&] {
+        if (!std::exchange(done, true))
+            deeds.at(deed)();
+    };
+    connect(b, &Reminder::whenChanged, this, act);
+    connect(b, &Reminder::existsChanged, this, act);
+
+    const std::map<QString, std::function<void()>> causes{
+        {u"created"_s, [&] { m_daemon->reply(create(u"1"_s), {5U}); }},
+        {u"gone"_s,
+         [&] {
+             m_daemon->emitSignal(u"com.nimbo.timed"_s, u"alarm_triggers_changed"_s,
+                                  {QVariant::fromValue(Maemo::Timed::Event::Triggers())});
+         }},
+        {u"removed"_s, [&] { a->remove(); }},
+        {u"bound"_s, [&] { b->setPhoneNumber(u"1"_s); }},
+        {u"matched"_s,
+         [&] {
+             const AttributesByCookie alarms{{4, attributes(u"0"_s)}, {5, attributes(u"1"_s)}};
+             const QVector<NotificationData> shown{notification(2, 5U), notification(1, 4U)};
+             m_daemon->reply(m_daemon->next(u"query"_s), {QVariant(QVariantList{4U, 5U})});
+             m_daemon->reply(m_daemon->next(u"get_attributes_by_cookies"_s),
+                             {QVariant::fromValue(alarms)});
+             m_notifications->reply(m_notifications->next(u"GetNotificationsByCategory"_s),
+                                    {QVariant::fromValue(shown)});
+         }},
+        {u"detached"_s,
+         [&] {
+             const auto isSecond = [b](const auto &watching) { return watching.get() == b; };
+             std::find_if(m_watching.begin(), m_watching.end(), isSecond)->reset();
+         }},
+    };
+    causes.at(cause)();
+    m_daemon->settle();
+    QVERIFY(done);
+    if (cause != u"bound"_s && cause != u"detached"_s) {
+        // The third was told, unless it was destroyed or the store was.
+        const bool told = !m_events.filter(QRegularExpression(u"^c "_s)).isEmpty();
+        const bool gone = deed == u"destroy another"_s || deed == u"destroy all"_s
+            || deed == u"destroy the store"_s;
+        QVERIFY(told != gone);
+        QCOMPARE(living.isNull(), deed == u"destroy another"_s || deed == u"destroy all"_s);
+    }
+    if (deed == u"remove this"_s && !living.isNull() && cause != u"bound"_s
+        && cause != u"detached"_s)
+        QVERIFY(!a->exists() && !b->exists() && !c->exists());
+    m_watching.clear(); // Their handlers refer to variables of this function.
+    m_reminders.reset();
+    m_daemon->settle();
+    m_notifications->settle();
+    m_daemon->forget();
+    m_notifications->forget();
 }
 
 QTEST_GUILESS_MAIN(TestReminders)

@@ -63,7 +63,7 @@ const QString normalized = u"+15550100"_s;
 
 constexpr qlonglong due = 1893585600; // 2030-01-02 12:00 UTC
 
-/// Arguments of that signature, of numbers and texts that say nothing.
+/// Returns arguments of that signature, with meaningless numbers and texts.
 QVariantList valuesOf(const QString &signature)
 {
     const QMap<QString, QVariantList> values{
@@ -86,8 +86,8 @@ QVariantList valuesOf(const QString &signature)
 
 } // namespace
 
-/// Reminders of the built process, against services that are scripted message by message, and
-/// against those of the simulated handset.
+/// Reminders of the built process, with services that are scripted message by message, and with
+/// those of the simulated handset.
 class TestReminderServices : public QObject
 {
     Q_OBJECT
@@ -150,7 +150,7 @@ void TestReminderServices::init()
 {
     m_ui = std::make_unique<UiUnderTest>();
     QVERIFY(m_ui->isValid());
-    // The connections of this process that ScriptedService::settle() asks.
+    // ScriptedService::settle() uses these connections of this process.
     m_system = std::make_unique<QDBusConnection>(
         QDBusConnection::connectToBus(m_ui->systemBus().address(), m_ui->folder() + u"/system"_s));
     QVERIFY(m_system->isConnected());
@@ -227,7 +227,7 @@ QDBusMessage TestReminderServices::ask(const QDBusConnection &bus, const QString
     return bus.call(call);
 }
 
-/// The cookies of the alarms that there are.
+/// Returns the cookies of all alarms.
 QVariantList TestReminderServices::alarms()
 {
     const QDBusMessage reply = ask(*m_system, timed, timedPath, timed, u"query"_s,
@@ -235,7 +235,7 @@ QVariantList TestReminderServices::alarms()
     return qdbus_cast<QVariantList>(reply.arguments().value(0));
 }
 
-/// The cookie of the one alarm that there is; invalid if there are none, or more.
+/// Returns the cookie of the only alarm; invalid if there are none, or more.
 QVariant TestReminderServices::onlyAlarm()
 {
     const QVariantList cookies = alarms();
@@ -282,7 +282,7 @@ void TestReminderServices::speakToTheServicesInOrder()
     m_ui->evaluate(u"0"_s);
     QCOMPARE(service.waiting(), 0);
 
-    // Once more, with every answer.
+    // Start again, and answer every call.
     m_ui->stop();
     QVERIFY(startUi());
     daemon.reply(daemon.next(u"query"_s), {QVariant(QVariantList())});
@@ -354,7 +354,7 @@ void TestReminderServices::sendExactlyThis()
     QVERIFY(m_ui->logs(u"qml: when %1"_s.arg(due)));
     QVERIFY(m_ui->logs(u"qml: exists true"_s));
 
-    // Once more: in the place of both.
+    // The next reminder replaces both.
     m_ui->evaluate(u"create('%1', %2)"_s.arg(number).arg(due + 60));
     alarm = daemon.next(u"replace_event"_s);
     QCOMPARE(alarm.signature(), u"(uxa{ss})u"_s);
@@ -378,7 +378,7 @@ void TestReminderServices::sendExactlyThis()
 
 void TestReminderServices::answerOthersWhileTheTimeDaemonHangs()
 {
-    ScriptedService daemon(m_ui->systemBus().address(), timed, timedPath); // answers nothing
+    ScriptedService daemon(m_ui->systemBus().address(), timed, timedPath); // It answers no call.
     QVERIFY(startUi());
     m_ui->evaluate(u"create('%1', %2)"_s.arg(number).arg(due));
     QElapsedTimer timer;
@@ -387,7 +387,7 @@ void TestReminderServices::answerOthersWhileTheTimeDaemonHangs()
     QVERIFY(timer.elapsed() < 2000);
     QCOMPARE(daemon.next(u"query"_s).type(), QDBusMessage::MethodCallMessage);
     QCOMPARE(daemon.next(u"add_event"_s).type(), QDBusMessage::MethodCallMessage);
-    m_ui->stop(); // before the daemon goes and answers both with an error
+    m_ui->stop(); // The end of the daemon would answer both calls with an error.
 }
 
 void TestReminderServices::goOnWhileTheNotificationServiceHangs()
@@ -408,7 +408,8 @@ void TestReminderServices::goOnWhileTheNotificationServiceHangs()
     QVERIFY(m_ui->logs(u"qml: a timer"_s));
     QVERIFY2(timer.elapsed() < 4000, qPrintable(QString::number(timer.elapsed())));
 
-    // One at a time. The number that has two reminders is shown once, for the second one.
+    // They are published one at a time. The number with two reminders is shown once, for the second
+    // one.
     QCOMPARE(service.waiting(), 0);
     service.reply(first, {9U});
     const QDBusMessage second = service.next(u"Notify"_s);
@@ -421,7 +422,7 @@ void TestReminderServices::goOnWhileTheNotificationServiceHangs()
         QVERIFY(m_ui->logs(u"qml: when %1"_s.arg(when)));
         QVERIFY(m_ui->logs(u"qml: exists true"_s));
     }
-    m_ui->stop(); // before the service goes, and its call that was not answered ends with an error
+    m_ui->stop(); // The end of the service would answer the open call with an error.
 }
 
 void TestReminderServices::endWhileTheNotificationServiceHangs()
@@ -438,7 +439,7 @@ void TestReminderServices::endWhileTheNotificationServiceHangs()
     QCOMPARE(m_ui->waitForEnd(), 0);
     QVERIFY(timer.elapsed() < 4000);
     QVERIFY(onlyAlarm().isValid());
-    m_ui->takeLog(); // what Qt's offscreen window cannot do
+    m_ui->takeLog(); // Qt logs what its offscreen window cannot do.
 }
 
 void TestReminderServices::outliveClosingsOfAnyShape_data()
@@ -466,14 +467,14 @@ void TestReminderServices::outliveClosingsOfAnyShape()
 
     service.emitSignal(notifications, u"NotificationClosed"_s, valuesOf(signature));
     m_ui->evaluate(u"0"_s);
-    // It is still known that the notification is shown.
+    // The process still knows that the notification is shown.
     m_ui->evaluate(u"reminder.remove()"_s);
     QCOMPARE(service.next(u"CloseNotification"_s).arguments(), QVariantList{9U});
     QVERIFY(m_ui->logs(u"qml: exists false"_s));
-    m_ui->stop(); // before the service goes, and its call that was not answered ends with an error
+    m_ui->stop(); // The end of the service would answer the open call with an error.
 }
 
-/// On a bus that lets a connection wait for 128 answers at a time, as stock ones do.
+/// The bus allows a connection to wait for 128 answers at a time, as stock ones do.
 void TestReminderServices::comeAndGoByTheHundred()
 {
     QVERIFY(startService(timeDaemon) && startService(notificationService));
@@ -501,7 +502,7 @@ void TestReminderServices::goWhenTheAlarmFires()
     QTRY_COMPARE(notificationsShown(), 0);
 }
 
-/// Stopped, not slow: what was asked meanwhile is answered once they go on.
+/// The services are stopped. They answer the calls when they go on.
 void TestReminderServices::waitForServicesThatHang()
 {
     QVERIFY(startService(timeDaemon) && startService(notificationService));
@@ -530,7 +531,7 @@ void TestReminderServices::stayWhenTheNotificationIsDismissed()
     QCOMPARE(m_ui->evaluate(u"reminder.exists"_s), QJsonValue(true));
     QCOMPARE(onlyAlarm(), cookie);
 
-    QVERIFY(create(number, due + 60)); // a new notification, and the alarm replaced
+    QVERIFY(create(number, due + 60)); // This makes a new notification and replaces the alarm.
     QCOMPARE(notificationsShown(), 1);
     QVERIFY(onlyAlarm().isValid());
     QVERIFY(onlyAlarm() != cookie);
@@ -623,7 +624,7 @@ void TestReminderServices::returnWithTheDaemon()
     endService(timeDaemon, SIGKILL);
     m_ui->evaluate(u"create('%1', %2)"_s.arg(number).arg(due + 60));
     QVERIFY(m_ui->logs(u"Failed to create alarm"_s));
-    QCOMPARE(m_ui->evaluate(u"reminder.exists"_s), QJsonValue(true)); // what is known is kept
+    QCOMPARE(m_ui->evaluate(u"reminder.exists"_s), QJsonValue(true)); // The known state is kept.
 
     QVERIFY(startService(timeDaemon));
     QVERIFY(create(number, due + 120));
@@ -659,7 +660,7 @@ void TestReminderServices::surviveQmlHandlers()
     m_ui->evaluate(u"begin(\"%1\")"_s.arg(deed));
     m_ui->evaluate(u"create()"_s);
     QVERIFY(m_ui->logs(u"qml: reported"_s));
-    // The next turn, with what the deed has left; then the alarms go.
+    // Process the events that the deed has left. Then the alarms go.
     QVERIFY(m_ui->evaluate(u"reports"_s).toInt() > 0);
     m_ui->evaluate(u"try { reminders[0].remove() } catch (gone) {}"_s);
     QVERIFY(m_ui->evaluate(u"end()"_s).isDouble());

@@ -4,8 +4,8 @@
 import QtQuick 2.15
 import com.nimbo.parley 1.0
 
-// Logs each change of what the SIMs may do, with all that can be read at its moment. What a test
-// asks for is evaluated here.
+// Logs each change of what the SIMs may do, with the whole state at that moment, and evaluates
+// expressions for a test.
 Item {
     height: 100
     width: 100

@@ -50,9 +50,9 @@ constexpr int patience = 30000;
 
 } // namespace
 
-/// The filters as the built process' screens see them: with a telephony stack that is scripted
-/// message by message, with that of the simulated handset, with the real oFono, and with a mock of
-/// it that is not ours.
+/// The filters as the screens of the built process see them: with a telephony stack that is
+/// scripted message by message, with that of the simulated handset, with the real oFono, and with a
+/// mock of it that others have written.
 class TestSimFilterServices : public QObject
 {
     Q_OBJECT
@@ -84,7 +84,7 @@ private Q_SLOTS:
 
 private:
     bool startUi();
-    /// Both wait until the telephony stack is on the bus, or is not any more.
+    /// These functions wait until the telephony stack is on the bus, or has left it.
     bool startStack(const QString &program, const QStringList &arguments);
     bool endStack(int signal);
     bool startTelephony();
@@ -104,9 +104,9 @@ private:
     void answer(const QDBusMessage &call, uint defaultAction, const FilterRules &rules = {});
     void changeSim(const QString &path, const QString &name, const QVariant &value);
 
-    /// Waits until the screens have been told of these changes, in this order.
+    /// Returns whether the screens log these changes, in this order.
     bool areTold(const QStringList &changes);
-    /// The state now, as areTold() has it after the name of a change.
+    /// Returns the current state, in the form that areTold() expects after the name of a change.
     QString state();
     bool logsFailure(const QString &filter, const QString &error);
 
@@ -181,13 +181,13 @@ bool TestSimFilterServices::startTelephony()
                       {u"--service"_s, u"telephony"_s, u"--state"_s, m_ui->folder() + u"/state"_s});
 }
 
-/// Without what looks for modems: those of this machine are none of ours.
+/// The plugins that look for modems are left out, so that those of this machine are not used.
 bool TestSimFilterServices::startRealDaemon()
 {
     return startStack(u"/usr/sbin/ofonod"_s, {u"-n"_s, u"--noplugin=udevng,phonesim"_s});
 }
 
-/// With a SIM in each of two modems, and no filters.
+/// Starts the mock with a SIM in each of two modems, and without filters.
 bool TestSimFilterServices::startMock()
 {
     return startStack(u"/usr/bin/python3"_s,
@@ -214,7 +214,7 @@ QDBusMessage TestSimFilterServices::message(const QString &path, const QString &
 bool TestSimFilterServices::isDone(const QString &path, const QString &interface,
                                    const QString &method, const QVariantList &arguments)
 {
-    // The log is read meanwhile: a UI that cannot get rid of it stops.
+    // Read the log meanwhile: a UI that cannot write its log stops.
     const QDBusMessage reply =
         callMeanwhile(*m_system, message(path, interface, method, arguments), patience);
     if (reply.type() == QDBusMessage::ReplyMessage)
@@ -223,14 +223,14 @@ bool TestSimFilterServices::isDone(const QString &path, const QString &interface
     return false;
 }
 
-/// Of the simulated handset's control.
+/// Calls a method of the simulated handset's control.
 bool TestSimFilterServices::isDone(const QString &method, const QVariantList &arguments)
 {
     return isDone(u"/"_s, control, method, arguments);
 }
 
-/// As fast as the stack can, with a few calls under way at any moment. It begins and ends with a
-/// SIM in the first modem, whose rules let it dial in the end, and not receive.
+/// Makes changes as fast as the stack can, with a few calls under way at any moment. Begins and
+/// ends with a SIM in the first modem. In the end its rules let it dial, and not receive.
 bool TestSimFilterServices::changeMany(int simChanges, int ruleChanges)
 {
     const auto change = [&](int i) {
@@ -241,7 +241,7 @@ bool TestSimFilterServices::changeMany(int simChanges, int ruleChanges)
             return sim % 2 == 0 ? message(u"/"_s, control, u"RemoveSim"_s, {first})
                                 : message(u"/"_s, control, u"InsertSim"_s, {one, first});
         }
-        // Each is a change, and what one side allows the other blocks.
+        // Each call is a change. One side allows what the other blocks.
         const bool isDial = rule % 2 == 0;
         const uint action = (rule / 2 + sim) % 2 == (isDial ? 1 : 0) ? allow : block;
         return message(u"/"_s, control, u"SetRule"_s, {isDial ? dial : incoming, one, action});
@@ -262,7 +262,8 @@ bool TestSimFilterServices::changeMany(int simChanges, int ruleChanges)
     return refused == 0;
 }
 
-/// A scripted stack with a modem for each of the SIMs; the screens are told of their count.
+/// Starts a scripted stack with a modem for each of the SIMs, and waits until the screens know
+/// their count.
 bool TestSimFilterServices::startScripted(const QStringList &imsis)
 {
     m_scripted = std::make_unique<ScriptedService>(m_ui->systemBus().address(), ofono, u"/"_s);
@@ -316,7 +317,7 @@ QString TestSimFilterServices::state()
     return m_ui->evaluate(u"state()"_s).toString();
 }
 
-/// That a fetch has failed.
+/// Returns the line for a failed fetch.
 bool TestSimFilterServices::logsFailure(const QString &filter, const QString &error)
 {
     return !m_ui->lineBeginning(u"(%1) GetAll() failed: \"%2\" \""_s.arg(filter, error)).isNull();
@@ -357,7 +358,7 @@ void TestSimFilterServices::followSimsThatChangeInPlace()
     answer(getAll(incomingPath), block);
     QVERIFY(areTold({u"ready: ready dial 2"_s, u"receive: ready dial 2"_s}));
 
-    // Another SIM in a modem: both rule sets are read for it, and there are as many as before.
+    // Another SIM in a modem makes both rule sets be read. The count stays the same.
     changeSim(second, u"SubscriberIdentity"_s, u"262033333333333"_s);
     answer(getAll(dialPath), block, {{other, allow}});
     answer(getAll(incomingPath), allow);
@@ -367,7 +368,7 @@ void TestSimFilterServices::followSimsThatChangeInPlace()
     answer(getAll(incomingPath), block);
     QVERIFY(areTold({u"dial: ready dial receive 2"_s, u"receive: ready dial 2"_s}));
 
-    // The two change places, which takes two steps.
+    // The two SIMs change places, which takes two steps.
     changeSim(first, u"SubscriberIdentity"_s, other);
     answer(getAll(dialPath), block);
     answer(getAll(incomingPath), block);
@@ -390,7 +391,7 @@ void TestSimFilterServices::answerOthersUntilAHungFilterTimesOut()
     }
     answer(incomingCall, block);
     QVERIFY(areTold({u"receive: dial 1"_s}));
-    QCOMPARE(m_scripted->waiting(), 0); // no second call while the first is outstanding
+    QCOMPARE(m_scripted->waiting(), 0); // There is no second call while the first is outstanding.
 
     QVERIFY(logsFailure(dial, u"org.freedesktop.DBus.Error.NoReply"_s));
     QVERIFY(areTold({u"ready: ready dial 1"_s}));
@@ -399,7 +400,7 @@ void TestSimFilterServices::answerOthersUntilAHungFilterTimesOut()
     QVERIFY(areTold({u"dial: ready 1"_s}));
 }
 
-/// What a fetch means that fails when the SIMs are not known any more is corrected with the next.
+/// If a fetch fails when the SIMs are not known any more, the next one corrects its result.
 void TestSimFilterServices::outliveAStackThatDiesInACall()
 {
     QVERIFY(startScripted({one}));
@@ -430,7 +431,7 @@ void TestSimFilterServices::followSims()
     QVERIFY(areTold({u"count: ready 0"_s, u"dial: ready dial receive 0"_s,
                      u"receive: ready dial receive 0"_s}));
 
-    // Another in the same modem, and the first one again.
+    // Put another SIM into the same modem, and then the first one again.
     QVERIFY(isDone(u"InsertSim"_s, {other, first}));
     QVERIFY(areTold({u"count: ready dial receive 1"_s, u"receive: ready dial 1"_s}));
     QVERIFY(isDone(u"RemoveSim"_s, {first}));
@@ -438,7 +439,7 @@ void TestSimFilterServices::followSims()
     QVERIFY(isDone(u"InsertSim"_s, {one, first}));
     QVERIFY(areTold(inserted));
 
-    // A second one, and both in the other order.
+    // Add a second SIM, and then change their order.
     QVERIFY(isDone(u"InsertSim"_s, {other, second}));
     QVERIFY(areTold({u"count: ready 2"_s, u"dial: ready dial 2"_s}));
     QVERIFY(isDone(u"RemoveSim"_s, {first}));
@@ -532,7 +533,7 @@ void TestSimFilterServices::missTheRulesOfAStackThatComesLater()
     QVERIFY(isDone(u"InsertSim"_s, {one, first}));
     QVERIFY(areTold({u"count: ready dial receive 1"_s, u"receive: ready dial 1"_s}));
 
-    // Its signals are followed only where it was there at the start.
+    // Its signals are followed only if it was there at the start.
     QVERIFY(isDone(u"SetDefaultAction"_s, {dial, block}));
     QVERIFY(isDone(u"SetDefaultAction"_s, {incoming, allow}));
     QCOMPARE(state(), u"ready dial 1"_s);
@@ -552,10 +553,10 @@ void TestSimFilterServices::returnWithTheStack()
     for (const int signal : {SIGTERM, SIGKILL}) {
         QVERIFY(endStack(signal));
         QVERIFY(areTold({u"count: ready receive 0"_s}));
-        QCOMPARE(state(), u"ready receive 0"_s); // what was known is kept
+        QCOMPARE(state(), u"ready receive 0"_s); // The known state is kept.
         QVERIFY(startTelephony());
         QVERIFY(areTold({u"count: ready receive 1"_s}));
-        // The rules of the new process are followed as those of the one before.
+        // The rules of the new process are followed as before.
         QVERIFY(isDone(u"SetRule"_s, {dial, one, allow}));
         QVERIFY(areTold({u"dial: ready dial receive 1"_s}));
         QVERIFY(isDone(u"RemoveRule"_s, {dial, one}));
@@ -571,7 +572,7 @@ void TestSimFilterServices::goOnWhenAHungStackDoes()
     QVERIFY(startUi());
     QVERIFY(areTold({u"ready: ready dial receive 0"_s}));
 
-    // The UI hears of the SIM when the stack hangs already.
+    // The UI is notified of the SIM while the stack hangs.
     const qint64 ui = m_ui->processId();
     signalProcess(ui, SIGSTOP);
     QVERIFY(isDone(u"InsertSim"_s, {one, first}));
@@ -588,7 +589,7 @@ void TestSimFilterServices::goOnWhenAHungStackDoes()
     QVERIFY(areTold({u"dial: ready receive 1"_s, u"receive: ready 1"_s}));
 }
 
-/// As soon as with one that answers: it is asked, and not waited for.
+/// The start is as fast as with a stack that answers, because nothing waits for it.
 void TestSimFilterServices::startBesideAHungStack()
 {
     QVERIFY(startTelephony());
@@ -599,12 +600,13 @@ void TestSimFilterServices::startBesideAHungStack()
     timer.start();
     QVERIFY(startUi());
     QCOMPARE(state(), u"dial receive 0"_s);
-    QVERIFY(timer.elapsed() < 20000); // one call to it that waits takes 25 s
+    QVERIFY(timer.elapsed() < 20000); // A single blocking call to it would take 25 s.
 
     signalProcess(m_stack->processId(), SIGCONT);
     QVERIFY(
         areTold({u"count: dial receive 1"_s, u"dial: receive 1"_s, u"ready: ready receive 1"_s}));
-    QVERIFY(isDone(u"SetDefaultAction"_s, {dial, allow})); // whose signals it follows
+    // The process follows the signals of this change.
+    QVERIFY(isDone(u"SetDefaultAction"_s, {dial, allow}));
     QVERIFY(areTold({u"dial: ready dial receive 1"_s}));
 }
 
@@ -615,7 +617,7 @@ void TestSimFilterServices::endRightAfterManyChanges()
     QVERIFY(isDone(u"SetDefaultAction"_s, {incoming, block}));
     QVERIFY(isDone(u"InsertSim"_s, {one, first}));
     QVERIFY(startUi());
-    // A second SIM, without a rule, shows that all changes before it have arrived.
+    // A second SIM without a rule shows that all earlier changes have arrived.
     QVERIFY(changeMany(100, 1000));
     QVERIFY(isDone(u"InsertSim"_s, {other, second}));
     QTRY_COMPARE_WITH_TIMEOUT(state(), u"ready dial 2"_s, patience);
@@ -634,7 +636,7 @@ void TestSimFilterServices::endRightAfterManyChanges()
         QVERIFY2(line.startsWith(u"qml: told "_s), qPrintable(line));
     QVERIFY(memoryBefore > 0);
     if (!qEnvironmentVariableIsSet("PARLEY_UI_OPTIMIZED"))
-        QSKIP("a build for debugging may hold on to freed memory");
+        QSKIP("a debug build may keep freed memory");
     QVERIFY(memoryAfter - memoryBefore <= 1024);
 }
 
@@ -656,7 +658,7 @@ void TestSimFilterServices::followTheRealDaemonToAnother()
     QCOMPARE(state(), u"ready dial receive 0"_s);
     QVERIFY(endStack(SIGKILL));
 
-    // It has gone on following, which a SIM shows.
+    // A SIM shows that the process still follows the changes.
     QVERIFY(startTelephony());
     QVERIFY(isDone(u"SetDefaultAction"_s, {dial, block}));
     QVERIFY(isDone(u"InsertSim"_s, {one, first}));

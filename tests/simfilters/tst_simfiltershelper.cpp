@@ -47,7 +47,7 @@ constexpr uint block = SimFiltersHelper::Block;
 constexpr uint allow = SimFiltersHelper::Allow;
 constexpr uint hangup = SimFiltersHelper::Hangup;
 
-/// The subscription, counted from the first, that fails; -1 for all, 0 for none.
+/// The number of the subscription that fails, from 1; -1 for all, 0 for none.
 int failingSubscription = 0;
 int subscriptions = 0;
 
@@ -56,8 +56,8 @@ int subscriptions = 0;
 using Connect = bool (*)(void *, const QString &, const QString &, const QString &, const QString &,
                          QObject *, const char *);
 
-// QDBusConnection::connect() without a signature, under its linker name: it cannot be made to fail
-// otherwise.
+// Replaces QDBusConnection::connect() under its linker name. No seam can do it: on a working
+// connection the function has no way to fail for one signal alone.
 // NOLINTNEXTLINE(bugprone-reserved-identifier)
 extern "C" bool _ZN15QDBusConnection7connectERK7QStringS2_S2_S2_P7QObjectPKc(
     void *self, const QString &service, const QString &path, const QString &connectedInterface,
@@ -71,7 +71,7 @@ extern "C" bool _ZN15QDBusConnection7connectERK7QStringS2_S2_S2_P7QObjectPKc(
     return connect(self, service, path, connectedInterface, name, receiver, slot);
 }
 
-/// The filters over scripted rules, and SIMs that a test sets.
+/// The filters, with scripted rules and with SIMs that a test sets.
 class TestSimFiltersHelper : public QObject
 {
     Q_OBJECT
@@ -133,12 +133,12 @@ private Q_SLOTS:
 
 private:
     void start();
-    /// Starts with the SIMs present, and with rules that let everything through.
+    /// Starts with these SIMs, and with rules that allow everything.
     void startAllowed(const QStringList &sims);
     void setSims(const QStringList &sims, bool valid = true);
     QDBusMessage getAll(const QString &path);
     void answer(const QDBusMessage &call, uint defaultAction, const RuleList &rules = {});
-    /// What has happened since, once everything under way has arrived.
+    /// Waits until everything under way has arrived. Returns what has happened since the last call.
     QStringList settled();
     QOfonoSimWatcher *watcher() const { return m_helper->findChild<QOfonoSimWatcher *>(); }
     void record(const QString &signal);
@@ -206,7 +206,7 @@ void TestSimFiltersHelper::startAllowed(const QStringList &sims)
     QCOMPARE(m_helper->activeSimCount(), sims.size());
 }
 
-/// A signal, and all that can be read at its moment.
+/// Records a signal and the whole state at that moment.
 void TestSimFiltersHelper::record(const QString &signal)
 {
     QString state = signal + u':';
@@ -340,7 +340,7 @@ void TestSimFiltersHelper::carriesRules()
     const auto there = qdbus_cast<RuleList>(received.arguments().constFirst());
     m_service->reply(received, {QVariant::fromValue(there)});
     QTRY_VERIFY(reply.isFinished());
-    // What is in the list before goes.
+    // The former content of the list is replaced.
     RuleList back{{u"before"_s, allow}};
     received.arguments().constFirst().value<QDBusArgument>() >> back;
     for (const RuleList &list : {there, back, reply.value()}) {
@@ -372,7 +372,7 @@ void TestSimFiltersHelper::startsInOrder()
     QVERIFY(m_helper->anyActiveSimCanReceive());
     QCOMPARE(m_helper->activeSimCount(), 0);
     QCOMPARE(settled(), QStringList());
-    QCOMPARE(m_service->waiting(), 0); // nothing is asked before there is a SIM
+    QCOMPARE(m_service->waiting(), 0); // No rule is read before there is a SIM.
 
     m_helper.reset();
     QCOMPARE(m_platform->takeCalls(), QStringList(u"~QOfonoSimWatcher()"_s));
@@ -385,7 +385,7 @@ void TestSimFiltersHelper::staysAloofWithoutFilters()
     QCOMPARE(log(), QStringList(unableToConnect));
     QCOMPARE(subscriptions, 0);
 
-    // No signal of a service that comes later is followed.
+    // The signals of a service that starts later are not followed.
     m_service = std::make_unique<ScriptedService>(m_bus.address(), u"org.ofono"_s, filters);
     setSims({one});
     QCOMPARE(settled(), QStringList(u"count: dial receive 1"_s));
@@ -414,7 +414,7 @@ void TestSimFiltersHelper::readsRulesWithoutFiltersAtItsStart()
              QStringList({u"debug: (dial) "_s + failure, u"debug: (incoming) "_s + failure}));
 }
 
-/// The SIMs that it knows of are not listed before the watcher has told of a change.
+/// The SIMs of the watcher are not read before it has signalled a change.
 void TestSimFiltersHelper::takesAValidWatcherForNoSimAtItsStart()
 {
     m_platform->sims = QStringList{one};
@@ -648,7 +648,7 @@ void TestSimFiltersHelper::readsRulesOfOtherSims()
     QCOMPARE(settled(), expected);
     QCOMPARE(m_service->waiting(), 0);
 
-    // What is known stays until the answer comes.
+    // The known permissions stay until the answer comes.
     QVERIFY(m_helper->anyActiveSimCanDial());
     answer(dialCall, block);
     answer(incomingCall, block);
@@ -673,7 +673,7 @@ void TestSimFiltersHelper::keepsItsAnswersWithoutAWatcher()
     answer(getAll(dial), block);
     answer(getAll(incoming), allow);
     settled();
-    setSims({one}, false); // nothing is known of what it lists
+    setSims({one}, false); // The list of the watcher is not valid.
     QCOMPARE(settled(), QStringList(u"count: ready receive 0"_s));
     QCOMPARE(m_service->waiting(), 0);
 
@@ -774,11 +774,11 @@ void TestSimFiltersHelper::dropsRequestsWhileOneIsOutstanding()
     m_service->settle();
     QCOMPARE(m_service->waiting(), 0);
 
-    // The other side goes on by itself.
+    // The other side is independent.
     m_service->emitSignal(interface, u"RuleAdded"_s, {}, incoming);
     answer(getAll(incoming), allow);
 
-    // Nothing is asked afterwards for what was dropped.
+    // The dropped requests are not made later.
     answer(call, allow);
     QCOMPARE(settled(), QStringList());
     QCOMPARE(m_service->waiting(), 0);
@@ -825,7 +825,7 @@ void TestSimFiltersHelper::evaluatesForTheSimsOfTheMoment()
     const QDBusMessage incomingCall = getAll(incoming);
     setSims({other});
     settled();
-    QCOMPARE(m_service->waiting(), 0); // one request of a side at a time
+    QCOMPARE(m_service->waiting(), 0); // There is one request of each side at a time.
     answer(dialCall, allow, {{other, block}});
     answer(incomingCall, block, {{other, allow}});
     QCOMPARE(settled(), QStringList({u"dial: receive 1"_s, u"ready: ready receive 1"_s}));
@@ -958,7 +958,7 @@ void TestSimFiltersHelper::asksTheWatcherWhetherThereIsASim()
     const QDBusMessage call = getAll(dial);
     setSims({});
     settled();
-    m_platform->sims = QStringList{other}; // which the watcher has not told of yet
+    m_platform->sims = QStringList{other}; // The watcher has not signalled this yet.
     m_service->fail(call, u"com.example.Error"_s, {});
     QCOMPARE(settled(), QStringList());
     QVERIFY(m_helper->anyActiveSimCanDial());
@@ -983,7 +983,7 @@ void TestSimFiltersHelper::outlivesItsService()
                          "\"Message recipient disconnected from message bus without "
                          "replying\""_s));
 
-    // The signals of the next one are followed.
+    // The signals of the next service are followed.
     m_service = std::make_unique<ScriptedService>(m_bus.address(), u"org.ofono"_s, filters);
     m_service->settle();
     m_service->emitSignal(interface, u"RulesChanged"_s, {}, dial);
@@ -1007,7 +1007,7 @@ void TestSimFiltersHelper::survivesHandlersThatChangeTheSims()
     QCOMPARE(m_helper->activeSimCount(), 0);
     QVERIFY(m_helper->ready());
     QVERIFY(m_helper->anyActiveSimCanDial());
-    QVERIFY(!m_helper->anyActiveSimCanReceive()); // its answer came after the SIMs had gone
+    QVERIFY(!m_helper->anyActiveSimCanReceive()); // Its answer came after the SIMs were gone.
     QCOMPARE(m_service->waiting(), 0);
 }
 

@@ -6,8 +6,9 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 
-/// The answer to \a call, or an error after \a timeout milliseconds. Events are served meanwhile.
+/// Returns the answer to \a call, or an error after \a timeout milliseconds. Processes events
+/// meanwhile.
 ///
-/// Not QDBusConnection::call() with QDBus::BlockWithGui: in Qt 5 that one misses an answer that
-/// comes before it has begun to listen, and waits for ever.
+/// Do not use QDBusConnection::call() with QDBus::BlockWithGui instead: in Qt 5 it misses an answer
+/// that comes before it begins to listen, and waits for ever.
 QDBusMessage callMeanwhile(const QDBusConnection &bus, const QDBusMessage &call, int timeout);

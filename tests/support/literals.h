@@ -5,7 +5,7 @@
 
 #include <QString>
 
-/// u"text"_s is a QString.
+/// Makes u"text"_s a QString.
 inline QString operator""_s(const char16_t *text, std::size_t size)
 {
     return QString(reinterpret_cast<const QChar *>(text), static_cast<int>(size));

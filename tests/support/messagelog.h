@@ -6,15 +6,15 @@
 #include <QStringList>
 #include <QtGlobal>
 
-/// Collects what this process logs while the object lives, so that a test can say what it expects
-/// to be logged and that nothing else is.
+/// Collects what this process logs while the object lives, so that a test can check that it logs
+/// what is expected and nothing else.
 class MessageLog
 {
 public:
     MessageLog();
     ~MessageLog();
 
-    /// The lines logged since the last call, each as "warning: text".
+    /// Returns the lines that were logged since the last call, each as "warning: text".
     QStringList take();
 
 private:

@@ -4,7 +4,8 @@
 import QtQuick 2.15
 import com.nimbo.parley 1.0
 
-// Reports what reaches the QML, a line of JSON each, and evaluates what a test asks for.
+// Reports each request that reaches the QML as a line of JSON, and evaluates expressions for a
+// test.
 Item {
     width: 100
     height: 100

@@ -9,10 +9,10 @@
 
 namespace {
 
-/// How long libdbus may wait for messages before others have their turn.
+/// How long libdbus may wait for messages in one turn.
 constexpr int turn = 5;
 
-/// libdbus takes a null pointer for what is left out.
+/// libdbus expects a null pointer for an omitted text.
 const char *orNull(const QByteArray &text)
 {
     return text.isEmpty() ? nullptr : text.constData();

@@ -12,66 +12,68 @@
 #include <functional>
 #include <memory>
 
-/// Gives a reference of a message back.
+/// Releases a reference of a message.
 struct UnrefMessage
 {
     void operator()(DBusMessage *message) const { dbus_message_unref(message); }
 };
 
-/// A message of libdbus, and the reference that keeps it.
+/// A message of libdbus with a reference to it.
 using RawMessage = std::unique_ptr<DBusMessage, UnrefMessage>;
 
-/// A connection to a message bus that sends whatever libdbus can write, where QtDBus writes only
-/// what an honest process would: answers to calls that nobody made, replies from strangers, bodies
-/// of any signature.
+/// A connection to a message bus that sends whatever libdbus can write: answers to calls that
+/// nobody has made, replies in the place of others, bodies of any signature. QtDBus only writes
+/// what an honest process would.
 ///
-/// It is private to the object and has no thread: what has come is handled in pump() and call().
+/// The connection is private to the object and has no thread. Messages are handled in pump() and
+/// call().
 class RawConnection
 {
 public:
-    /// Takes a call or a signal that has come. Whether and how a call is answered is up to it.
+    /// Takes an incoming call or signal. The handler decides whether and how it answers a call.
     using Handler = std::function<void(DBusMessage *message)>;
 
-    /// Connects to the bus at \a address, and says "hello" to it.
+    /// Connects to the bus at \a address, and registers with it.
     explicit RawConnection(const QString &address);
     ~RawConnection();
 
-    /// Whether the bus has taken the connection, and has not thrown it off since.
+    /// Returns whether the bus has accepted the connection and has not closed it since.
     bool isOpen() const;
-    /// The unique name on the bus; empty if the bus has not taken the connection.
+    /// Returns the unique name on the bus; empty if the bus has not accepted the connection.
     QByteArray uniqueName() const;
 
-    /// Takes \a name, from another owner too where that one took it with this method: the one who
-    /// took it last has it, and gets it back when those after it are gone. Waits for the bus. False
-    /// if somebody else keeps the name.
+    /// Takes \a name, also from an owner that took it with this function: the last taker owns the
+    /// name, and the one before gets it back. Blocks until the bus answers. Returns false if
+    /// another process keeps the name.
     bool own(const QByteArray &name);
-    /// Gives \a name up. Waits for the bus. False if it was not ours.
+    /// Releases \a name. Blocks until the bus answers. Returns false if another process owns it.
     bool release(const QByteArray &name);
 
-    /// Calls without an \a interface are allowed by D-Bus.
+    /// Makes a call. D-Bus allows calls without an \a interface.
     static RawMessage makeCall(const QByteArray &destination, const QByteArray &path,
                                const QByteArray &interface, const QByteArray &member);
-    /// For everybody who subscribed to it, or for \a destination alone where there is one.
+    /// Makes a signal for all subscribers, or only for \a destination if there is one.
     static RawMessage makeSignal(const QByteArray &destination, const QByteArray &path,
                                  const QByteArray &interface, const QByteArray &member);
-    /// The answer to the message \a replySerial (not 0) of \a destination, whoever was asked.
+    /// Makes an answer to the message \a replySerial (not 0) of \a destination, even if others were
+    /// called.
     static RawMessage makeReply(const QByteArray &destination, quint32 replySerial);
-    /// The same, an error named \a error.
+    /// Makes such an answer that is an error with the name \a error.
     static RawMessage makeError(const QByteArray &destination, quint32 replySerial,
                                 const QByteArray &error);
 
-    /// Sends \a message and returns its serial. It is on its way after the next pump().
+    /// Queues \a message and returns its serial. The next pump() sends it.
     quint32 send(DBusMessage *message);
 
-    /// Sends \a message and waits for its answer, a reply or an error, for \a timeout milliseconds
-    /// at most; null if none comes. Other messages are handled meanwhile, and \a meanwhile is
-    /// called again and again. Answers count up the answerer's serials: dbus_message_get_serial().
+    /// Sends \a message and returns its answer, a reply or an error, or null if none comes within
+    /// \a timeout milliseconds. Handles other messages and calls \a meanwhile repeatedly until
+    /// then. The serial of the answer shows how many messages its sender has sent.
     RawMessage call(DBusMessage *message, int timeout, const std::function<void()> &meanwhile = {});
 
-    /// For the calls and signals that come. Without one they are dropped.
+    /// Sets the handler for incoming calls and signals. Without one they are dropped.
     void setHandler(const Handler &handler) { m_handler = handler; }
 
-    /// Sends what is to be sent and handles what has come, and does not wait for more.
+    /// Sends the queued messages and handles the received ones, without waiting for more.
     void pump();
 
 private:
@@ -81,6 +83,6 @@ private:
 
     DBusConnection *m_connection = nullptr;
     Handler m_handler;
-    quint32 m_awaited = 0; ///< Serial of the call whose answer call() waits for.
+    quint32 m_awaited = 0; ///< The serial of the call whose answer call() waits for.
     RawMessage m_answer;
 };

@@ -32,7 +32,7 @@ void waitForBus(const QDBusConnection &connection)
 
 } // namespace
 
-/// Hands on what the bus delivers.
+/// Forwards the calls from the bus.
 class ScriptedService::Objects : public QDBusVirtualObject
 {
 public:
@@ -125,14 +125,15 @@ void ScriptedService::emitSignal(const QString &interface, const QString &name,
 
 void ScriptedService::settle()
 {
-    // Once more for what the first time has led to, such as a question about who has answered.
+    // Settle twice: handled messages may lead to others, such as a question for the owner of a
+    // name.
     for (int i = 0; i < 2; ++i)
         settleOnce();
 }
 
 void ScriptedService::settleOnce()
 {
-    // There and back on either connection: what was sent before is through then.
+    // After a round trip on each connection, all earlier messages have arrived.
     waitForBus(QDBusConnection::sessionBus());
     waitForBus(QDBusConnection::systemBus());
     waitForBus(m_bus);

@@ -10,7 +10,8 @@
 
 bool writeSettings(const QString &configHome, const Settings &settings)
 {
-    // dconf compiles a folder of key files; a section is a path, which may hold anything but ']'.
+    // dconf compiles a folder of key files. A section is a path, which may have all characters but
+    // ']'.
     const QTemporaryDir keyFiles;
     QFile file(keyFiles.filePath(QStringLiteral("keys")));
     if (!file.open(QIODevice::WriteOnly))

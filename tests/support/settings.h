@@ -6,9 +6,10 @@
 #include <QMap>
 #include <QString>
 
-/// A settings database to be: each key ("/desktop/...") with its value in GVariant's text form.
+/// The content of a settings database: maps each key ("/desktop/...") to its value in GVariant's
+/// text form.
 using Settings = QMap<QString, QString>;
 
-/// Makes the user database of a home whose configuration folder is \a configHome, in place of the
-/// one that it had. A key may have any text that dconf takes.
+/// Creates or replaces the user database of the home with the configuration folder \a configHome. A
+/// key may have any text that dconf accepts.
 bool writeSettings(const QString &configHome, const Settings &settings);

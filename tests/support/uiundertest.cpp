@@ -22,7 +22,7 @@ namespace {
 
 const QString service = QStringLiteral("com.nimbo.parley.ui");
 constexpr int patience = 30000;
-/// The answers that a connection to a stock system bus may wait for at a time.
+/// How many answers a connection to a stock system bus may wait for at a time.
 constexpr int stockReplies = 128;
 
 } // namespace
@@ -41,7 +41,7 @@ QStringList UiUnderTest::startUpLines()
 UiUnderTest::UiUnderTest()
     : m_session(m_folder.path())
 {
-    QFile::setPermissions(folder(), QFile::Permissions(0x7111)); // other users call it too
+    QFile::setPermissions(folder(), QFile::Permissions(0x7111)); // Other users call it, too.
     m_sessionBus.start(folder(), QStringLiteral("session"));
     m_systemBus.start(folder(), QStringLiteral("system"), stockReplies);
     m_sessionBusAddress = m_sessionBus.address();
@@ -89,8 +89,8 @@ void UiUnderTest::start(const QStringList &arguments)
                        environment.value(QStringLiteral("HOME")));
     environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
     environment.remove(QStringLiteral("LANGUAGE"));
-    // For a sanitized process: a probe may be loaded before the sanitizer, and whoever lets the
-    // process end by itself is told of leaks, with stacks that reach back to where they came from.
+    // A sanitized process accepts a probe that is loaded before the sanitizer. If it ends by
+    // itself, it reports leaks with complete stacks.
     QString sanitizer = QStringLiteral("verify_asan_link_order=0");
     if (arguments.contains(QLatin1String("-devel")))
         sanitizer += QLatin1String(":fast_unwind_on_malloc=0");
@@ -183,7 +183,7 @@ QDBusMessage UiUnderTest::call(const QString &method, const QVariantList &argume
     QDBusMessage message =
         QDBusMessage::createMethodCall(service, QStringLiteral("/"), service, method);
     message.setArguments(arguments);
-    // The log is read meanwhile: a process that cannot get rid of it does not answer.
+    // Read the log meanwhile: a process that cannot write its log does not answer.
     return callMeanwhile(m_session, message, patience);
 }
 

@@ -14,79 +14,80 @@
 
 #include <memory>
 
-/// The built call UI as a process, on buses and in a home of its own.
+/// The built call UI as a process, with buses and a home of its own.
 ///
-/// Its program is the one that PARLEY_UI names. Every line that it logs is to be claimed by the
-/// test; what is left in the end is what nobody expected.
+/// PARLEY_UI names its program. A test has to claim every line that the process logs. Lines that
+/// are left in the end were not expected.
 class UiUnderTest : public QObject
 {
     Q_OBJECT
 
 public:
-    /// The lines that it logs at its start where the handset is missing: two control groups, and
-    /// the telephony stack.
+    /// Returns the lines that the process logs at its start without a handset: two control groups
+    /// and the telephony stack are missing.
     static QStringList startUpLines();
 
     UiUnderTest();
     ~UiUnderTest() override;
 
-    /// Whether the buses run.
+    /// Returns whether the buses run.
     bool isValid() const;
 
-    /// A folder of this test's own, in which the home is.
+    /// Returns a folder of this test's own, which contains the home.
     QString folder() const { return m_folder.path(); }
     /// Writes \a content to a file below folder() and returns its path.
     QString writeFile(const QString &name, const QByteArray &content) const;
 
     PrivateBus &sessionBus() { return m_sessionBus; }
     PrivateBus &systemBus() { return m_systemBus; }
-    /// A connection to the session bus, of this process.
+    /// Returns a connection of the test to the session bus.
     QDBusConnection session() const { return m_session; }
-    /// What the process may find at fixed places.
+    /// The files that the process finds at fixed paths.
     Sandbox &sandbox() { return m_sandbox; }
-    /// To be set before the process is started.
+    /// Sets an environment variable. Call this before the process is started.
     void setEnvironment(const QString &name, const QString &value);
     void setSessionBusAddress(const QString &address) { m_sessionBusAddress = address; }
-    /// Puts a program and its arguments before the command, as "setpriv".
+    /// Sets a program with arguments, such as "setpriv", that runs the command.
     void setPrefix(const QStringList &prefix) { m_prefix = prefix; }
     bool writeSettings(const Settings &settings) const;
 
-    /// Says that "org.ofono" is on the system bus when the process is started.
+    /// Declares that "org.ofono" is on the system bus when the process is started.
     void setHasTelephony() { m_hasTelephony = true; }
 
     /// Starts the process with \a arguments.
     void start(const QStringList &arguments);
-    /// Starts it with \a screens (QML that says "loaded") and \a arguments before that; waits until
+    /// Starts the process with \a arguments and \a screens, QML that logs "loaded". Waits until
     /// they are loaded, and claims startUpLines().
     bool startScreens(const QString &screens, const QStringList &arguments = {});
-    /// Starts it with the probe as its screens and \a arguments before that, as startScreens().
+    /// Does the same as startScreens(), with the probe as the screens.
     bool startProbe(const QStringList &arguments = {});
 
     bool isRunning() const { return m_process && m_process->state() == QProcess::Running; }
-    /// As the bus knows it.
+    /// Returns the id of the process that the bus knows.
     qint64 processId() const;
-    /// Kilobytes of memory that the process holds.
+    /// Returns the resident memory of the process in KiB.
     qint64 residentMemory() const;
 
-    /// Waits until startUpLines() have been logged, the last one only where there is no telephony,
-    /// and claims them.
+    /// Waits until startUpLines() are logged, and claims them. The last one is only expected
+    /// without telephony.
     bool claimStartUpLines();
-    /// Waits until \a line has been logged, and claims it.
+    /// Waits until \a line is logged, and claims it.
     bool logs(const QString &line);
-    /// Claims the first line that begins with \a prefix, which has been or will be logged.
+    /// Waits for a line that begins with \a prefix, claims the first one, and returns it.
     QString lineBeginning(const QString &prefix);
-    /// Claims everything that has been logged by now. What the process wrote before it sent a reply
-    /// that has been received is part of it.
+    /// Claims and returns all lines that are logged by now. These include all lines that the
+    /// process wrote before a reply that was received.
     QStringList takeLog();
 
-    /// What the probe's QML makes of \a expression.
+    /// Returns the value of \a expression in the probe's QML.
     QJsonValue evaluate(const QString &expression);
-    /// Calls a method of the service and waits for the answer.
+    /// Calls a method of the service, waits for the answer and returns it.
     QDBusMessage call(const QString &method, const QVariantList &arguments = {});
 
-    /// Waits until it ends by itself; its exit status, or -1 for a crash or if it does not end.
+    /// Waits until the process ends by itself. Returns its exit status, or -1 if it crashes or does
+    /// not end.
     int waitForEnd();
-    /// Ends it with SIGTERM.
+    /// Ends the process with SIGTERM.
     void stop();
 
 private:

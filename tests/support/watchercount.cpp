@@ -10,7 +10,7 @@
 
 #include <algorithm>
 
-/// Qt's own, for tools that watch objects; its header is one of the private ones.
+/// Qt has these hooks for tools that watch objects. Its header for them is private.
 extern quintptr Q_CORE_EXPORT qtHookData[];
 
 namespace {
@@ -20,7 +20,8 @@ constexpr int removeObject = 4;
 
 QMutex mutex;
 QThread *watched = nullptr;
-QSet<QObject *> objects; ///< Made by that thread. Another one may destroy them.
+/// The objects that the thread has created. Another thread may destroy them.
+QSet<QObject *> objects;
 
 void added(QObject *object)
 {
@@ -54,7 +55,7 @@ WatcherCount::~WatcherCount()
 
 int WatcherCount::value() const
 {
-    const QMutexLocker locker(&mutex); // None of them goes meanwhile.
+    const QMutexLocker locker(&mutex); // No object is destroyed meanwhile.
     return static_cast<int>(std::count_if(objects.cbegin(), objects.cend(), [](QObject *object) {
         return qobject_cast<QDBusPendingCallWatcher *>(object) != nullptr;
     }));

@@ -5,15 +5,15 @@
 
 #include <QtGlobal>
 
-/// Counts the QDBusPendingCallWatchers that this thread makes while the object lives, by the hooks
-/// that Qt has for debugging tools. One at a time.
+/// Counts the QDBusPendingCallWatchers that this thread creates while the object lives, with the
+/// hooks that Qt has for debugging tools. There may be only one object at a time.
 class WatcherCount
 {
 public:
     WatcherCount();
     ~WatcherCount();
 
-    /// Those that are still there.
+    /// Returns how many of them still exist.
     int value() const;
 
 private:

@@ -1,11 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The Parley developers
 // SPDX-License-Identifier: BSD-3-Clause
 
-// A process that calls the call UI as some user: caller ADDRESS UID GID STEP...
-// Each step prints a line: "own NAME", "release NAME", "toggle", "toggle-elsewhere" (through
-// another connection), "send" (a toggle whose answer is not waited for; prints the connection's
-// name), "forge" (a toggle together with answers, in the bus daemon's place, that the caller is the
-// call UI itself).
+// caller ADDRESS UID GID STEP...: calls the call UI as a user, and prints a line for each step.
+//
+// The steps are "own NAME", "release NAME", "toggle", "toggle-elsewhere" (through another
+// connection), "send" (a toggle without waiting for the answer; prints the name of the connection)
+// and "forge" (a toggle together with forged answers of the bus daemon, which say that the caller
+// is the call UI itself).
 
 #include "rawconnection.h"
 
@@ -26,7 +27,8 @@ constexpr int patience = 30000;
 
 bool becomeUser(uid_t user, gid_t group)
 {
-    // Dumpable again, as every program is that was started by that user: /proc shows who it is.
+    // Make the process dumpable again, as every program is that the user starts: /proc shows its
+    // owner then.
     return setgroups(0, nullptr) == 0 && setresgid(group, group, group) == 0
         && setresuid(user, user, user) == 0 && prctl(PR_SET_DUMPABLE, 1) == 0;
 }
@@ -49,11 +51,12 @@ QString toggle(const QDBusConnection &connection)
 QString sendToggle(const QDBusConnection &connection)
 {
     connection.send(toggleCall());
-    connection.interface()->isServiceRegistered(QString()); // the bus has the call when it answers
+    // The bus has the call when it answers this question.
+    connection.interface()->isServiceRegistered(QString());
     return connection.baseService();
 }
 
-/// The process of the call UI, as the bus tells it.
+/// Returns the process of the call UI according to the bus.
 quint32 processOfUi(RawConnection &connection)
 {
     const RawMessage question =
@@ -67,7 +70,7 @@ quint32 processOfUi(RawConnection &connection)
     return process;
 }
 
-/// The last serial of the call UI, which every answer gives away, and its name on the bus.
+/// The last serial of the call UI, which every answer reveals, and its name on the bus.
 RawMessage dial(RawConnection &connection)
 {
     const RawMessage call =
@@ -83,7 +86,7 @@ QString forge(const QString &address)
     const quint32 process = processOfUi(connection);
     const RawMessage dialled = dial(connection);
     const quint32 serial = dbus_message_get_serial(dialled.get());
-    // So many that some of them are in front of the daemon's answer.
+    // Send so many that some arrive before the daemon's answer.
     const auto sendForgeries = [&] {
         for (quint32 i = 0; i < 300; ++i) {
             const RawMessage reply = RawConnection::makeReply(

@@ -22,7 +22,7 @@ const QString service = u"com.nimbo.parley.ui"_s;
 const QString canopy = u"com.nimbo.canopy"_s;
 const QString toggled = u"qml: toggleCall []"_s;
 
-// Two accounts that every system has, so that the bus admits them; the groups are this test's own.
+// Every system has these two accounts, so that the bus admits them. The groups belong to this test.
 const QString ordinaryUser = u"65534"_s;
 const QString ordinaryUserName = u"nobody"_s;
 const QString otherUser = u"1"_s;
@@ -34,7 +34,7 @@ const QString namelessGroup = u"71003"_s;
 
 struct Answer
 {
-    QStringList results; ///< Of each step.
+    QStringList results; ///< The result of each step.
     qint64 processId = 0;
 };
 
@@ -95,7 +95,7 @@ void TestCallerCheck::cleanup()
     m_ui.reset();
 }
 
-/// The process runs as root and knows groups that this machine has not.
+/// Starts the process as root, with groups that this machine does not have.
 bool TestCallerCheck::start()
 {
     QFile groups(u"/etc/group"_s);
@@ -106,7 +106,7 @@ bool TestCallerCheck::start()
     return m_ui->startProbe({u"-prestart"_s});
 }
 
-/// A process of that user and group that takes these steps.
+/// Runs a process of that user and group, which takes these steps.
 Answer TestCallerCheck::callAs(const QString &user, const QString &group, const QStringList &steps)
 {
     QProcess process;
@@ -166,7 +166,7 @@ void TestCallerCheck::decidesForRealClients()
                   u"--print-reply=literal"_s, u"--dest="_s + service, u"/"_s,
                   service + u".toggleCall"_s});
     QVERIFY(client.waitForStarted());
-    const qint64 processId = client.processId(); // setpriv becomes the client
+    const qint64 processId = client.processId(); // setpriv turns into the client.
     QVERIFY(client.waitForFinished());
     QCOMPARE(QString::fromUtf8(client.readAll()).trimmed(), u"Error "_s + refusal(processId));
     QCOMPARE(m_ui->takeLog(), QStringList(warning(processId, u"user nobody group ordinary"_s)));
@@ -232,7 +232,8 @@ void TestCallerCheck::rejectsACallerThatHasGone()
     QVERIFY(m_ui->logs(warning(0, u"user  group "_s)));
 }
 
-/// A forged answer may come in front of the daemon's, and then there is none; it never admits.
+/// If a forged answer comes before the daemon's, there is no valid answer. It never admits a
+/// caller.
 void TestCallerCheck::believesTheBusDaemonAlone()
 {
     QVERIFY(start());

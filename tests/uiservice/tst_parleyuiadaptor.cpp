@@ -85,7 +85,7 @@ void TestParleyUiAdaptor::cleanup()
     QCOMPARE(m_log->take(), QStringList());
 }
 
-/// Not a blocking call: the callee lives in this thread.
+/// This is not a blocking call, because the callee lives in this thread.
 QDBusMessage TestParleyUiAdaptor::call(const QDBusConnection &from, const QDBusMessage &message)
 {
     const QDBusPendingCall pending = from.asyncCall(message);
@@ -200,7 +200,7 @@ void TestParleyUiAdaptor::answersAfterTheHandler()
     connect(&watcher, &QDBusPendingCallWatcher::finished, this, [&] { answered = true; });
     bool handled = false;
     connect(&ui, &ParleyUiAdaptor::dial, this, [&] {
-        // A whole round trip to the bus and its events: an answer sent already would have come.
+        // After a whole round trip to the bus and its events, an answer would have arrived.
         call(QDBusConnection(u"caller"_s),
              QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s,
                                             u"org.freedesktop.DBus"_s, u"GetId"_s));
@@ -259,7 +259,7 @@ void TestParleyUiAdaptor::servesAgainAfterItWasDestroyed()
     auto first = std::make_unique<ParleyUiAdaptor>();
     first.reset();
     QVERIFY(QDBusConnection::sessionBus().interface()->isServiceRegistered(
-        service)); // the name is kept
+        service)); // The name is kept.
 
     ParleyUiAdaptor second;
     QSignalSpy dialled(&second, &ParleyUiAdaptor::dial);
@@ -288,7 +288,7 @@ void TestParleyUiAdaptor::toleratesATakenName()
     ParleyUiAdaptor ui;
     QCOMPARE(m_log->take(), QStringList(nameTaken));
 
-    // The object is there all the same, under the connection's own name.
+    // The object is still there, under the unique name of the connection.
     QSignalSpy dialled(&ui, &ParleyUiAdaptor::dial);
     QDBusMessage message = QDBusMessage::createMethodCall(
         QDBusConnection::sessionBus().baseService(), u"/"_s, service, u"dial"_s);
@@ -297,7 +297,7 @@ void TestParleyUiAdaptor::toleratesATakenName()
     QCOMPARE(dialled.count(), 1);
     QVERIFY(other.unregisterService(service));
 
-    // It does not try again, now that the name is free.
+    // It does not try again when the name becomes free.
     QVERIFY(!QDBusConnection::sessionBus().interface()->isServiceRegistered(service));
 }
 

@@ -45,7 +45,7 @@ Result run(const QString &program, const QStringList &arguments, const QString &
     process.setProcessEnvironment(environment);
     process.setProcessChannelMode(QProcess::MergedChannels);
     process.start(program, arguments);
-    // Not waitForFinished(): the UI's log is to be read meanwhile.
+    // Do not use waitForFinished(), because the UI's log has to be read meanwhile.
     if (!waitFor([&process] { return process.state() == QProcess::NotRunning; }, 30000))
         return {};
     return {process.exitCode(), QString::fromUtf8(process.readAll()).trimmed()};
@@ -56,7 +56,7 @@ QString json(const QJsonArray &array)
     return QString::fromUtf8(QJsonDocument(array).toJson(QJsonDocument::Compact));
 }
 
-/// The line with which the probe reports that \a signal came with \a argument.
+/// Returns the line with which the probe reports \a signal with \a argument.
 QString report(const QString &signal, const QJsonValue &argument)
 {
     const QString list = json({argument});
@@ -108,8 +108,8 @@ void TestUiService::cleanup()
 void TestUiService::servesRealClients_data()
 {
     QTest::addColumn<QString>("method");
-    QTest::addColumn<QStringList>("busctl"); // the signature and the arguments
-    QTest::addColumn<QStringList>("gdbus"); // the arguments
+    QTest::addColumn<QStringList>("busctl"); // The signature and the arguments.
+    QTest::addColumn<QStringList>("gdbus"); // The arguments.
     QTest::addColumn<QString>("reported");
     QTest::addColumn<bool>("returnsTrue");
 
@@ -299,7 +299,7 @@ void TestUiService::toleratesATakenName()
     QVERIFY(m_ui->startProbe({u"-prestart"_s}));
     QVERIFY(m_ui->logs(nameTaken));
 
-    // A second process has the object under its own name, and no more.
+    // A second process has only the object, under its unique name.
     const QStringList names = m_ui->session().interface()->registeredServiceNames().value();
     QStringList answering;
     for (const QString &name : names) {
@@ -334,7 +334,7 @@ void TestUiService::toleratesASecondProcess()
     QTRY_VERIFY(log.contains(u"qml: second"_s));
     QCOMPARE(log, UiUnderTest::startUpLines() + QStringList({nameTaken, u"qml: second"_s}));
     QCOMPARE(second.state(), QProcess::Running);
-    QCOMPARE(m_ui->evaluate(u"1 + 1"_s), QJsonValue(2)); // the first one still has the calls
+    QCOMPARE(m_ui->evaluate(u"1 + 1"_s), QJsonValue(2)); // The first one still gets the calls.
 }
 
 void TestUiService::toleratesNoSessionBus()
@@ -346,7 +346,7 @@ void TestUiService::toleratesNoSessionBus()
 
 void TestUiService::toleratesALostSessionBus()
 {
-    // Without a bus the screens cannot be asked whether they are alive: these say so themselves.
+    // Without a bus the screens cannot be asked whether they are alive. They log it by themselves.
     const QString screens =
         m_ui->writeFile(u"screens.qml"_s,
                         "import QtQuick 2.15\n"
@@ -385,7 +385,7 @@ void TestUiService::losesNoneOfAHundredThousandCalls()
     m_ui->start({u"-prestart"_s, u"-qml"_s, screens});
     QVERIFY(m_ui->logs(u"qml: loaded"_s));
 
-    // As fast as a caller can, with a few calls under way at any moment.
+    // Call as fast as possible, with a few calls under way at any moment.
     constexpr int total = 100000;
     int answered = 0;
     int refused = 0;
@@ -415,15 +415,15 @@ void TestUiService::losesNoneOfAHundredThousandCalls()
     QVERIFY(m_ui->logs(u"qml: 100000 dialled, 0 out of order"_s));
     QCOMPARE(m_ui->takeLog(), UiUnderTest::startUpLines());
     if (!qEnvironmentVariableIsSet("PARLEY_UI_OPTIMIZED"))
-        QSKIP("a build for debugging may hold on to freed memory");
+        QSKIP("a debug build may keep freed memory");
     QVERIFY(memoryAfter - memoryBefore <= 1024);
 }
 
 void TestUiService::answersTheNextWhateverOneSends_data()
 {
-    QTest::addColumn<int>("calls"); // at once, without waiting for an answer
-    QTest::addColumn<int>("size"); // of the text of each
-    QTest::addColumn<int>("descriptors"); // with each
+    QTest::addColumn<int>("calls"); // The number of calls at once, without waiting for an answer.
+    QTest::addColumn<int>("size"); // The size of the text of each call.
+    QTest::addColumn<int>("descriptors"); // The number of descriptors with each call.
 
     QTest::newRow("a text of 70 MB") << 1 << 70000000 << 0;
     QTest::newRow("three texts of 70 MB") << 3 << 70000000 << 0;
@@ -432,14 +432,14 @@ void TestUiService::answersTheNextWhateverOneSends_data()
     QTest::newRow("many descriptors") << 500 << 1 << 10;
 }
 
-/// The screens are busy at first, so that what comes has to wait, and then they count it.
+/// The screens are busy at first, so that the calls have to wait, and count them afterwards.
 void TestUiService::answersTheNextWhateverOneSends()
 {
     QFETCH(int, calls);
     QFETCH(int, size);
     QFETCH(int, descriptors);
 
-    // Room for all of the descriptors, so that the bus has no reason to end the connection.
+    // Allow all of the descriptors, so that the bus has no reason to close the connection.
     m_ui->setPrefix({u"prlimit"_s, u"--nofile=20000"_s});
     QVERIFY(m_ui->startScreens(m_ui->writeFile(u"counting.qml"_s, R"(
         import QtQuick 2.15
@@ -463,7 +463,7 @@ void TestUiService::answersTheNextWhateverOneSends()
 
     QDBusMessage call = QDBusMessage::createMethodCall(service, u"/"_s, service, u"dial"_s);
     QVariantList arguments{QString(size, u'x')};
-    // One that takes descriptors as well is none that there is: it comes no further than QtDBus.
+    // No method takes descriptors as well, so such a call goes no further than QtDBus.
     QFile null(u"/dev/null"_s);
     QVERIFY(null.open(QIODevice::ReadOnly));
     for (int i = 0; i < descriptors; ++i)
@@ -478,7 +478,7 @@ void TestUiService::answersTheNextWhateverOneSends()
     QVERIFY(m_ui->logs(u"qml: counted %1"_s.arg(101 + (descriptors == 0 ? calls : 0))));
 
     if (!qEnvironmentVariableIsSet("PARLEY_UI_OPTIMIZED"))
-        QSKIP("a build for debugging may hold on to freed memory");
+        QSKIP("a debug build may keep freed memory");
     qInfo("memory before: %lld KiB, after: %lld KiB", memoryBefore, m_ui->residentMemory());
     QTRY_VERIFY_WITH_TIMEOUT(m_ui->residentMemory() - memoryBefore <= 40960, 30000);
 }

@@ -15,11 +15,11 @@ constexpr int deepestVariant = 12;
 constexpr int mostValues = 300;
 constexpr int mostDescriptors = 4;
 
-/// What the call UI looks for in dictionaries.
+/// The keys that the call UI reads from dictionaries.
 constexpr std::array keys{"Interfaces",  "Present",     "SubscriberIdentity",
                           "phoneNumber", "triggerTime", "x-nimbo-alarm-cookie"};
 
-/// Other texts that mean something to it, or to QtDBus within it.
+/// Other texts that have a meaning for the call UI, or for QtDBus in it.
 constexpr std::array words{
     "org.ofono.SimManager",
     "262011111111111",
@@ -70,7 +70,7 @@ constexpr std::array pieces{"\u00e9", "\u4e2d", "\U0001f4de", "\u2028",    "\ufe
                             "0",      "%1",     "\n",         "\t",        "\\",     "\"",
                             " ",      "\x01",   "\x7f",       "\U0010ffff"};
 
-/// The type of what stands beside a known word in a dictionary of variants; null for any.
+/// Returns the type of the value for a known key in a dictionary of variants; null for any type.
 const char *typeBeside(const QByteArray &word)
 {
     if (word == "Interfaces")
@@ -207,7 +207,7 @@ void RandomBody::writeArray(DBusMessageIter *to, DBusSignatureIter *type)
     dbus_message_iter_open_container(to, DBUS_TYPE_ARRAY, signature.constData(), &inner);
     quint64 count = m_random.oneIn(40) ? m_random.below(100) : m_random.below(4);
     if (signature.contains('h'))
-        count = m_random.below(2); // a message has no more descriptors than its signature has
+        count = m_random.below(2); // A message has no more descriptors than its signature.
     else if (signature.startsWith("{s") && !m_random.oneIn(3))
         writeKnownEntries(&inner, &element);
     for (quint64 i = 0; i < count && m_valuesLeft > 0; ++i)
@@ -215,7 +215,7 @@ void RandomBody::writeArray(DBusMessageIter *to, DBusSignatureIter *type)
     dbus_message_iter_close_container(to, &inner);
 }
 
-/// An entry for each key that the call UI looks for.
+/// Adds an entry for each key that the call UI reads.
 void RandomBody::writeKnownEntries(DBusMessageIter *to, DBusSignatureIter *entry)
 {
     for (const char *key : keys) {
@@ -277,7 +277,7 @@ void RandomBody::writeBasic(DBusMessageIter *to, int type)
     dbus_message_iter_append_basic(to, type, &value);
 }
 
-/// Often small, as cookies, ids and actions are.
+/// Returns a number that often is small, as cookies, ids and actions are.
 quint64 RandomBody::number()
 {
     return m_random.oneIn(4) ? m_random.any()

@@ -11,26 +11,26 @@
 
 #include <dbus/dbus.h>
 
-/// Random arguments for D-Bus messages: of every type, nested, valid on any bus, and often made of
-/// the words and the small numbers that mean something to the call UI.
+/// Random arguments for D-Bus messages. They have every type, may be nested, and are valid on any
+/// bus. Often they use the words and the small numbers that have a meaning for the call UI.
 class RandomBody
 {
 public:
-    /// \a random must outlive it.
+    /// \a random must outlive the object.
     explicit RandomBody(RandomSource &random);
     ~RandomBody();
 
-    /// Appends arguments where exactly \a right is expected: half of the time its signature with
-    /// one thing changed, else exactly that signature, else any other.
+    /// Appends arguments for a method that expects the signature \a right: often with one change to
+    /// that signature, otherwise with exactly that signature or with any other.
     void appendAbout(DBusMessage *message, const QByteArray &right);
-    /// Appends arguments with exactly \a signature, which has few descriptors.
+    /// Appends arguments with exactly \a signature, which must have few descriptors.
     void append(DBusMessage *message, QByteArray signature);
 
-    /// A text of any length, often empty or a known word.
+    /// Returns a text of any length, often empty or a known word.
     QByteArray text();
-    /// An object path, often a known one.
+    /// Returns an object path, often a known one.
     QByteArray path();
-    /// A name for an interface or an error, often a known one.
+    /// Returns a name for an interface or an error, often a known one.
     QByteArray dottedName();
 
 private:
@@ -46,9 +46,10 @@ private:
 
     RandomSource &m_random;
     RandomSignature m_signature;
-    const int m_descriptor; ///< Of /dev/null.
-    int m_valuesLeft = 0; ///< In this body, before arrays stay empty.
-    int m_descriptorsLeft = 0; ///< In this body: buses take few in one message.
-    int m_depth = 0; ///< Of the variants that are being written.
-    QByteArray m_lastText; ///< Which tells what the variant after it would hold.
+    const int m_descriptor; ///< The descriptor of /dev/null.
+    int m_valuesLeft = 0; ///< How many values the body may still get. Arrays stay empty then.
+    /// How many descriptors the body may still get: buses accept few in one message.
+    int m_descriptorsLeft = 0;
+    int m_depth = 0; ///< The depth of the current variant.
+    QByteArray m_lastText; ///< The last text. It decides the type of a variant after it.
 };

@@ -9,7 +9,7 @@
 
 namespace {
 
-/// What the services answer the call UI with.
+/// The signatures with which the services answer the call UI.
 QByteArray replySignature(const QByteArray &method)
 {
     static const std::map<QByteArray, QByteArray> signatures{
@@ -42,7 +42,7 @@ RandomPeer::RandomPeer(QString address, QByteArray service, quint64 seed, SentMe
 
 void RandomPeer::connectToBus()
 {
-    m_connection.reset(); // not two at a time
+    m_connection.reset(); // Close the old connection before opening the new one.
     m_connection = std::make_unique<RawConnection>(m_address);
     m_connection->setHandler([this](DBusMessage *message) { take(message); });
     if (!m_service.isEmpty() && !m_connection->own(m_service))
@@ -81,7 +81,7 @@ void RandomPeer::take(DBusMessage *message)
     m_caller = dbus_message_get_sender(message);
     m_lastSerial = dbus_message_get_serial(message);
     if (m_random.oneIn(200))
-        return; // for ever
+        return; // The call is never answered.
     if (m_random.oneIn(8))
         m_waiting.push_back({RawMessage(dbus_message_ref(message)), m_random.below(60)});
     else

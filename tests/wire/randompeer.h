@@ -14,31 +14,32 @@
 #include <deque>
 #include <memory>
 
-/// A process on a bus that answers each call at random: as the service would that is called, nearly
-/// so, with anything, with an error, late, or not at all.
+/// A process on a bus that answers each call at random: as the real service would, nearly so, with
+/// anything, with an error, late, or not at all.
 ///
-/// With a name it is that service; without one it is a stranger.
+/// With a name it plays that service; without one it is a stranger.
 class RandomPeer
 {
 public:
-    /// On the bus at \a address, with the name \a service unless that is empty.
+    /// Connects to the bus at \a address, with the name \a service unless that is empty.
     RandomPeer(QString address, QByteArray service, quint64 seed, SentMessages &sent);
 
-    /// The name of the service, which it may have lost; empty for a stranger.
+    /// Returns the name of the service, which it may have lost; empty for a stranger.
     QByteArray service() const { return m_service; }
     RawConnection &connection() { return *m_connection; }
-    /// The last one that called; empty before that.
+    /// Returns the sender of the last call; empty before the first one.
     QByteArray caller() const { return m_caller; }
-    /// The serial of the caller's last call; 0 before that.
+    /// Returns the serial of the last call; 0 before the first one.
     quint32 lastSerial() const { return m_lastSerial; }
-    /// Calls that have come.
+    /// Returns the number of calls that have come.
     int callCount() const { return m_callCount; }
 
-    /// Sends \a message and takes it down.
+    /// Sends \a message and records it.
     void send(DBusMessage *message);
-    /// Answers what has come, and what it has left waiting for long enough.
+    /// Answers the calls that have come, and earlier ones that have waited for long enough.
     void pump();
-    /// Leaves the bus and comes back as another connection, as a service that has died.
+    /// Replaces its connection to the bus by another one, as if the service had died and started
+    /// again.
     void restart();
 
 private:
@@ -47,7 +48,7 @@ private:
     struct Waiting
     {
         RawMessage call;
-        quint64 turns; ///< Of pump() until it is answered.
+        quint64 turns; ///< The turn of pump() in which the call is answered.
     };
 
     void connectToBus();

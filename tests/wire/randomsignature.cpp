@@ -19,13 +19,13 @@ QByteArray take(DBusSignatureIter *type)
     return signature;
 }
 
-/// \a signature, or another one where it is longer than D-Bus allows.
+/// Returns \a signature, or another one if it is longer than D-Bus allows.
 QByteArray allowed(const QByteArray &signature)
 {
     return dbus_signature_validate(signature.constData(), nullptr) ? signature : QByteArray("u");
 }
 
-/// The complete types that \a signature is made of.
+/// Returns the complete types in \a signature.
 QByteArrayList split(const QByteArray &signature)
 {
     QByteArrayList types;
@@ -53,7 +53,7 @@ QByteArray RandomSignature::single(int depth)
 
 char RandomSignature::basicType()
 {
-    // Descriptors are rare: a message may carry only a few.
+    // Descriptors are rare, because a message may have only a few.
     return m_random.oneIn(40)
         ? 'h'
         : m_random.oneOf(std::array{'y', 'b', 'n', 'q', 'i', 'u', 'x', 't', 'd', 's', 'o', 'g'});
@@ -79,7 +79,7 @@ QByteArray RandomSignature::type(int depth)
 
 QByteArray RandomSignature::any()
 {
-    // As deep as D-Bus allows.
+    // The nesting is as deep as D-Bus allows.
     if (m_random.oneIn(100))
         return QByteArray(32, 'a') + basicType();
     if (m_random.oneIn(100))
@@ -116,7 +116,8 @@ QByteArray RandomSignature::changedType(const QByteArray &type, int depth)
 {
     const bool isContainer = type.size() > 1;
     if (isContainer && !m_random.oneIn(3)) {
-        // Within: an array's element, or members, of which the first is a dictionary's key.
+        // Change a part of the type: the element of an array, or members. The first one may be a
+        // dictionary's key.
         DBusSignatureIter outer;
         dbus_signature_iter_init(&outer, type.constData());
         DBusSignatureIter inner;

@@ -8,18 +8,18 @@
 #include <QByteArray>
 #include <QByteArrayList>
 
-/// Random signatures, of every type and nested, that D-Bus allows.
+/// Random signatures that D-Bus allows, with all types and nesting.
 class RandomSignature
 {
 public:
-    /// \a random must outlive it.
+    /// \a random must outlive the object.
     explicit RandomSignature(RandomSource &random);
 
-    /// Of any arguments, of none as well.
+    /// Returns a signature of any number of arguments, which may be none.
     QByteArray any();
-    /// Of one argument; the greater \a depth is, the fewer levels it has.
+    /// Returns a signature of one argument. The greater \a depth is, the fewer levels it has.
     QByteArray single(int depth);
-    /// As \a right, with one thing changed: a type, or an argument more or less.
+    /// Returns \a right with one change: another type, or one argument more or less.
     QByteArray nearly(const QByteArray &right);
 
 private:

@@ -8,7 +8,7 @@
 #include <iterator>
 #include <random>
 
-/// Random choices. The same seed gives the same ones, in the order in which they are asked for.
+/// Random choices. The same seed gives the same sequence of choices.
 class RandomSource
 {
 public:
@@ -17,13 +17,13 @@ public:
     {
     }
 
-    /// Any number.
+    /// Returns any number.
     quint64 any() { return m_numbers(); }
-    /// A number from 0 to \a count - 1.
+    /// Returns a number from 0 to \a count - 1.
     quint64 below(quint64 count) { return m_numbers() % count; }
-    /// True in one of \a count cases.
+    /// Returns true in one of \a count cases.
     bool oneIn(quint64 count) { return below(count) == 0; }
-    /// One of \a list, which has some.
+    /// Returns an element of \a list, which must not be empty.
     template <typename List>
     auto oneOf(const List &list)
     {

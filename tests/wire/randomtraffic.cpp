@@ -18,14 +18,14 @@ const QByteArray peer("org.freedesktop.DBus.Peer");
 
 struct Signal
 {
-    QByteArray sender; ///< The service whose signal it is.
+    QByteArray sender; ///< The service that emits the signal.
     QByteArray path;
     QByteArray interface;
     QByteArray member;
     QByteArray signature;
 };
 
-/// Everything that the UI, or QtDBus within it, subscribes to.
+/// The signals to which the UI, or QtDBus in it, subscribes.
 std::vector<Signal> makeSignals()
 {
     std::vector<Signal> list{
@@ -38,7 +38,8 @@ std::vector<Signal> makeSignals()
         {bus, busPath, bus, "NameAcquired", "s"},
         {bus, busPath, bus, "NameLost", "s"},
     };
-    // The rules are not read before there are SIMs: what brings them comes more often.
+    // The rules are not read before there are SIMs, so the signals that bring SIMs are more
+    // frequent.
     for (const char *modem : {"/ril_0", "/ril_1", "/ril_0", "/ril_1"}) {
         list.push_back({ofono, "/", "org.ofono.Manager", "ModemAdded", "oa{sv}"});
         for (const char *interface : {"org.ofono.Modem", "org.ofono.SimManager"})
@@ -59,7 +60,7 @@ struct Method
     QByteArray signature;
 };
 
-/// What the UI offers, and what it does not.
+/// The methods that the UI has, and some that it does not have.
 const std::vector<Method> &methods()
 {
     static const QByteArray properties("org.freedesktop.DBus.Properties");
@@ -84,7 +85,7 @@ const std::vector<Method> &methods()
     return list;
 }
 
-/// What the UI reads in the answers that it waits for.
+/// The signatures of the answers for which the UI waits.
 const std::vector<QByteArray> replySignatures{
     "u", "b", "s", "av", "a{ua{ss}}", "a(susssasa{sv}i)", "a(oa{sv})", "a{sv}", "uua(su)"};
 
@@ -133,7 +134,7 @@ bool RandomTraffic::findUi()
         && dbus_message_get_args(answer.get(), nullptr, DBUS_TYPE_STRING, &owner,
                                  DBUS_TYPE_INVALID))
         m_session.ui = owner;
-    // It owns no name there, and asks for its alarms as soon as it has started.
+    // The UI owns no name there, but asks for its alarms as soon as it has started.
     m_system.ui = find(m_system, timeDaemon)->caller();
     return !m_session.ui.isEmpty() && !m_system.ui.isEmpty();
 }
@@ -154,7 +155,7 @@ void RandomTraffic::sendOne()
         sendReply(side);
 }
 
-/// From its service to everybody or to the UI alone, or from a stranger, who reaches it only alone.
+/// Sends a signal from its service, to all or only to the UI, or from a stranger, only to the UI.
 void RandomTraffic::sendSignal()
 {
     static const std::vector<Signal> list = makeSignals();
@@ -175,7 +176,7 @@ void RandomTraffic::sendSignal()
 
 void RandomTraffic::sendCall()
 {
-    // On the system bus it offers nothing, and has to say so.
+    // On the system bus the UI has no methods, and has to answer so.
     Side &side = m_random.oneIn(8) ? m_system : m_session;
     const Method method = m_random.oneOf(methods());
     const quint64 choice = m_random.below(10);
@@ -189,7 +190,7 @@ void RandomTraffic::sendCall()
     side.stranger->send(message.get());
 }
 
-/// Has the screens do something with one of the native types, so that the UI calls its services.
+/// Makes the screens use one of the native types, so that the UI calls its services.
 void RandomTraffic::sendOrder()
 {
     const RawMessage message = RawConnection::makeCall(m_session.ui, "/", uiService, "openUrl");
@@ -201,7 +202,7 @@ void RandomTraffic::sendOrder()
     m_session.stranger->send(message.get());
 }
 
-/// A stranger's answer to a call that the UI has just made, or is about to make.
+/// Sends a stranger's answer to a call that the UI has just made, or is about to make.
 void RandomTraffic::sendReply(Side &side)
 {
     const quint64 around = side.serial + m_random.below(16);

@@ -15,30 +15,31 @@
 #include <memory>
 #include <vector>
 
-/// What may come to the call UI on two buses where nobody behaves: its services and a stranger on
-/// either bus, which answer its calls at random, and which send it random signals, calls, and
-/// replies that it never asked them for.
+/// The messages that the call UI may get on two buses where no process behaves. The services and a
+/// stranger on each bus answer its calls at random, and send it random signals, calls, and replies
+/// without a call.
 class RandomTraffic
 {
 public:
-    /// The services are there from now on, and answer in pump().
+    /// Starts the services, which answer in pump().
     RandomTraffic(const QString &sessionBus, const QString &systemBus, quint64 seed);
 
-    /// Lets everybody answer what has come.
+    /// Lets all processes answer the calls that have come.
     void pump();
 
-    /// Whether the UI is on both buses; nothing can be sent to it before.
+    /// Returns whether the UI is on both buses. Nothing can be sent to it before.
     bool findUi();
-    /// Sends one message of any kind to the UI, or moves one of the names that it knows.
+    /// Sends one message of any kind to the UI, or gives a name that it knows to another process.
     void sendOne();
 
-    /// Whether the UI answers a "dial" of \a number with true, and is on the system bus. Waits for
-    /// the answers for \a timeout milliseconds each, and calls \a meanwhile again and again.
+    /// Returns whether the UI answers a "dial" of \a number with true, and is on the system bus.
+    /// Waits for each answer for \a timeout milliseconds at most, and calls \a meanwhile
+    /// repeatedly.
     bool isUiAlive(const QByteArray &number, int timeout, const std::function<void()> &meanwhile);
 
-    /// Calls of the UI that the services and the strangers have had.
+    /// Returns how many calls of the UI the services and the strangers have got.
     int callCount() const;
-    /// The last messages that were sent, a line each.
+    /// Returns the last messages that were sent, one in each line.
     QString lastMessages() const { return m_sent.toText(); }
 
 private:
@@ -46,8 +47,8 @@ private:
     {
         std::unique_ptr<RandomPeer> stranger;
         std::vector<std::unique_ptr<RandomPeer>> services;
-        QByteArray ui; ///< Its unique name.
-        quint32 serial = 0; ///< The last one of the UI's that is known.
+        QByteArray ui; ///< The unique name of the UI.
+        quint32 serial = 0; ///< The last known serial of the UI.
     };
 
     Side makeSide(const QString &address, const std::vector<QByteArray> &services, quint64 seed);

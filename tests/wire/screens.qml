@@ -4,7 +4,7 @@
 import QtQuick 2.15
 import com.nimbo.parley 1.0
 
-// Uses every native type, and does what the words among the URLs to be opened ask for.
+// Uses every native type, and follows the commands in the URLs that it is asked to open.
 Item {
     id: screens
 

@@ -19,7 +19,7 @@ QString basicText(DBusMessageIter *value)
     DBusBasicValue basic{};
     const int type = dbus_message_iter_get_arg_type(value);
     if (type == DBUS_TYPE_UNIX_FD)
-        return QStringLiteral("descriptor"); // reading it would make another one
+        return QStringLiteral("descriptor"); // To read it would create another descriptor.
     dbus_message_iter_get_basic(value, &basic);
     switch (type) {
     case DBUS_TYPE_STRING:
@@ -27,7 +27,7 @@ QString basicText(DBusMessageIter *value)
     case DBUS_TYPE_SIGNATURE: {
         const QString text = QString::fromUtf8(basic.str);
         QString quoted;
-        QDebug(&quoted).nospace() << text.left(longestText); // which keeps it on its line
+        QDebug(&quoted).nospace() << text.left(longestText); // Quoting keeps the text on one line.
         return text.size() > longestText ? quoted + QLatin1String("...") : quoted;
     }
     case DBUS_TYPE_DOUBLE:

@@ -10,14 +10,14 @@
 
 #include <deque>
 
-/// The last messages that were sent, for whoever has to find the one that did it.
+/// The last messages that were sent. They help to find the one that caused a failure.
 class SentMessages
 {
 public:
-    /// Takes \a message down as sent by \a sender. Its arguments are not to be changed afterwards.
+    /// Records that \a sender has sent \a message. Its arguments must not change afterwards.
     void note(const QByteArray &sender, DBusMessage *message);
 
-    /// A line for each message, with what it carries; the last one last.
+    /// Returns a line for each message with its arguments, in the order of sending.
     QString toText() const;
 
 private:

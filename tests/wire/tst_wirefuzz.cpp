@@ -19,10 +19,11 @@
 namespace {
 
 constexpr int patience = 30000;
-/// What may be open at a moment: messages on their way, a file that is being saved.
+/// How many more descriptors may be open for a moment: of messages on their way, and of a file that
+/// is being saved.
 constexpr int moreDescriptors = 16;
 
-/// What the process may say when services answer nonsense.
+/// The lines that the process may log when services answer nonsense.
 const QRegularExpression &knownLines()
 {
     static const QRegularExpression lines(QStringLiteral(
@@ -33,9 +34,9 @@ const QRegularExpression &knownLines()
         "|\\((?:dial|incoming)\\) GetAll\\(\\) failed: .*"
         "|Could not ask oFono for \"(?:GetModems|GetProperties)\" QDBusError\\(.*\\)"
         "|oFono has answered \"(?:GetModems|GetProperties)\" with \".*\""
-        // A call need not name its interface.
+        // A call does not have to name its interface.
         "|A call to (?:com\\.nimbo\\.parley\\.ui)?\\.toggleCall from pid .* was rejected"
-        // Qt's, of a signature that is empty, which D-Bus allows.
+        // Qt logs this for an empty signature, which D-Bus allows.
         "|QDBusSignature: invalid signature \"\""
         ")$"));
     return lines;
@@ -50,9 +51,9 @@ quint64 numberFromEnvironment(const char *name, quint64 otherwise)
 
 } // namespace
 
-/// The built process on buses where nobody behaves: it must answer whatever comes, and say nothing
-/// that is not known. PARLEY_WIRE_SEED repeats a run, PARLEY_WIRE_MESSAGES sets how long it is, and
-/// PARLEY_WIRE_BLOCK after how many messages the process is looked at.
+/// The built process on buses where no process behaves. It has to answer, whatever it gets, and to
+/// log known lines only. PARLEY_WIRE_SEED repeats a run, PARLEY_WIRE_MESSAGES sets its length, and
+/// PARLEY_WIRE_BLOCK sets after how many messages the process is checked.
 class TestWireFuzz : public QObject
 {
     Q_OBJECT
@@ -106,7 +107,8 @@ void TestWireFuzz::survivesWhateverComes()
     for (quint64 sent = 1; sent <= wanted; ++sent) {
         m_traffic->sendOne();
         m_traffic->pump();
-        if ((sent % block == 0 || sent == wanted) && !isWell(sent)) // QVERIFY2 cuts its message
+        // QVERIFY2 would cut its message.
+        if ((sent % block == 0 || sent == wanted) && !isWell(sent))
             QFAIL(qPrintable(u"%1, by message %2%3\nThe last messages:\n%4"_s.arg(
                 settings, QString::number(sent), m_complaint, m_traffic->lastMessages())));
     }
@@ -123,13 +125,14 @@ void TestWireFuzz::survivesWhateverComes()
     QCOMPARE(claimLog({}), QString());
 }
 
-/// Whether the process answers on both buses and has said nothing else; \a check is unlike before.
+/// Returns whether the process answers on both buses and has logged known lines only. Each call
+/// needs another \a check.
 bool TestWireFuzz::isWell(quint64 check)
 {
     const QByteArray number = "check " + QByteArray::number(check);
     bool isAlive = answers(number);
     QString strange = claimLog(u"qml: "_s + QString::fromUtf8(number));
-    // What ends it may just have begun to be told, at length.
+    // The process may just have begun to log at length why it ends.
     if (isAlive && !strange.isEmpty())
         isAlive = answers({});
     if (!isAlive) {
@@ -152,8 +155,8 @@ bool TestWireFuzz::answers(const QByteArray &number)
                                 [] { QCoreApplication::processEvents(); });
 }
 
-/// Claims what has been logged. What there is besides \a expected, which there must be, and the
-/// known lines; of that the last lines.
+/// Claims the log, which must have \a expected. Returns the last of the other lines that are not
+/// known.
 QString TestWireFuzz::claimLog(const QString &expected)
 {
     QStringList log = m_ui->takeLog();

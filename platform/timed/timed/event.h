@@ -14,12 +14,12 @@ class QDBusArgument;
 
 namespace Maemo::Timed {
 
-/// An alarm of the time daemon, as it is handed to it: flags, a time and attributes.
+/// An alarm as it is sent to the time daemon: flags, a time and attributes.
 class Event
 {
 public:
-    /// Every alarm still to fire: its cookie with its ticker, seconds since 1970-01-01 00:00 UTC.
-    /// On the bus a{ux}.
+    /// The alarms that have yet to fire: maps the cookie of each to its ticker, in seconds since
+    /// 1970-01-01 00:00 UTC. On the bus it is a{ux}.
     class Triggers : public QMap<uint32_t, int64_t>
     {
     public:
@@ -28,9 +28,11 @@ public:
 
     void setReminderFlag() { m_flags |= Reminder; }
     void setAlarmFlag() { m_flags |= Alarm; }
-    /// When it fires, in seconds since 1970-01-01 00:00 UTC. An event needs one to be sent.
+    /// Sets when the alarm fires, in seconds since 1970-01-01 00:00 UTC. An event cannot be sent
+    /// without it.
     void setTicker(long seconds) { m_ticker = seconds; }
-    /// Throws Exception if \a key is empty, or if either text has a NUL character.
+    /// Sets an attribute. Throws Exception if \a key is empty, or if either text has a NUL
+    /// character.
     void setAttribute(const QString &key, const QString &value);
 
     bool hasTicker() const { return m_ticker.has_value(); }
@@ -46,7 +48,7 @@ private:
     QMap<QString, QString> m_attributes;
 };
 
-/// On the bus (uxa{ss}): flags, ticker, attributes in the order of their keys.
+/// The form on the bus is (uxa{ss}): flags, ticker, attributes in the order of their keys.
 QDBusArgument &operator<<(QDBusArgument &argument, const Event &event);
 const QDBusArgument &operator>>(const QDBusArgument &argument, Event &event);
 

@@ -8,7 +8,7 @@
 
 namespace Maemo::Timed {
 
-/// Thrown for what an event cannot carry.
+/// Thrown for a value that an event cannot have.
 class Exception : public std::exception
 {
 public:

@@ -12,8 +12,9 @@ namespace Maemo::Timed {
 
 /// The time daemon, "com.nimbo.timed" on the system bus.
 ///
-/// What has no method here ("cancel", "query", "get_attributes_by_cookies") goes through call() and
-/// asyncCall(). Nothing waits for the daemon; without one, calls are answered with an error.
+/// Use call() and asyncCall() for the methods that are not listed here ("cancel", "query" and
+/// "get_attributes_by_cookies"). No function blocks until the daemon answers. Without a daemon,
+/// calls are answered with an error.
 class Interface : public QDBusAbstractInterface
 {
     Q_OBJECT
@@ -21,15 +22,15 @@ class Interface : public QDBusAbstractInterface
 public:
     explicit Interface(QObject *parent = nullptr);
 
-    /// Adds an alarm. The reply is its cookie (a uint, never 0). Throws Exception if \a event has
-    /// no ticker; nothing is sent then.
+    /// Adds an alarm. The reply is its cookie (a uint, never 0). Throws Exception and sends nothing
+    /// if \a event has no ticker.
     QDBusPendingCall add_event_async(const Event &event);
 
-    /// As add_event_async(), in place of the alarm with \a cookie, which goes if it exists.
+    /// Does the same as add_event_async(), and removes the alarm with \a cookie if it exists.
     QDBusPendingCall replace_event_async(const Event &event, uint32_t cookie);
 
 Q_SIGNALS:
-    /// The list of alarms has changed: \a triggers are those still to fire.
+    /// The list of alarms has changed: \a triggers are the alarms that have yet to fire.
     void alarm_triggers_changed(Maemo::Timed::Event::Triggers triggers);
 };
 

@@ -14,7 +14,7 @@ class QDBusArgument;
 
 namespace Maemo::Timed {
 
-/// Keeps what was done to it, in the order in which it was done.
+/// Records the calls of its functions in their order.
 class Event
 {
 public:

@@ -10,7 +10,7 @@
 
 namespace Maemo::Timed {
 
-/// Hands an event over as the list of what was done to it.
+/// Sends an event as the list of its recorded calls.
 class Interface : public QDBusAbstractInterface
 {
     Q_OBJECT
