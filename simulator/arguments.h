@@ -7,14 +7,15 @@
 
 #include <QString>
 
-/// The arguments of the program.
+/// The command line of parley-handset.
 struct Arguments
 {
-    /// Parses the arguments of main(). Needs no application; which one there is depends on them.
+    /// Parses the arguments of main(). This needs no application object; they decide which kind of
+    /// application is made.
     static Arguments parse(int argc, char *argv[]);
 
     Handset::Options handset;
     QString script; ///< The file with the commands; empty for standard input.
-    QString help; ///< The help text, where it is asked for.
-    QString error; ///< What is wrong with them; empty where nothing is.
+    QString help; ///< The help text if it was requested, otherwise empty.
+    QString error; ///< A message for the user; empty if the arguments are valid.
 };

@@ -20,7 +20,7 @@ const QLatin1String sessionConnection("handset-session");
 const QLatin1String systemConnection("handset-system");
 const QLatin1String uiService("com.nimbo.parley.ui");
 constexpr std::chrono::seconds uiPatience(30);
-/// After the first complaint about the QML code, which may be a warning.
+/// Once the QML engine has complained. The complaint may be only a warning.
 constexpr std::chrono::seconds uiPatienceWithError(2);
 
 } // namespace
@@ -73,14 +73,14 @@ bool Handset::makeFolder()
         m_transcript.say(QStringLiteral("No folder for the handset: ") + m_folder.errorString());
         return false;
     }
-    // Other users reach the buses' sockets in it; the home within is closed to them.
+    // Other users must reach the sockets of the buses in it. The home in it stays closed to them.
     QFile::setPermissions(m_folder.path(),
                           QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner | QFile::ExeGroup
                               | QFile::ExeOther);
     return true;
 }
 
-/// The bus, the handset's own \a connection to it, and what the journal takes down of it.
+/// Starts a bus, opens the handset's own \a connection to it, and has the journal watch it.
 bool Handset::startBus(PrivateBus &bus, const QString &name, const QString &connection)
 {
     if (!bus.start(m_folder.path(), name)) {
@@ -113,7 +113,7 @@ void Handset::makeServices()
         QDBusConnection(sessionConnection), QDBusConnection(systemConnection), m_transcript);
 }
 
-/// In the order in which "help" lists them.
+/// The order is the one in which "help" lists the commands.
 void Handset::addCommands()
 {
     m_interpreter.add(m_homeScreen->commands());
@@ -123,7 +123,7 @@ void Handset::addCommands()
     m_interpreter.add({restartCommand()});
 }
 
-/// A start of the call UI is through when it is on the bus, or has taken too long.
+/// A start of the call UI is finished when it is on the bus or has taken too long.
 void Handset::watchUi()
 {
     auto *watcher = new QDBusServiceWatcher(uiService, QDBusConnection(sessionConnection),
@@ -143,7 +143,7 @@ void Handset::watchUi()
     m_uiPatience.setSingleShot(true);
 }
 
-/// Starts the call UI again when their code changes.
+/// Starts the call UI again when the code of the screens changes.
 void Handset::watchScreens()
 {
     const QString folder = QFileInfo(m_options.qmlFile).absolutePath();
@@ -158,7 +158,7 @@ void Handset::makePanel()
                                                    m_qmlErrors, m_journal, m_replies.filePath()});
 }
 
-/// Where the call UI looks for it.
+/// Shows the catalogue of texts where the call UI looks for it.
 void Handset::placeCatalogue()
 {
     if (Sandbox::isPossible())
@@ -167,7 +167,7 @@ void Handset::placeCatalogue()
         m_transcript.say(QStringLiteral("Without bwrap, texts are shown as their ids."));
 }
 
-/// The call UI comes when the services are there, as on a handset; then the commands run.
+/// Starts the call UI after the services, as a handset does, and then runs the commands.
 void Handset::startServicesAndUi()
 {
     m_services->start([this] {
@@ -229,7 +229,7 @@ void Handset::recordLog(const QString &line)
         m_transcript.record(QStringLiteral("ui log"), line);
 }
 
-/// A user can start it again, a script cannot go on.
+/// A user can start the call UI again. A script has to end.
 void Handset::uiDied(const QString &how)
 {
     const bool isUsed = m_uiHasBeenUp || m_options.hasPanel || m_options.watches;

@@ -21,8 +21,8 @@
 
 #include <memory>
 
-/// A handset on a desktop: two private buses, the services on them, the home screen, the call UI,
-/// and a control panel for it all. All of it goes when the object goes.
+/// A handset on a desktop: two private buses with their services, the home screen, the call UI and
+/// a control panel. All of them end when the object is destroyed.
 class Handset : public QObject
 {
     Q_OBJECT
@@ -32,29 +32,29 @@ public:
     {
         QString uiProgram;
         QString qmlFile;
-        QString catalogueFolder; ///< Of the call UI's texts.
-        QString stateFolder; ///< Keeps what outlives the session; empty to keep nothing.
+        QString catalogueFolder; ///< The folder with the translations of the call UI.
+        QString stateFolder; ///< Keeps the state of the services; empty to discard it.
         Interpreter::AtFailure atFailure = Interpreter::AtFailure::GoOn;
-        bool hasPanel = false; ///< Has a panel, whose user can start again what has not started.
+        bool hasPanel = false; ///< Its user can start again what did not start.
         bool watches = false; ///< Starts the call UI again when its QML code changes.
     };
 
     explicit Handset(const Options &options, QObject *parent = nullptr);
     ~Handset() override;
 
-    /// Starts everything. Commands run as soon as the call UI is on the bus. Where something cannot
-    /// be started, says so and returns false.
+    /// Starts all parts. Commands run as soon as the call UI is on the bus. Prints a message and
+    /// returns false if a bus or the home screen cannot be started.
     bool start();
 
-    /// Takes command lines, from now on.
+    /// Command lines may be enqueued at any time.
     Interpreter &interpreter() { return m_interpreter; }
 
     const Transcript &transcript() const { return m_transcript; }
-    /// Null where there is none, and before start().
+    /// Null before start(), and if the handset has no panel.
     Panel *panel() { return m_panel.get(); }
 
 Q_SIGNALS:
-    /// The commands are through, or a part of the handset has gone without being asked to.
+    /// All commands have run, or a part of the handset has ended unexpectedly.
     void ended(bool succeeded);
 
 private:
@@ -84,7 +84,7 @@ private:
     Journal m_journal;
     std::unique_ptr<HandsetServices> m_services;
     std::unique_ptr<HomeScreen> m_homeScreen;
-    Sandbox m_sandbox; ///< Of the call UI.
+    Sandbox m_sandbox; ///< For the call UI.
     QuickReplies m_replies;
     std::unique_ptr<UiProcess> m_ui;
     QmlErrors m_qmlErrors;
@@ -92,5 +92,5 @@ private:
     QElapsedTimer m_sinceUiStart;
     QTimer m_uiPatience;
     bool m_uiHasBeenUp = false;
-    Finish m_uiFinish; ///< Of a start of the call UI that is under way.
+    Finish m_uiFinish; ///< Null unless the call UI is being started.
 };

@@ -60,14 +60,14 @@ int main(int argc, char *argv[])
     Handset handset(arguments.handset);
     LineReader lines(script.isOpen() ? script.handle() : STDIN_FILENO);
     QObject::connect(&lines, &LineReader::lineRead, &handset.interpreter(), &Interpreter::enqueue);
-    // Without standard input there is still the panel.
+    // With a panel, the end of standard input does not end the session.
     if (isScripted || !hasPanel)
         QObject::connect(&lines, &LineReader::ended, &handset.interpreter(),
                          &Interpreter::endInput);
     const auto end = [](bool succeeded) {
         QCoreApplication::exit(succeeded ? EXIT_SUCCESS : EXIT_FAILURE);
     };
-    // Queued: it may come before there is an event loop to leave.
+    // Queued, because it may be emitted before the event loop runs.
     QObject::connect(&handset, &Handset::ended, application.get(), end, Qt::QueuedConnection);
     if (!handset.start())
         return EXIT_FAILURE;

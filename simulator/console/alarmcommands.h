@@ -5,7 +5,7 @@
 
 #include "servicetalk.h"
 
-/// The alarms of the handset's time daemon: lists and cancels them, and has them fire early.
+/// The commands for the alarms of the handset's time daemon.
 class AlarmCommands : public ServiceTalk
 {
     Q_OBJECT
@@ -16,7 +16,7 @@ public:
 
     QVector<Command> commands() override;
 
-    /// The alarms: maps with "cookie", "title", "number" and "due", in milliseconds since
+    /// The alarms are maps with "cookie", "title", "number" and "due", in milliseconds since
     /// 1970-01-01 00:00 UTC.
     ServiceList *list() { return m_list; }
 

@@ -10,9 +10,9 @@
 
 class QObject;
 
-/// Sends \a call for a command. Calls \a answered with what the answer holds, which has the
-/// D-Bus \a signature; where there is none, an error, or another answer, the command fails with it
-/// instead. Neither happens once \a context has gone.
+/// Sends \a call on behalf of a command. Calls \a answered with the values of the answer if they
+/// have the D-Bus \a signature. The command fails if the answer is an error, has another signature,
+/// or does not come within five seconds. Nothing happens after \a context is destroyed.
 void callBus(const QDBusConnection &bus, const QDBusMessage &call, const QString &signature,
              QObject *context, const Finish &finish,
              const std::function<void(const QVariantList &values)> &answered);

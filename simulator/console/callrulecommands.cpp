@@ -21,7 +21,7 @@ struct NamedAction
     uint value;
 };
 
-/// Blocking and ignoring have one value; the first name of a value describes it.
+/// "block" and "ignore" have the same value, which is described by its first name.
 constexpr NamedAction actions[] = {{"block", 1}, {"ignore", 1}, {"allow", 2}, {"hangup", 3}};
 
 std::optional<uint> toAction(const QString &text)
@@ -70,7 +70,7 @@ QString describe(const QString &filter, const QString &imsi, const QString &acti
                           : QStringLiteral("%1 rule for %2: %3").arg(filter, imsi, action);
 }
 
-/// The rules of a filter, "dial" or "incoming".
+/// Returns the source of the rules of \a filter, which is "dial" or "incoming".
 ServiceList::Source rulesOf(const QString &filter)
 {
     const auto describeItem = [filter](const QVariantMap &item) {

@@ -5,8 +5,7 @@
 
 #include "servicetalk.h"
 
-/// The filter rules for the calls of the handset's SIMs, as device management sets them: lists and
-/// changes them.
+/// The commands for the filter rules of calls. They act as the device management.
 class CallRuleCommands : public ServiceTalk
 {
     Q_OBJECT
@@ -17,10 +16,10 @@ public:
 
     QVector<Command> commands() override;
 
-    /// What becomes of calls that are dialled: maps with "imsi" and "action" (its name, or a
-    /// number), the default first, without an IMSI.
+    /// The rules for calls that are dialled are maps with "imsi" and "action" (a name or a number).
+    /// The default comes first and has no IMSI.
     ServiceList *dialList() { return m_dialList; }
-    /// The same for calls that come in.
+    /// The rules for incoming calls, in the same form.
     ServiceList *incomingList() { return m_incomingList; }
 
 private:

@@ -11,19 +11,20 @@
 enum class Outcome {
     Done,
     Failed,
-    Skipped, ///< It cannot be done here; what is expected of it cannot either.
+    Skipped, ///< It is not possible here. What is expected of it is skipped as well.
 };
 
-/// Called once by a command when it is through, with what there is to say about it (may be empty).
+/// A command calls this once when it ends, with a text for the user, which may be empty.
 using Finish = std::function<void(Outcome outcome, const QString &text)>;
 
 /// One command of the simulated handset's console.
 struct Command
 {
-    QString name; ///< Of one word, or several with a blank between two.
-    /// What it takes: "NUMBER" must be given, "[NAME]" may be, and "[URL...]" any number of times.
+    QString name; ///< One word, or several words with a blank between them.
+    /// "NUMBER" is required, "[NAME]" is optional, and "[URL...]" may be given any number of times.
     QStringList parameters;
-    QString help; ///< One line.
-    /// Starts it. It ends with \a finish, at once or later; until then no other command starts.
+    QString help; ///< A line for the list of commands.
+    /// Starts the command. It calls \a finish at once or later. No other command starts before
+    /// that.
     std::function<void(const QStringList &arguments, const Finish &finish)> run;
 };

@@ -28,8 +28,8 @@ FolderWatch::FolderWatch(QString folder, QObject *parent)
     m_files = scan();
 }
 
-/// The files as they are now. What is new among files and folders is watched, and what a rename has
-/// put in the place of a watched file.
+/// Returns the files as they are now. Also watches new files and folders, and files that were
+/// renamed over a watched one.
 FolderWatch::Files FolderWatch::scan()
 {
     Files found;
@@ -51,7 +51,7 @@ FolderWatch::Files FolderWatch::scan()
     }
     if (!paths.isEmpty()) {
         addPaths(paths);
-        m_rest.start(); // it may have changed before it was watched
+        m_rest.start(); // They may have changed before they were watched.
     }
     return found;
 }

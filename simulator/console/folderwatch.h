@@ -8,8 +8,8 @@
 #include <QMap>
 #include <QTimer>
 
-/// Watches the QML code in a folder and the folders within: files named *.qml, *.js and qmldir.
-/// Hidden folders are left out.
+/// Watches the QML code in a folder and its subfolders: files named *.qml, *.js and qmldir. Hidden
+/// folders are not watched.
 class FolderWatch : public QFileSystemWatcher
 {
     Q_OBJECT
@@ -18,16 +18,16 @@ public:
     explicit FolderWatch(QString folder, QObject *parent = nullptr);
 
 Q_SIGNALS:
-    /// A file has come, gone or changed; once for changes that come together.
+    /// A file was added, removed or changed. Emitted once for changes that come together.
     void changed();
 
 private:
-    using Files = QMap<QString, QPair<QDateTime, qint64>>; ///< Time and size by path.
+    using Files = QMap<QString, QPair<QDateTime, qint64>>; ///< The time and the size by path.
 
     Files scan();
     void check();
 
     const QString m_folder;
     Files m_files;
-    QTimer m_rest; ///< Until it is quiet.
+    QTimer m_rest; ///< Runs out when there was no change for a moment.
 };

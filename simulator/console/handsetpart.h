@@ -7,12 +7,12 @@
 
 #include <optional>
 
-/// The handset runs its other processes from its own program. If the arguments of main() say so,
-/// runs this process as one of them and returns its exit status.
+/// The handset runs its other processes with its own program. If the arguments of main() ask for
+/// it, runs this process as one of them and returns its exit status.
 std::optional<int> runHandsetPart(int argc, char *argv[]);
 
-/// The arguments that have runHandsetPart() run the service \a name, as runService() does.
+/// Returns the arguments with which runHandsetPart() calls runService().
 QStringList serviceArguments(const QString &name, const QString &stateFolder);
 
-/// The arguments that have runHandsetPart() call toggleCall() as another user.
+/// Returns the arguments with which runHandsetPart() calls toggleCallAs().
 QStringList toggleArguments(const QString &user, const QString &group);

@@ -19,8 +19,8 @@
 
 class Transcript;
 
-/// The services of the handset that the call UI uses. Each is a process of its own; one that ends
-/// is told of, and can be started again.
+/// The services of the handset that the call UI uses. Each runs as a separate process. The end of a
+/// service is recorded in the transcript, and a command can start it again.
 class HandsetServices : public QObject
 {
     Q_OBJECT
@@ -28,24 +28,23 @@ class HandsetServices : public QObject
 public:
     struct World
     {
-        QString sessionBus; ///< Address.
-        QString systemBus; ///< Address.
-        QString stateFolder; ///< What outlives a service is kept here.
+        QString sessionBus; ///< The address of the bus.
+        QString systemBus; ///< The address of the bus.
+        QString stateFolder; ///< The services keep their state here.
     };
 
-    /// The connections are to the buses of \a world. \a transcript is told what happens, and
-    /// outlives the object.
+    /// The connections are to the buses of \a world. \a transcript must outlive the object.
     HandsetServices(const World &world, const QDBusConnection &session,
                     const QDBusConnection &system, Transcript &transcript,
                     QObject *parent = nullptr);
 
-    /// Starts them; \a settled is called when each is up, or is not going to be.
+    /// Starts the services. Calls \a settled when each of them has started or failed.
     void start(const std::function<void()> &settled);
 
-    /// What can be done with and to them.
+    /// Returns the commands for the services and their processes.
     QVector<Command> commands();
 
-    /// Keeps the lists of what the services have from now on.
+    /// Keeps the lists of what the services have up to date from now on.
     void follow();
 
     AlarmCommands &alarms() { return m_alarms; }

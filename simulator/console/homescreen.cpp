@@ -142,7 +142,7 @@ void HomeScreen::toggleAs(const QString &user, const QString &group, const Finis
                 if (hasEnded && code == ToggleAdmitted)
                     finish(Outcome::Done, QStringLiteral("done"));
                 else
-                    // A refusal is an answer, not a failure.
+                    // A refusal is an answer, so the command has not failed.
                     finish(hasEnded && code == ToggleRefused ? Outcome::Done : Outcome::Failed,
                            said);
             });

@@ -9,7 +9,8 @@
 #include <QObject>
 #include <QVector>
 
-/// The handset's home screen: the process that owns "com.nimbo.canopy" and asks for the call UI.
+/// The home screen of the handset. It owns "com.nimbo.canopy", so that the call UI trusts it, and
+/// sends requests to the call UI.
 class HomeScreen : public QObject
 {
     Q_OBJECT
@@ -18,10 +19,10 @@ public:
     /// \a sessionBus is a connection to the bus at \a address.
     HomeScreen(QDBusConnection sessionBus, QString address, QObject *parent = nullptr);
 
-    /// Takes the name. False if another process has it.
+    /// Takes the name. Returns false if another process has it.
     bool start();
 
-    /// The requests to the call UI, and the same request from another user's process.
+    /// Returns the commands that send requests to the call UI, one of them as another user.
     QVector<Command> commands();
 
 private:

@@ -23,7 +23,7 @@ bool reads(const QString &line, const QString &pattern)
         .hasMatch();
 }
 
-/// How many of the words that a line begins with are the command's name; 0 if it has another.
+/// Returns the number of words in the name of \a command if \a words begin with it, otherwise 0.
 int lengthOfName(const Command &command, const QStringList &words)
 {
     const QStringList name = command.name.split(QLatin1Char(' '));
@@ -100,7 +100,7 @@ void Interpreter::start()
     wake();
 }
 
-/// Queued, so that a long script of quick commands does not pile up on the stack.
+/// Queued, so that a long script of quick commands does not recurse.
 void Interpreter::wake()
 {
     QMetaObject::invokeMethod(this, &Interpreter::runNext, Qt::QueuedConnection);

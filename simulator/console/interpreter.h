@@ -19,8 +19,9 @@ class Transcript;
 /// A line is a command's name and its arguments, words as splitWords() finds them. Where the name
 /// of one command begins with that of another, the longer one counts. A line that begins with '#'
 /// is a remark and is printed.
-/// Of its own the interpreter has "help", "quit" and "expect TEXT". The last waits until a line
-/// that reads TEXT ('*' stands for anything) has been recorded since the last command before it.
+/// The interpreter itself has the commands "help", "quit" and "expect TEXT". The last one waits
+/// until a line that matches TEXT, in which '*' stands for any text, has been recorded since the
+/// command before it.
 class Interpreter : public QObject
 {
     Q_OBJECT
@@ -28,25 +29,25 @@ class Interpreter : public QObject
 public:
     enum class AtFailure { GoOn, Stop };
 
-    /// \a atFailure says whether the first command that fails ends the run, as in a script.
+    /// \a atFailure says whether the first failure ends the run, as it does in a script.
     Interpreter(Transcript &transcript, AtFailure atFailure, QObject *parent = nullptr);
 
     void add(const QVector<Command> &commands);
 
-    /// How long "expect" waits; thirty seconds if not set.
+    /// Sets how long "expect" waits. The default is thirty seconds.
     void setPatience(std::chrono::milliseconds patience) { m_patience.setInterval(patience); }
 
-    /// Runs \a line when all earlier ones are through and the interpreter has been started.
+    /// Runs \a line after start() and after all earlier lines.
     void enqueue(const QString &line);
 
-    /// Says that no more lines will come.
+    /// No more lines follow.
     void endInput();
 
-    /// Nothing runs before this.
+    /// Starts to run lines.
     void start();
 
 Q_SIGNALS:
-    /// After "quit", after the last line, or after a failure that ends the run. Comes once.
+    /// The run has ended: after "quit", after the last line, or at a failure. Emitted once.
     void finished(bool succeeded);
 
 private:
@@ -65,7 +66,7 @@ private:
     QString m_expected;
     QTimer m_patience;
     bool m_started = false;
-    bool m_busy = false; ///< A command runs, or the last one has.
+    bool m_busy = false; ///< Set while a command runs, and after the end.
     int m_skipped = 0;
     bool m_inputEnded = false;
     bool m_lastWasSkipped = false;

@@ -8,18 +8,18 @@
 
 class QSocketNotifier;
 
-/// Reads lines of UTF-8 from a file descriptor as they come, a terminal's or a pipe's.
+/// Reads lines of UTF-8 from a terminal or a pipe as they arrive.
 class LineReader : public QObject
 {
     Q_OBJECT
 
 public:
-    /// \a descriptor stays the caller's.
+    /// The caller keeps the ownership of \a descriptor.
     explicit LineReader(int descriptor, QObject *parent = nullptr);
 
 Q_SIGNALS:
     void lineRead(const QString &line);
-    /// There is no more; a last line without a newline has been read.
+    /// The input has ended. A last line without a newline has been reported before.
     void ended();
 
 private:

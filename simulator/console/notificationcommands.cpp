@@ -14,7 +14,7 @@ const QLatin1String service("org.freedesktop.Notifications");
 const QLatin1String path("/org/freedesktop/Notifications");
 const QLatin1String control("com.nimbo.simulator.NotificationService");
 
-/// Names and labels stand in turn.
+/// \a actions has a name and a label in turn for each action.
 QStringList furtherActions(const QStringList &actions)
 {
     QStringList names;
@@ -54,7 +54,7 @@ QString describe(const QVariantMap &notification)
     return parts.join(QLatin1String(", "));
 }
 
-/// The reasons of the Desktop Notifications Specification.
+/// The values are those of the Desktop Notifications Specification 1.2.
 QString reason(uint value)
 {
     switch (value) {

@@ -5,7 +5,7 @@
 
 #include "servicetalk.h"
 
-/// The notifications that the handset shows: lists them, and does with them what its user might.
+/// The commands for the notifications of the handset. They act as its user.
 class NotificationCommands : public ServiceTalk
 {
     Q_OBJECT
@@ -16,8 +16,8 @@ public:
 
     QVector<Command> commands() override;
 
-    /// The notifications: maps with "id", "application", "summary", "body", "alarm" (the cookie of
-    /// the alarm that it announces; 0 for none) and "actions", a list of the names of actions
+    /// The notifications are maps with "id", "application", "summary", "body", "alarm" (the cookie
+    /// of the alarm that it announces; 0 for none) and "actions", a list of the names of actions
     /// besides the default one.
     ServiceList *list() { return m_list; }
 

@@ -6,12 +6,12 @@
 #include <QObject>
 #include <QVariantList>
 
-/// What the QML engine of the call UI has complained about, as found in its log.
+/// The errors and warnings of the QML engine, read from the log of the call UI.
 class QmlErrors : public QObject
 {
     Q_OBJECT
-    /// Maps with "file" (path), "line", "column" (0 if not told) and "text"; the oldest first.
-    /// After a hundred no more are taken.
+    /// Maps with "file" (path), "line", "column" (0 if unknown) and "text"; the oldest first.
+    /// At most a hundred are kept.
     Q_PROPERTY(QVariantList items READ items NOTIFY itemsChanged)
 
 public:
@@ -19,9 +19,9 @@ public:
 
     QVariantList items() const { return m_items; }
 
-    /// Takes a line of the log, and whether it was a complaint.
+    /// Reads a line of the log. Returns whether it was an error or a warning.
     bool read(const QString &line);
-    /// Forgets them.
+    /// Removes all items.
     void clear();
 
 Q_SIGNALS:

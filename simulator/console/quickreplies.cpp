@@ -13,12 +13,12 @@
 
 namespace {
 
-/// What the call UI shows where there is no file.
+/// The call UI shows these if there is no file.
 const QStringList defaults{QStringLiteral("parley-me-please_call_later"),
                            QStringLiteral("parley-me-cant_talk_at_the_moment"),
                            QStringLiteral("parley-me-will_call_back")};
 
-/// The program, and what it takes before the file.
+/// Returns a program and its arguments before the file.
 QStringList editor()
 {
     for (const char *variable : {"VISUAL", "EDITOR"}) {
@@ -104,7 +104,7 @@ void QuickReplies::edit(const Finish &finish)
     m_editor->start(program, command << m_filePath);
 }
 
-/// Whoever reads the file meanwhile sees the old one or the new one.
+/// Replaces the file in one step, so that a reader sees either the old or the new content.
 bool QuickReplies::write(const QStringList &texts, QString &error) const
 {
     const QByteArray json = QJsonDocument(QJsonArray::fromStringList(texts)).toJson();

@@ -12,18 +12,17 @@
 
 class Transcript;
 
-/// The file with the quick replies of the handset's user, as other processes than the call UI see
-/// it.
+/// The commands for the file with the user's quick replies. They access it as other processes than
+/// the call UI would.
 class QuickReplies
 {
 public:
-    /// \a home is the home of the handset's user. \a transcript is told what is in the file, and
-    /// outlives the object.
+    /// \a home is the home of the handset's user. \a transcript must outlive the object.
     QuickReplies(const QString &home, Transcript &transcript);
 
     QString filePath() const { return m_filePath; }
 
-    /// An editor that is opened ends with the object.
+    /// An editor that was opened ends when the object is destroyed.
     QVector<Command> commands();
 
 private:

@@ -15,7 +15,7 @@
 
 namespace {
 
-/// The call that opens the call history.
+/// A remote action that opens the call history.
 const QVariantMap openCallHistory{
     {QStringLiteral("service"), QStringLiteral("com.nokia.telephony.callhistory")},
     {QStringLiteral("path"), QStringLiteral("/org/maemo/m")},
@@ -23,7 +23,7 @@ const QVariantMap openCallHistory{
     {QStringLiteral("method"), QStringLiteral("launch")},
     {QStringLiteral("arguments"), QVariantList{QStringList(QStringLiteral("callHistory"))}}};
 
-/// Numbers are written into alarms without what only makes them easier to read.
+/// Alarms have numbers without characters that only make them easier to read.
 QString normalized(QString number)
 {
     return number.remove(QRegularExpression(QStringLiteral("[^0-9+*#]")));

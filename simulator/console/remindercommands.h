@@ -9,8 +9,8 @@
 #include <QObject>
 #include <QVector>
 
-/// Reminders to call somebody back, as an earlier call UI left them: an alarm, and a notification
-/// that shows it. The call UI that runs learns of them at its next start.
+/// The command that leaves a reminder as an earlier run of the call UI would have: an alarm, and a
+/// notification for it. The call UI finds them at its next start.
 class ReminderCommands : public QObject
 {
     Q_OBJECT

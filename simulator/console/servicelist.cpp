@@ -92,7 +92,7 @@ void ServiceList::setItems(const QVariantList &items)
     Q_EMIT itemsChanged();
 }
 
-/// -1 if it has none from \a firstRow on.
+/// Returns the row of an item, or -1 if no row from \a firstRow on has it.
 int ServiceList::rowOf(const QVariant &item, int firstRow) const
 {
     const auto keyOf = [this](const QVariant &any) { return any.toMap().value(m_source.key); };

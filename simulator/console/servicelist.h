@@ -12,26 +12,26 @@
 
 class QDBusServiceWatcher;
 
-/// What a service of the handset has, kept as a list for who shows it. The service is asked when it
-/// comes and when refresh() is called; while it is away the list is empty. Nothing waits for it: if
-/// it does not answer, the list stays as it was.
+/// A list of what a service of the handset has, for a view. The service is asked when it appears on
+/// the bus and when refresh() is called. The list is empty while the service is absent. If the
+/// service does not answer, the list stays as it is.
 ///
-/// As a model it has a row for each item, whose role "entry" is the item. The row of an item that
-/// stays is kept, so that a button in it can be pressed while others come and go.
+/// The model has a row for each item, which is the role "entry". An update keeps the rows of items
+/// that stay, so that a button in such a row can be pressed while other rows come and go.
 class ServiceList : public QAbstractListModel
 {
     Q_OBJECT
-    /// Maps, whose keys are told by whoever made the list.
+    /// The items are maps. The class that makes the list documents their keys.
     Q_PROPERTY(QVariantList items READ items NOTIFY itemsChanged)
 
 public:
     struct Source
     {
         QDBusMessage question;
-        QString signature; ///< Of the answer.
-        std::function<QVariantList(const QVariantList &values)> read; ///< The answer's items.
-        QString key; ///< Of an item's map: items with the same value there are the same one.
-        std::function<QString(const QVariantMap &item)> describe; ///< An item in one line.
+        QString signature; ///< The D-Bus signature of the answer.
+        std::function<QVariantList(const QVariantList &values)> read; ///< Returns the items.
+        QString key; ///< The key in an item whose value identifies it.
+        std::function<QString(const QVariantMap &item)> describe; ///< Returns a line.
     };
 
     ServiceList(QDBusConnection bus, Source source, QObject *parent = nullptr);
@@ -42,9 +42,9 @@ public:
     QVariant data(const QModelIndex &index, int role) const override;
     QHash<int, QByteArray> roleNames() const override;
 
-    /// Keeps the list from now on. Before that nothing is asked.
+    /// Keeps the list up to date from now on. Before this call the service is not asked.
     void follow();
-    /// Something has changed.
+    /// Asks the service again, because something may have changed.
     void refresh();
 
 Q_SIGNALS:
@@ -61,8 +61,8 @@ private:
 
     QDBusConnection m_bus;
     const Source m_source;
-    QDBusServiceWatcher *m_watcher = nullptr; ///< Once the list is kept.
+    QDBusServiceWatcher *m_watcher = nullptr; ///< Null before follow().
     QVariantList m_items;
     bool m_isAsking = false;
-    bool m_asksAgain = false; ///< What is being answered may be out of date.
+    bool m_asksAgain = false; ///< The answer under way may be out of date.
 };

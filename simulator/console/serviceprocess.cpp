@@ -100,7 +100,7 @@ QString ServiceProcess::state() const
     return m_isHung ? QStringLiteral("hung") : QStringLiteral("running");
 }
 
-/// Of a process that has started or ended anew, too.
+/// Emits stateChanged() in any case, because the process may have started or ended as well.
 void ServiceProcess::setHung(bool hung)
 {
     m_isHung = hung;

@@ -11,39 +11,39 @@
 #include <QProcessEnvironment>
 #include <QTimer>
 
-/// A service of the handset as a process of its own, which can be stopped and started.
+/// A service of the handset that runs as a separate process. It can be stopped and started.
 class ServiceProcess : public QObject
 {
     Q_OBJECT
     Q_PROPERTY(QString name READ name CONSTANT)
-    /// "running", "stopped" or "hung" (by its command).
+    /// "running", "stopped", or "hung" after the command that freezes it.
     Q_PROPERTY(QString state READ state NOTIFY stateChanged)
 
 public:
     struct Service
     {
-        QString name; ///< As runService() knows it; the name of its command, too.
-        QString busName; ///< What it owns when it is up.
+        QString name; ///< Its name for runService(), which is also the name of its command.
+        QString busName; ///< It has started when it owns this name.
         QString stateFolder;
     };
 
-    /// \a bus is where the service belongs, \a environment what the process gets.
+    /// \a bus is a connection to the bus of the service.
     ServiceProcess(Service service, const QDBusConnection &bus,
                    const QProcessEnvironment &environment, QObject *parent = nullptr);
 
-    /// Starts it; \a finish is called when it is up, or is not going to be.
+    /// Starts the process. \a finish is called when it owns its name or has failed to start.
     void start(const Finish &finish);
 
     QString name() const { return m_service.name; }
     QString state() const;
 
-    /// What can be done to it.
+    /// Returns the command that stops, starts, freezes and continues it.
     Command command();
 
 Q_SIGNALS:
-    /// A line that it has written to its log.
+    /// The process has written this line to its log.
     void logged(const QString &line);
-    /// It has ended without being asked to; \a how goes on after its name.
+    /// The process has ended unexpectedly. \a how is a phrase that follows its name.
     void ended(const QString &how);
     void stateChanged();
 
@@ -62,5 +62,5 @@ private:
     QDBusServiceWatcher m_watcher;
     QTimer m_patience;
     bool m_isHung = false;
-    Finish m_finish; ///< Of a start or a stop that is under way.
+    Finish m_finish; ///< Null unless a start or a stop is under way.
 };

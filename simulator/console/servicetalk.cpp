@@ -44,7 +44,7 @@ void ServiceTalk::print(const Finish &finish, const QString &none)
     printFrom(0, 0, finish, none);
 }
 
-/// The lists are asked for one after another, so that their lines come in order.
+/// Asks for one list after another, so that the lines come in order.
 void ServiceTalk::printFrom(std::size_t list, int printed, const Finish &finish,
                             const QString &none)
 {

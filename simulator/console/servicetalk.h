@@ -18,8 +18,9 @@
 
 class Transcript;
 
-/// The console's talk with one service of the handset. What the service signals is recorded in the
-/// transcript; what it has is kept in lists; what a command asks of it ends that command.
+/// The console's side of one service of the handset: it records the service's signals in the
+/// transcript, keeps lists of what the service has, and calls the service for commands. A command
+/// ends when its call is answered.
 class ServiceTalk : public QObject
 {
     Q_OBJECT
@@ -30,15 +31,15 @@ public:
         QString busName;
         QString path;
         QString control; ///< The interface through which the simulator controls it.
-        QString source; ///< Names it in the transcript.
+        QString source; ///< The source of its lines in the transcript.
     };
 
-    /// \a transcript outlives the object.
+    /// \a transcript must outlive the object.
     ServiceTalk(QDBusConnection bus, Service service, Transcript &transcript,
                 QObject *parent = nullptr);
     ~ServiceTalk() override;
 
-    /// The commands that concern the service.
+    /// Returns the commands for the service. They use this object.
     virtual QVector<Command> commands() = 0;
 
     /// Keeps the lists up to date from now on.
@@ -47,18 +48,18 @@ public:
 protected:
     using Describe = std::function<QString(const QVariantList &values)>;
 
-    /// Records the line that \a describe makes of the values whenever the service emits the signal
-    /// \a member with values of the D-Bus \a signature. Whatever is signalled may change the lists.
+    /// Records a line whenever the service emits the signal \a member with values of the D-Bus
+    /// \a signature. \a describe makes the line of the values. Each signal also refreshes the
+    /// lists.
     void tell(const QString &interface, const QString &member, const QString &signature,
               const Describe &describe);
-    /// Adds a list of what the service has. It belongs to this object.
+    /// Adds a list of what the service has. This object owns it.
     ServiceList *addList(const ServiceList::Source &source);
-    /// Asks for all lists and records their items, a line each. Ends with \a none if there are
-    /// none.
+    /// Asks for all lists and records a line for each item. Ends with \a none if there is no item.
     void print(const Finish &finish, const QString &none = {});
     /// Calls a method of the control interface that returns nothing.
     void act(const QString &method, const QVariantList &arguments, const Finish &finish);
-    /// Calls a method; \a answered takes what is returned, which has the D-Bus \a signature.
+    /// Calls a method and hands its results, which have the D-Bus \a signature, to \a answered.
     void ask(const QString &interface, const QString &method, const QVariantList &arguments,
              const QString &signature, const Finish &finish,
              const std::function<void(const QVariantList &values)> &answered);

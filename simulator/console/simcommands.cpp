@@ -94,7 +94,7 @@ QVector<Command> SimCommands::commands()
     };
 }
 
-/// Which modem it went into is signalled.
+/// The answer has the path of the modem, which the signal SimInserted has told already.
 void SimCommands::insert(const QString &imsi, const QString &modem, const Finish &finish)
 {
     ask(control, QStringLiteral("InsertSim"), {imsi, modem}, QStringLiteral("s"), finish,

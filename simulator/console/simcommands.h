@@ -5,7 +5,7 @@
 
 #include "servicetalk.h"
 
-/// The SIMs in the handset's modems: lists, inserts, removes, locks and unlocks them.
+/// The commands for the SIMs in the handset's modems.
 class SimCommands : public ServiceTalk
 {
     Q_OBJECT
@@ -16,7 +16,7 @@ public:
 
     QVector<Command> commands() override;
 
-    /// The modems: maps with "modem" (path), "imsi" (empty without a SIM) and "locked".
+    /// The modems are maps with "modem" (path), "imsi" (empty without a SIM) and "locked".
     ServiceList *list() { return m_list; }
 
 private:

@@ -39,7 +39,7 @@ std::optional<gid_t> findGroup(const QString &group)
 
 bool become(uid_t user, gid_t group)
 {
-    // Dumpable, as a program that this user has started is: /proc shows whose the process is.
+    // Dumpable again, as any program is that the user starts, so that /proc shows the user.
     return setgroups(0, nullptr) == 0 && setresgid(group, group, group) == 0
         && setresuid(user, user, user) == 0 && prctl(PR_SET_DUMPABLE, 1) == 0;
 }

@@ -5,14 +5,15 @@
 
 #include <QString>
 
-/// How toggleCallAs() ended: the exit status of its process.
+/// The results of toggleCallAs(), which are exit statuses.
 enum ToggleStatus {
     ToggleAdmitted = 0,
-    ToggleFailed = 1, ///< There was no answer, or another error.
+    ToggleFailed = 1, ///< No answer came, or any other error.
     ToggleRefused = 2, ///< The call UI does not trust the caller.
 };
 
-/// Becomes \a user and \a group (names or numbers; root only), which cannot be undone, and calls
-/// the call UI's toggleCall() on the session bus that the environment names. What went wrong goes
-/// to standard output, an error of the call as "Error NAME: MESSAGE".
+/// Becomes \a user and \a group, names or numbers, and calls toggleCall() of the call UI on the
+/// session bus of the environment. Only root can do this, and the process cannot change back. A
+/// message goes to standard output if the call fails; for an error of D-Bus it is
+/// "Error NAME: MESSAGE".
 ToggleStatus toggleCallAs(const QString &user, const QString &group);

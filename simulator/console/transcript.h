@@ -6,7 +6,7 @@
 #include <QObject>
 #include <QStringList>
 
-/// What is printed of a session: every command and what came of it, a line each.
+/// The printed record of a session: a line for every command and for every result.
 class Transcript : public QObject
 {
     Q_OBJECT
@@ -14,17 +14,17 @@ class Transcript : public QObject
 public:
     using QObject::QObject;
 
-    /// A line that explains: printed as it is.
+    /// Prints a line that explains something.
     void say(const QString &line);
 
-    /// A command is started: what happened so far is no longer what came of it.
+    /// Prints a command that starts, and forgets what happened before it.
     void beginCommand(const QString &line);
 
-    /// Something that happened: printed below the command, and kept until the next begins.
-    /// \a source says where it comes from ("reply", "ui").
+    /// Prints something that happened, and keeps it until the next command begins. \a source says
+    /// where it comes from, such as "reply" or "ui".
     void record(const QString &source, const QString &line);
 
-    /// The lines recorded since the last command began, without their source.
+    /// Returns the lines recorded since the last command began, without their source.
     const QStringList &happened() const { return m_happened; }
 
 Q_SIGNALS:

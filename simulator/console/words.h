@@ -5,11 +5,11 @@
 
 #include <QStringList>
 
-/// The words of a command line: what stands between blanks. Double quotes hold a word with blanks,
-/// or an empty one, together; within them \" is a quote and \\ a backslash. A quote that is not
-/// closed reaches to the end.
+/// Returns the words of a command line, which blanks separate. A word with blanks, or an empty one,
+/// has double quotes around it. Inside them, \" is a quote and \\ is a backslash. A quote that is
+/// not closed reaches to the end of the line.
 QStringList splitWords(const QString &line);
 
-/// The line that splits into \a words, with quotes where they are needed. A line has one line: what
-/// ends one within a word becomes a blank.
+/// Returns the line that splits into \a words, with quotes where they are needed. A line break in a
+/// word becomes a blank.
 QString joinWords(const QStringList &words);

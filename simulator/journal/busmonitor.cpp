@@ -16,7 +16,7 @@ namespace {
 
 using Message = std::unique_ptr<DBusMessage, decltype(&dbus_message_unref)>;
 
-/// libdbus fills in an error and has to release it.
+/// An error of libdbus, which has to release it.
 class Error
 {
 public:
@@ -86,7 +86,7 @@ bool BusMonitor::start(const QString &address)
     dbus_connection_get_unix_fd(m_connection, &descriptor);
     m_notifier = new QSocketNotifier(descriptor, QSocketNotifier::Read, this);
     connect(m_notifier, &QSocketNotifier::activated, this, &BusMonitor::read);
-    // What came together with the last answer is here already.
+    // libdbus may have read messages together with the last reply.
     QMetaObject::invokeMethod(this, &BusMonitor::read, Qt::QueuedConnection);
     return true;
 }
@@ -96,7 +96,7 @@ bool BusMonitor::becomeMonitor()
     const Message call(dbus_message_new_method_call(DBUS_SERVICE_DBUS, DBUS_PATH_DBUS,
                                                     DBUS_INTERFACE_MONITORING, "BecomeMonitor"),
                        dbus_message_unref);
-    const char *const *noRules = nullptr; // everything
+    const char *const *noRules = nullptr; // Without a rule, a monitor sees all messages.
     const dbus_uint32_t flags = 0;
     dbus_message_append_args(call.get(), DBUS_TYPE_ARRAY, DBUS_TYPE_STRING, &noRules, 0,
                              DBUS_TYPE_UINT32, &flags, DBUS_TYPE_INVALID);
@@ -108,7 +108,7 @@ bool BusMonitor::becomeMonitor()
     return reply != nullptr;
 }
 
-/// Messages are popped and not dispatched: a monitor must not answer any.
+/// Messages are popped, not dispatched, because libdbus would answer some of them.
 void BusMonitor::read()
 {
     const bool isConnected = dbus_connection_read_write(m_connection, 0) != 0;

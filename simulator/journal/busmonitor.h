@@ -10,7 +10,7 @@
 class QSocketNotifier;
 struct DBusConnection;
 
-/// Everything that is sent on one bus, as a monitor of the bus sees it (D-Bus Specification,
+/// Reports every message on a bus, as a monitor (D-Bus Specification,
 /// org.freedesktop.DBus.Monitoring.BecomeMonitor).
 class BusMonitor : public QObject
 {
@@ -20,14 +20,14 @@ public:
     explicit BusMonitor(QObject *parent = nullptr);
     ~BusMonitor() override;
 
-    /// Monitors the bus at \a address from now on. Waits for the bus daemon. To be called once.
-    /// Where it cannot be done, returns false; error() says why.
+    /// Monitors the bus at \a address from now on. Blocks until the bus daemon has answered. Call
+    /// this once. Returns false if the bus cannot be monitored; error() says why.
     bool start(const QString &address);
     QString error() const { return m_error; }
 
 Q_SIGNALS:
     void received(const BusMessage &message);
-    /// The bus has ended the connection. Comes once.
+    /// The bus has closed the connection. Emitted once.
     void ended();
 
 private:

@@ -16,8 +16,8 @@
 namespace {
 
 constexpr int maxEntries = 1000;
-constexpr int usualCount = 20; ///< Of lines that the command prints.
-/// For what is on its way.
+constexpr int usualCount = 20; ///< The number of lines that the command prints by default.
+/// How long the commands wait for messages that are under way.
 constexpr std::chrono::seconds patience(2);
 
 QString keyOf(const QString &bus, const QString &caller, quint32 cookie)
@@ -38,7 +38,7 @@ QString timeOfDay(qint64 microseconds)
         .toString(QStringLiteral("hh:mm:ss.zzz"));
 }
 
-/// As a program is found when it is started.
+/// Finds a program as a shell does.
 QString canonical(const QString &program)
 {
     return QFileInfo(program.contains(QLatin1Char('/')) ? program
@@ -252,7 +252,7 @@ void Journal::printLast(int count, const Finish &finish)
     finish(Outcome::Done, m_entries.empty() ? QStringLiteral("the journal is empty") : QString());
 }
 
-/// What was sent before has been seen when the marks have.
+/// Sends a mark on each bus. When all marks have been seen, so have all messages before them.
 void Journal::catchUp()
 {
     const QString mark = QString::number(++m_mark);

@@ -17,48 +17,49 @@
 #include <memory>
 #include <vector>
 
-/// The last 1,000 messages between the call UI and the others on its buses, each call with what
-/// came of it. A newer entry has a higher row.
+/// A list of the last 1,000 calls and signals between the call UI and other processes. A call has
+/// its reply. The newest entry has the highest row.
 class Journal : public QAbstractListModel
 {
     Q_OBJECT
 
 public:
     enum Role {
-        TimeRole = Qt::UserRole, ///< "time": local, hh:mm:ss.zzz.
-        BusRole, ///< "bus": as given to watch().
+        TimeRole = Qt::UserRole, ///< "time": the local time as hh:mm:ss.zzz.
+        BusRole, ///< "bus": the name that was given to watch().
         KindRole, ///< "kind": "call" or "signal".
-        IncomingRole, ///< "incoming": to the call UI, not from it.
-        /// "peer": the other side, by its well-known name where it has one; empty where the call UI
-        /// tells all who care.
+        IncomingRole, ///< "incoming": whether it went to the call UI.
+        /// "peer": the well-known name of the other process, or the name of its connection. Empty
+        /// for a broadcast of the call UI.
         PeerRole,
-        InterfaceRole, ///< "interface": empty where the message names none.
+        InterfaceRole, ///< "interface": empty if the message has none.
         MemberRole, ///< "member".
         PathRole, ///< "path".
-        ArgumentsRole, ///< "arguments": a short line.
-        /// "outcome": the values of the reply as a short line ("done" where there are none), or the
-        /// error's name and message. Empty for a signal, and for a call that has no reply yet.
+        ArgumentsRole, ///< "arguments": the values as a short line.
+        /// "outcome": the values of the reply as a short line ("done" if it has none), or the name
+        /// and the message of the error. Empty for a signal and for a call without a reply so far.
         OutcomeRole,
-        FailedRole, ///< "failed": the reply is an error.
-        /// "milliseconds": from the call to the reply. -1 where there is none, or none yet.
+        FailedRole, ///< "failed": whether the reply is an error.
+        /// "milliseconds": the time from the call to the reply. -1 if there is no reply so far.
         MillisecondsRole
     };
 
     explicit Journal(Transcript &transcript, QObject *parent = nullptr);
     ~Journal() override;
 
-    /// Takes down what the call UI, which is \a uiProgram, sends and gets on \a bus from now on.
-    /// Where that cannot be done, or no longer, says so.
+    /// Records the messages to and from the call UI on \a bus from now on. The call UI is any
+    /// process that runs \a uiProgram. Prints a message if the bus cannot, or can no longer, be
+    /// watched.
     void watch(const WatchedBus::Bus &bus, const QString &uiProgram);
 
-    /// Adds a message of the bus \a bus: a new entry, or the end of the call that it answers.
-    /// Otherwise as UiTraffic::seen().
+    /// Adds an entry for a message on \a bus, or completes the entry of the call that it answers.
+    /// The other arguments are those of UiTraffic::seen().
     void add(const QString &bus, const BusMessage &message, bool incoming, const QString &peer);
 
     /// Removes all entries.
     void clear();
 
-    /// An entry in one line.
+    /// Returns an entry as one line.
     QString line(int row) const;
 
     QVector<Command> commands();
@@ -79,7 +80,7 @@ private:
         QString interface;
         QString member;
         QString arguments;
-        QString call; ///< Its key among the open calls; empty where no reply is awaited.
+        QString call; ///< The key in m_open; empty if no reply is expected.
         QString outcome;
         bool hasFailed;
         double milliseconds;
@@ -94,11 +95,11 @@ private:
 
     Transcript &m_transcript;
     std::deque<Entry> m_entries;
-    qint64 m_removed = 0; ///< How many entries were there before those that are left.
-    QHash<QString, qint64> m_open; ///< Counts from the first entry ever; by bus, caller and cookie.
+    qint64 m_removed = 0; ///< The number of entries that were removed so far.
+    QHash<QString, qint64> m_open; ///< Entries without a reply, counted from the first one ever.
     std::vector<std::unique_ptr<WatchedBus>> m_buses;
     int m_mark = 0;
-    int m_awaited = 0; ///< Buses that the mark is yet to come by on.
+    int m_awaited = 0; ///< The number of buses whose mark has not been seen.
     QTimer m_patience;
     std::function<void()> m_whenCaughtUp;
 };

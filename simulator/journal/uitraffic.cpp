@@ -41,7 +41,7 @@ UiTraffic::UiTraffic(Ask ask, QObject *parent)
 void UiTraffic::take(const BusMessage &message)
 {
     m_waiting.enqueue(message);
-    ++m_questions; // until all of this message are asked
+    ++m_questions; // Hold the queue until all questions about this message are asked.
     askAbout(message.sender);
     askAbout(message.destination);
     if (tellsOfOwner(message) && !message.strings.value(2).isEmpty())

@@ -14,34 +14,34 @@
 
 #include <functional>
 
-/// Tells from all messages on a bus those that the call UI sends or gets.
+/// Finds the messages to and from the call UI among all messages on a bus.
 ///
-/// Which connections are the call UI's is asked for as they appear; messages wait for the answer,
-/// in order. What the bus itself is asked does not count, apart from the call UI's taking a name,
-/// nor does the handset's own control of its services.
+/// It asks which connections belong to the call UI as they appear, and keeps messages in order
+/// until the answer. Calls of the bus daemon are left out, except for RequestName, and so are the
+/// interfaces that control the simulated services.
 class UiTraffic : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Finds out whether the connection \a name is the call UI's, and calls \a answer once with
-    /// that, at once or later. One that is gone is not.
+    /// Finds out whether the connection \a name belongs to the call UI, and calls \a answer once,
+    /// at once or later. A connection that has gone does not.
     using Ask = std::function<void(const QString &name, const std::function<void(bool)> &answer)>;
 
     explicit UiTraffic(Ask ask, QObject *parent = nullptr);
 
-    /// The next message on the bus.
+    /// Takes the next message on the bus.
     void take(const BusMessage &message);
 
-    /// Says which connections there were before the first message, and who of them owned which
-    /// well-known name; what messages tell is newer. They wait until this has been called.
+    /// Sets the connections and the owners of well-known names before the first message. Messages
+    /// wait until this has been called.
     void start(const QMap<QString, QString> &owners, const QStringList &connections);
 
 Q_SIGNALS:
-    /// Something that the call UI gets (\a incoming) or sends. \a peer is the other side, by its
-    /// well-known name where it has one; empty where the call UI tells all who care.
+    /// The call UI receives (\a incoming) or sends a message. \a peer is the well-known name of the
+    /// other process, or the name of its connection. It is empty for a broadcast of the call UI.
     void seen(const BusMessage &message, bool incoming, const QString &peer);
-    /// The handset's own mark with this number has come by, after everything before it.
+    /// The mark with this number, which the handset has sent, was seen.
     void marked(const QString &mark);
 
 private:
@@ -56,8 +56,8 @@ private:
 
     const Ask m_ask;
     QQueue<BusMessage> m_waiting;
-    int m_questions = 1; ///< Not answered yet; the first is who owns which name.
-    QSet<QString> m_known; ///< Connections asked about.
-    QSet<QString> m_ui; ///< Those of the call UI.
+    int m_questions = 1; ///< Without an answer so far; the first one is answered by start().
+    QSet<QString> m_known; ///< Connections that have been asked about.
+    QSet<QString> m_ui; ///< The connections of the call UI.
     QMap<QString, QString> m_owners; ///< By well-known name.
 };

@@ -14,7 +14,7 @@
 namespace {
 
 constexpr int maxLength = 200;
-/// Of a string: no more is shown, as a character has at most four bytes.
+/// The bytes of a string that are read. A character has at most four bytes.
 constexpr int maxBytes = 4 * (maxLength + 1);
 
 const QChar ellipsis(0x2026);
@@ -27,7 +27,7 @@ QString shortened(QString text)
     return text + ellipsis;
 }
 
-/// A terminal or a label would not show it as a character in a line.
+/// Returns whether a terminal or a label would not show the character in the line.
 bool isControl(QChar character)
 {
     switch (character.category()) {
@@ -69,7 +69,7 @@ QString stringOf(DBusMessageIter *value)
     return QString::fromUtf8(text, static_cast<int>(strnlen(text, maxBytes)));
 }
 
-/// A container's values.
+/// Returns an iterator over the values in a container.
 DBusMessageIter valuesIn(DBusMessageIter *container)
 {
     DBusMessageIter values;
@@ -192,7 +192,7 @@ void ValueText::writeBasic(DBusMessageIter *value, int type)
         m_text += QString::number(number.dbl, 'g', QLocale::FloatingPointShortest);
         break;
     case DBUS_TYPE_UNIX_FD:
-        ::close(number.fd); // It is a copy of our own.
+        ::close(number.fd); // The iterator returns a duplicate.
         m_text += QLatin1String("fd");
         break;
     default:

@@ -9,17 +9,17 @@
 struct DBusMessage;
 struct DBusMessageIter;
 
-/// What is said of values in one line of at most about 200 characters; an ellipsis stands for the
-/// rest. Strings are in quotes, lists in [], structures in (), maps in {}; a variant is its value,
-/// and a file descriptor is "fd".
+/// Writes values as one line of at most 200 characters and an ellipsis for the rest. Strings are in
+/// quotes, arrays in [], structures in (), maps in {}. A variant is written as its value, and a
+/// file descriptor as "fd".
 class ValueText
 {
 public:
-    /// The values of \a message.
+    /// Returns the values of \a message.
     static QString of(DBusMessage *message);
-    /// \a text without line ends and the like, and cut as above.
+    /// Returns \a text with its control characters escaped, cut in the same way.
     static QString of(const QString &text);
-    /// The strings that are the first values of \a message, each cut to at most some 800 bytes.
+    /// Returns the leading values of \a message that are strings, each cut to about 800 bytes.
     static QStringList firstStrings(DBusMessage *message);
 
 private:

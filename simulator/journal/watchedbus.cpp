@@ -65,7 +65,7 @@ void WatchedBus::askWhetherUi(const QString &connection, const std::function<voi
                  });
 }
 
-/// The connections that were there before anybody watched, and their names.
+/// Asks for the connections that exist already, and for their well-known names.
 void WatchedBus::askForOwners()
 {
     const QDBusMessage question = QDBusMessage::createMethodCall(

@@ -8,7 +8,7 @@
 
 #include <QDBusConnection>
 
-/// One bus of the handset, watched for what the call UI sends and gets on it.
+/// Watches one bus of the handset for messages to and from the call UI.
 class WatchedBus : public QObject
 {
     Q_OBJECT
@@ -16,30 +16,29 @@ class WatchedBus : public QObject
 public:
     struct Bus
     {
-        QString name; ///< For people.
+        QString name; ///< For the user.
         QString address;
-        QDBusConnection connection; ///< The handset's own.
+        QDBusConnection connection; ///< A connection of the handset.
     };
 
     /// The call UI is any process that runs \a uiProgram, the canonical path of an executable.
     WatchedBus(Bus bus, QString uiProgram, QObject *parent = nullptr);
 
-    /// Watches from now on.
+    /// Starts to watch. Emits ended() if that is not possible.
     void start();
 
     QString name() const { return m_bus.name; }
-    /// False before start() and after ended().
+    /// Returns false before start() and after ended().
     bool isWatched() const { return m_isWatched; }
 
-    /// Has marked() emitted with \a mark when everything sent on the bus before this call has been
-    /// seen.
+    /// Emits marked() with \a mark after all messages that were sent before this call.
     void mark(const QString &mark) const;
 
 Q_SIGNALS:
     /// As UiTraffic::seen().
     void seen(const BusMessage &message, bool incoming, const QString &peer);
     void marked(const QString &mark);
-    /// It is not, or no longer, watched; \a why is a sentence. Comes once.
+    /// The bus is not, or no longer, watched. \a why is a sentence. Emitted once.
     void ended(const QString &why);
 
 private:
@@ -52,8 +51,8 @@ private:
     const QString m_uiProgram;
     BusMonitor m_monitor;
     UiTraffic m_traffic;
-    QMap<QString, QString> m_owners; ///< Of the names that were taken before.
-    QStringList m_connections; ///< That were there before.
+    QMap<QString, QString> m_owners; ///< The owners of well-known names before start().
+    QStringList m_connections; ///< The connections before start().
     int m_awaitedOwners = 0;
     bool m_isWatched = false;
 };

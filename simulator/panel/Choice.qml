@@ -3,7 +3,7 @@
 
 import QtQuick 2.15
 
-/// The actions that a rule can have; the one it has is lit.
+/// The actions that a rule can have. The current one is highlighted.
 Row {
     id: root
 

@@ -5,7 +5,7 @@ import QtQuick 2.15
 import QtQuick.Controls 2.15
 import QtQuick.Layouts 1.15
 
-/// A line to type in.
+/// A text field of one line.
 TextField {
     id: root
 

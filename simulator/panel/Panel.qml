@@ -12,7 +12,7 @@ ApplicationWindow {
     readonly property int phoneWidth: 376
     readonly property bool isWide: width >= 760
 
-    /// What has the keyboard is to be seen.
+    /// Scrolls to the item that has the keyboard focus.
     function reveal(item) {
         for (var one = item; one; one = one.parent) {
             if (one === sections) {

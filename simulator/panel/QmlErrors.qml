@@ -5,7 +5,7 @@ import QtQuick 2.15
 import QtQuick.Controls 2.15
 import QtQuick.Layouts 1.15
 
-/// What the call UI's QML engine complains about.
+/// The errors and warnings of the QML engine in the call UI.
 Rectangle {
     id: root
 

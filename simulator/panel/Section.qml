@@ -4,7 +4,7 @@
 import QtQuick 2.15
 import QtQuick.Layouts 1.15
 
-/// A part of the panel under its title.
+/// A part of the panel with a title.
 Rectangle {
     id: root
 

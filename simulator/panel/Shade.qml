@@ -5,7 +5,7 @@ import QtQuick 2.15
 import QtQuick.Controls 2.15
 import QtQuick.Layouts 1.15
 
-/// The notifications, as they hang below the status bar of a phone.
+/// The notifications, as a phone shows them below its status bar.
 Section {
     id: root
 

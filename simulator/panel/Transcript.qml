@@ -5,7 +5,7 @@ import QtQuick 2.15
 import QtQuick.Controls 2.15
 import QtQuick.Layouts 1.15
 
-/// What is printed of the session, and a line for a command.
+/// The transcript of the session, and a field for a command.
 Section {
     id: root
 

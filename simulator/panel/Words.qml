@@ -3,7 +3,7 @@
 
 import QtQuick 2.15
 
-/// A text that is read only.
+/// A text for display.
 Text {
     color: Look.text
     elide: Text.ElideRight

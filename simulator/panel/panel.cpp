@@ -17,12 +17,12 @@
 
 namespace {
 
-/// Of what was printed before the window opened.
+/// The number of lines from before the window opened that are kept.
 constexpr int mostLines = 1000;
 
 } // namespace
 
-/// In no namespace, because the macro declares what it calls.
+/// This is in no namespace, because the macro declares the function that it calls.
 static void initializeResources()
 {
     Q_INIT_RESOURCE(panel);
@@ -30,7 +30,7 @@ static void initializeResources()
 
 void Panel::prepare()
 {
-    // Fast enough for a panel, at once there, and independent of the machine's graphics.
+    // It is fast enough for a panel, starts at once, and does not depend on the graphics driver.
     QQuickWindow::setSceneGraphBackend(QSGRendererInterface::Software);
 }
 
@@ -51,7 +51,7 @@ Panel::Panel(const Parts &handset, QObject *parent)
 void Panel::uiStarting()
 {
     setUiEnd({});
-    // Queued: the call UI's process comes first.
+    // Queued, so that the process of the call UI is started first.
     QMetaObject::invokeMethod(this, &Panel::open, Qt::QueuedConnection);
 }
 
@@ -135,8 +135,8 @@ void Panel::open()
         return;
     m_handset.services.follow();
     m_engine.rootContext()->setContextProperty(QStringLiteral("panel"), this);
-    // The user's cache gets no files of it. The call UI, which inherits the variables, keeps its
-    // own.
+    // Leave no file in the user's cache. The call UI inherits the environment and has a cache of
+    // its own, so the variable is restored.
     const char *const noCache = "QML_DISABLE_DISK_CACHE";
     const QByteArray before = qgetenv(noCache);
     qputenv(noCache, "1");

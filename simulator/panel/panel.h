@@ -15,9 +15,9 @@ class QQuickWindow;
 class QmlErrors;
 class Transcript;
 
-/// The control panel: a window beside the phone with what the rest of the handset would do. It
-/// shows the handset's state as it is, and whatever it does is a command line that the interpreter
-/// runs as if it had been typed.
+/// The control panel, a window beside the phone that acts as the rest of the handset. It shows the
+/// state of the handset. Each of its actions is a command line that the interpreter runs as if it
+/// had been typed.
 class Panel : public QObject
 {
     Q_OBJECT
@@ -26,16 +26,16 @@ class Panel : public QObject
     Q_PROPERTY(QObject *sims READ sims CONSTANT)
     Q_PROPERTY(QObject *dialRules READ dialRules CONSTANT)
     Q_PROPERTY(QObject *incomingRules READ incomingRules CONSTANT)
-    /// Each a ServiceProcess.
+    /// A list of ServiceProcess objects.
     Q_PROPERTY(QVariantList services READ services CONSTANT)
     Q_PROPERTY(QObject *qmlErrors READ qmlErrors CONSTANT)
     Q_PROPERTY(QAbstractItemModel *journal READ journal CONSTANT)
     Q_PROPERTY(QString repliesPath READ repliesPath CONSTANT)
-    /// How the call UI ended, a sentence; empty while it runs.
+    /// A sentence that says how the call UI ended. It is empty while the call UI runs.
     Q_PROPERTY(QString uiEnd READ uiEnd NOTIFY uiEndChanged)
 
 public:
-    /// What of the handset it shows, and what runs its commands. All of it outlives the panel.
+    /// The parts of the handset that the panel uses. All of them must outlive it.
     struct Parts
     {
         Transcript &transcript;
@@ -43,16 +43,16 @@ public:
         HandsetServices &services;
         QmlErrors &qmlErrors;
         Journal &journal;
-        QString repliesPath; ///< Of the file with the quick replies.
+        QString repliesPath; ///< The path of the file with the quick replies.
     };
 
-    /// Chooses how the panel is drawn. To be called before the application is made.
+    /// Chooses how the panel is drawn. Call this before the application object is made.
     static void prepare();
 
     explicit Panel(const Parts &handset, QObject *parent = nullptr);
 
-    /// The call UI is started, for the first time or again. The window opens after the first time,
-    /// so that the call UI need not wait for it.
+    /// Tells the panel that the call UI has been started. The window opens after the first start,
+    /// so that it does not delay the call UI.
     void uiStarting();
     void setUiEnd(const QString &how);
 
@@ -67,16 +67,16 @@ public:
     QString repliesPath() const { return m_handset.repliesPath; }
     QString uiEnd() const { return m_uiEnd; }
 
-    /// Null while it is not open.
+    /// Returns null before the window is open.
     QQuickWindow *window() const;
 
-    /// Has the interpreter run the command of these words.
+    /// Runs a command that consists of \a words.
     Q_INVOKABLE void run(const QStringList &words);
-    /// Has it run a line that the user has typed.
+    /// Runs a line that the user has typed.
     Q_INVOKABLE void type(const QString &line);
-    /// What has been printed so far.
+    /// Returns the transcript so far.
     Q_INVOKABLE QString printedSoFar() const;
-    /// The commands that were run, a line each, as a script takes them.
+    /// Returns the commands that were run as the lines of a script.
     Q_INVOKABLE QString script() const;
     /// Puts the script on the clipboard.
     Q_INVOKABLE void copyScript() const;

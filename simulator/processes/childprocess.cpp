@@ -32,7 +32,7 @@ void ChildProcess::stop()
 void ChildProcess::setupChildProcess()
 {
     setpgid(0, 0);
-    prctl(PR_SET_PDEATHSIG, SIGKILL); // which ends a stopped process, too
+    prctl(PR_SET_PDEATHSIG, SIGKILL); // SIGTERM would not end a stopped process.
     if (getppid() != m_parentPid)
         _exit(EXIT_FAILURE);
 

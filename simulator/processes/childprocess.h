@@ -6,10 +6,10 @@
 #include <QCoreApplication>
 #include <QProcess>
 
-/// A process that ends with the object, and with this process however that ends.
+/// A process that ends when the object is destroyed, and when this process ends for any reason.
 ///
-/// It runs in a process group of its own, so that Ctrl-C on a terminal reaches this process alone,
-/// which then takes it down in order.
+/// It has a process group of its own. Ctrl-C on a terminal therefore reaches only this process,
+/// which then ends its children in order.
 class ChildProcess : public QProcess
 {
     Q_OBJECT
@@ -19,8 +19,8 @@ public:
     /// Stops it.
     ~ChildProcess() override;
 
-    /// Ends the process, a stopped one too: asks it (SIGTERM), and kills it if it takes longer than
-    /// two seconds. Returns when it has ended; signals are not emitted meanwhile.
+    /// Ends the process, even if it is stopped. Sends SIGTERM, and SIGKILL after two seconds.
+    /// Returns when the process has ended. No signal of this object is emitted meanwhile.
     void stop();
 
 protected:

@@ -8,8 +8,8 @@
 
 namespace {
 
-/// %1 is the folder for the socket, %2 is a limit. Messages may be large: callers send what they
-/// like.
+/// %1 is the folder of the socket, %2 is the limit of replies. The limits of sizes are far above
+/// the stock ones, so that tests can send large messages.
 const char configuration[] =
     R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-BUS Bus Configuration 1.0//EN"
  "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
@@ -32,7 +32,7 @@ const char configuration[] =
 </busconfig>
 )";
 
-/// As a value in a D-Bus address.
+/// Escapes a path as a value of a D-Bus address (D-Bus Specification, Server Addresses).
 QString escaped(const QString &path)
 {
     return QString::fromLatin1(QUrl::toPercentEncoding(path, "/", "~"));

@@ -18,8 +18,8 @@ QString deepestExistingFolder(const QString &path)
     return folder;
 }
 
-/// Mount points cannot be made in the machine's own folder: an empty one with the same entries
-/// takes its place.
+/// The machine's own folder must not get new mount points. An empty folder with links to the same
+/// entries takes its place.
 QStringList rebuilt(const QString &folder)
 {
     QStringList arguments{QStringLiteral("--tmpfs"), folder};

@@ -7,18 +7,18 @@
 #include <QString>
 #include <QStringList>
 
-/// Puts files at fixed places for one process, without touching this machine.
+/// Shows files at fixed paths to one process, without changing the machine.
 class Sandbox
 {
 public:
-    /// Whether this machine has what it takes: bwrap, and the permission to use it.
+    /// Returns whether bwrap is installed and this process may use it.
     static bool isPossible();
 
     /// Shows \a source, a file or folder, at the absolute \a path, which need not exist; the
     /// process may write to it.
     void place(const QString &path, const QString &source);
 
-    /// The command that runs \a command inside; \a command itself if nothing has been placed.
+    /// Returns the command that runs \a command inside, or \a command itself if nothing was placed.
     QStringList wrap(const QStringList &command) const;
 
 private:

@@ -5,8 +5,8 @@
 
 #include <QObject>
 
-/// Turns SIGINT, SIGQUIT, SIGTERM, SIGHUP and SIGPIPE into a Qt signal, so that what was started
-/// can be taken down in the ordinary way. One object in a process, for as long as it runs.
+/// Turns SIGINT, SIGQUIT, SIGTERM, SIGHUP and SIGPIPE into a Qt signal, so that a process can end
+/// its children in order before it exits. A process has one such object for as long as it runs.
 class TerminationSignals : public QObject
 {
     Q_OBJECT
@@ -15,8 +15,8 @@ public:
     explicit TerminationSignals(QObject *parent = nullptr);
     ~TerminationSignals() override;
 
-    /// Keeps the signals for the object that is made later. To be called before the first thread is
-    /// started, which would take them otherwise.
+    /// Blocks the signals until the object exists. Call this before the first thread is started,
+    /// because a thread that does not block them would receive them.
     static void block();
 
 Q_SIGNALS:

@@ -19,7 +19,7 @@ QProcessEnvironment environmentOf(const UiProcess::World &world)
     const QString home = world.folder + QLatin1String("/home");
     const QString settingsProfile = world.folder + QLatin1String("/dconf-profile");
 
-    // The user's display stays within reach after the move to another home.
+    // The display's key is in the user's home, which the process does not see.
     if (!environment.contains(QStringLiteral("XAUTHORITY")))
         environment.insert(QStringLiteral("XAUTHORITY"),
                            QDir::homePath() + QLatin1String("/.Xauthority"));
@@ -93,7 +93,7 @@ void UiProcess::reportError(QProcess::ProcessError error)
         Q_EMIT ended(QStringLiteral("The call UI could not be started: ") + errorString());
 }
 
-/// A sandbox ends with 128 + N where the process within was ended by signal N.
+/// A sandbox ends with 128 + N if the process inside was ended by signal N.
 void UiProcess::reportEnd(int code, QProcess::ExitStatus status)
 {
     const bool signalledWithin = program() == QLatin1String("bwrap") && code > 128;

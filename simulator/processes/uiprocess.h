@@ -7,8 +7,8 @@
 
 #include <QProcessEnvironment>
 
-/// The call UI as a process of its own, in a world of its own: its buses, home and settings are
-/// those it is given here, whatever those of this process are.
+/// Runs the call UI as a separate process. Its buses, home and settings are the ones given here,
+/// not those of this process.
 class UiProcess : public ChildProcess
 {
     Q_OBJECT
@@ -23,7 +23,7 @@ public:
 
     explicit UiProcess(const World &world, QObject *parent = nullptr);
 
-    /// Starts \a program with \a arguments. It draws off screen where there is no display.
+    /// Starts \a program with \a arguments. It draws off screen if there is no display.
     void start(const QString &program, const QStringList &arguments);
 
     /// Emits logged() for every line that the process has written by now.

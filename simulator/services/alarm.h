@@ -11,7 +11,7 @@ class QDBusArgument;
 
 using AlarmAttributes = QMap<QString, QString>;
 
-/// An alarm as the time daemon is given it. On the bus (uxa{ss}).
+/// An alarm in the form in which the time daemon receives it. Its D-Bus signature is (uxa{ss}).
 struct Alarm
 {
     uint flags = 0;
@@ -24,16 +24,16 @@ struct Alarm
     }
 };
 
-/// By cookie. On the bus a{u(uxa{ss})}.
+/// Alarms by cookie. The D-Bus signature is a{u(uxa{ss})}.
 using AlarmsByCookie = QMap<uint, Alarm>;
 
-/// By cookie. On the bus a{ua{ss}}.
+/// Attributes by cookie. The D-Bus signature is a{ua{ss}}.
 using AttributesByCookie = QMap<uint, AlarmAttributes>;
 
 QDBusArgument &operator<<(QDBusArgument &argument, const Alarm &alarm);
 const QDBusArgument &operator>>(const QDBusArgument &argument, Alarm &alarm);
 
-/// Makes the types above known to the bus library.
+/// Registers these types with QtDBus.
 void registerAlarmTypes();
 
 Q_DECLARE_METATYPE(Alarm)

@@ -10,7 +10,7 @@
 
 namespace {
 
-/// Largest cookie that leaves room for another one.
+/// The largest cookie that can be followed by another one.
 constexpr double largestCookie = std::numeric_limits<uint>::max() - 1.0;
 
 std::optional<AlarmAttributes> toAttributes(const QJsonValue &value)
@@ -64,7 +64,7 @@ QJsonObject toJson(uint cookie, const Alarm &alarm)
     QJsonObject attributes;
     for (auto it = alarm.attributes.cbegin(); it != alarm.attributes.cend(); ++it)
         attributes.insert(it.key(), it.value());
-    // A number of JSON does not hold every ticker.
+    // A number in JSON cannot hold every 64-bit ticker.
     return {{QStringLiteral("cookie"), static_cast<qint64>(cookie)},
             {QStringLiteral("flags"), static_cast<qint64>(alarm.flags)},
             {QStringLiteral("ticker"), QString::number(alarm.ticker)},

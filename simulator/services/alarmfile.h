@@ -12,14 +12,15 @@ class AlarmFile
 public:
     struct Content
     {
-        uint lastCookie = 0; ///< The largest that was ever given.
+        uint lastCookie = 0; ///< The largest one that was ever assigned.
         AlarmsByCookie alarms;
     };
 
     /// The file is "alarms.json" in \a folder; neither needs to exist.
     explicit AlarmFile(const QString &folder);
 
-    /// What was saved last; nothing if there is no such file, or none that can be read.
+    /// Returns the content that was saved last. It is empty if the file does not exist or cannot be
+    /// read.
     Content load() const;
 
     void save(const Content &content) const;

@@ -8,8 +8,8 @@
 #include <QDBusConnection>
 #include <QObject>
 
-/// One of the two sets of filter rules that device management keeps in the telephony stack. The
-/// scriptable members are its interface.
+/// One of the two sets of filter rules of the device management in the telephony stack. The
+/// scriptable members are its interface on the bus.
 class CallFilter : public QObject
 {
     Q_OBJECT
@@ -20,26 +20,26 @@ public:
 
     struct Content
     {
-        uint defaultAction = Allow; ///< For SIMs without a rule.
+        uint defaultAction = Allow; ///< The action for SIMs without a rule.
         FilterRules rules;
     };
 
     explicit CallFilter(Content content, QObject *parent = nullptr);
 
-    /// Takes its place on \a bus, at \a path.
+    /// Registers the object on \a bus at \a path.
     bool start(QDBusConnection bus, const QString &path);
 
     const Content &content() const { return m_content; }
 
-    /// Gives the SIM's rule another action, or adds a rule after the others.
+    /// Changes the rule of the SIM, or appends one.
     void setRule(const QString &imsi, uint action);
-    /// Removes each rule for a SIM. False if there is none.
+    /// Removes all rules of the SIM. Returns false if it has none.
     bool removeRule(const QString &imsi);
-    /// Replaces all of them.
+    /// Replaces all rules.
     void setRules(const FilterRules &rules);
     void setDefaultAction(uint action);
 
-    /// The version of the rules' form, which is 1; the default action; the rules.
+    /// Returns the version of the format, which is 1, the default action and the rules.
     Q_SCRIPTABLE uint GetAll(uint &defaultAction, FilterRules &rules) const;
 
 Q_SIGNALS:
@@ -50,7 +50,7 @@ Q_SIGNALS:
     Q_SCRIPTABLE void RulesChanged(const FilterRules &rules);
     Q_SCRIPTABLE void DefaultActionChanged(uint action);
 
-    /// Comes before the signal that tells others.
+    /// Emitted before the signal on the bus.
     void changed();
 
 private:

@@ -17,7 +17,7 @@ class CallHistory : public QObject
 public:
     explicit CallHistory(QObject *parent = nullptr);
 
-    /// Takes its name and place on \a bus.
+    /// Registers its object and its name on \a bus.
     bool start(QDBusConnection bus);
 
     Q_SCRIPTABLE void launch(const QStringList &arguments) { Q_EMIT launched(arguments); }

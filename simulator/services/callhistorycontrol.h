@@ -8,14 +8,14 @@
 
 class CallHistory;
 
-/// Tells a simulated handset what becomes of its call history.
+/// The interface through which the simulator follows the call history.
 class CallHistoryControl : public QDBusAbstractAdaptor
 {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "com.nimbo.simulator.CallHistory")
 
 public:
-    /// Stands beside the interface of \a history, which owns it.
+    /// An adaptor on the object of \a history, which owns it.
     explicit CallHistoryControl(CallHistory &history);
 
 Q_SIGNALS:

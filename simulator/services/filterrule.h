@@ -9,7 +9,7 @@
 
 class QDBusArgument;
 
-/// What becomes of the calls of one SIM. On the bus (su).
+/// The action for the calls of one SIM. Its D-Bus signature is (su).
 struct FilterRule
 {
     QString imsi; ///< The subscriber identity of the SIM.
@@ -21,13 +21,13 @@ struct FilterRule
     }
 };
 
-/// The first rule for a SIM is the one that counts. On the bus a(su).
+/// The first rule for a SIM counts. The D-Bus signature is a(su).
 using FilterRules = QList<FilterRule>;
 
 QDBusArgument &operator<<(QDBusArgument &argument, const FilterRule &rule);
 const QDBusArgument &operator>>(const QDBusArgument &argument, FilterRule &rule);
 
-/// Makes the types above known to the bus library.
+/// Registers these types with QtDBus.
 void registerFilterRuleTypes();
 
 Q_DECLARE_METATYPE(FilterRule)

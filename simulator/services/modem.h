@@ -13,32 +13,33 @@
 
 class SimManager;
 
-/// A modem of the telephony stack, as oFono's D-Bus API has it (org.ofono.Modem), with a SIM
-/// manager beside it. It starts with its power on. The scriptable members are its interface.
+/// A modem of the telephony stack as in oFono's D-Bus API (org.ofono.Modem), with a SIM manager. It
+/// is powered at first. The scriptable members are its interface.
 class Modem : public QObject, public QDBusContext
 {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.ofono.Modem")
 
 public:
-    /// \a path is its place on the bus; isPath() is true of it.
+    /// \a path is its object path, for which isPath() must be true.
     Modem(QString path, const Sim &sim, QObject *parent = nullptr);
 
-    /// Whether a modem can be at \a path: one element, as in "/ril_0".
+    /// Returns whether a modem can be at \a path, which has one element, as in "/ril_0".
     static bool isPath(const QString &path);
 
-    /// Takes its place on \a bus.
+    /// Registers the object on \a bus.
     bool start(QDBusConnection bus);
 
     bool isPowered() const { return m_powered; }
 
-    /// Tells others what becomes of its SIM.
+    /// Changes the SIM and emits the signals for it.
     void setSim(const Sim &sim);
-    /// The SIM goes and comes back, with its PIN to be entered.
+    /// Resets the SIM, which then waits for its PIN.
     void reset(const Sim &sim);
 
     Q_SCRIPTABLE QVariantMap GetProperties() const;
-    /// "Powered" and, when it is, "Online" can be set. The rest is refused as oFono does it.
+    /// "Powered" and, when it is, "Online" can be set. Other properties are refused as oFono
+    /// refuses them.
     Q_SCRIPTABLE void SetProperty(const QString &property, const QDBusVariant &value);
 
 Q_SIGNALS:
@@ -52,5 +53,5 @@ private:
     const QString m_path;
     bool m_powered = true;
     bool m_online = true;
-    SimManager *m_simManager; ///< A child.
+    SimManager *m_simManager; ///< A child object.
 };

@@ -7,7 +7,7 @@
 
 #include <QVector>
 
-/// On the bus a(susssasa{sv}i).
+/// The D-Bus signature is a(susssasa{sv}i).
 using NotificationList = QVector<NotificationData>;
 
 Q_DECLARE_METATYPE(NotificationList)

@@ -16,8 +16,8 @@
 
 namespace {
 
-/// A value that came within another and has not been read yet. Reading it as another type than it
-/// is would end the process.
+/// Reads a value inside another value. Its type is checked first, because reading it as another
+/// type would end the process.
 template <typename T>
 T read(const QVariant &value, const char *signature)
 {
@@ -27,7 +27,7 @@ T read(const QVariant &value, const char *signature)
     return argument.currentSignature() == QLatin1String(signature) ? qdbus_cast<T>(argument) : T();
 }
 
-/// Names and labels take turns in \a actions.
+/// \a actions has a name and a label in turn for each action.
 bool hasAction(const QStringList &actions, const QString &name)
 {
     for (int i = 0; i < actions.size(); i += 2) {

@@ -12,7 +12,7 @@
 
 /// The handset's notification service, "org.freedesktop.Notifications" on the session bus. The
 /// scriptable members are its interface, that of the Desktop Notifications Specification 1.2 with
-/// one method of the platform's. Notifications go with the process.
+/// one method of the platform. The notifications are lost when the process ends.
 class NotificationService : public QObject, public QDBusContext
 {
     Q_OBJECT
@@ -21,27 +21,28 @@ class NotificationService : public QObject, public QDBusContext
 public:
     explicit NotificationService(QObject *parent = nullptr);
 
-    /// Takes its name and place on \a bus, on which it makes the calls of remote actions as well.
+    /// Registers its object and its name on \a bus, on which it also makes the calls of remote
+    /// actions.
     bool start(const QDBusConnection &bus);
 
-    /// All that are shown, in the order of their ids.
+    /// Returns all notifications in the order of their ids.
     NotificationList notifications() const;
 
-    /// Whether a notification is shown and, if \a action is not empty, has that action.
+    /// Returns whether a notification is shown and, if \a action is not empty, has that action.
     bool has(uint id, const QString &action = {}) const;
-    /// The user chooses an action that the notification has: its remote call is made, and the
-    /// notification is closed.
+    /// Chooses an action of a notification as the user. This makes its remote call and closes the
+    /// notification.
     void choose(uint id, const QString &action);
-    /// The user closes a notification. False if it is not shown.
+    /// Closes a notification as the user. Returns false if it is not shown.
     bool dismiss(uint id);
 
-    /// Shows a notification; its id. That is \a replacesId if such a notification is shown, else
-    /// one that was never given before.
+    /// Shows a notification and returns its id. This is \a replacesId if such a notification is
+    /// shown, otherwise one that was never used before.
     Q_SCRIPTABLE uint Notify(const QString &appName, uint replacesId, const QString &appIcon,
                              const QString &summary, const QString &body,
                              const QStringList &actions, const QVariantMap &hints,
                              int expireTimeout);
-    /// Answers with an empty error if it is not shown.
+    /// Replies with an empty error if the notification is not shown.
     Q_SCRIPTABLE void CloseNotification(uint id);
     Q_SCRIPTABLE QStringList GetCapabilities() const;
     Q_SCRIPTABLE QString GetServerInformation(QString &vendor, QString &version,
@@ -52,7 +53,7 @@ Q_SIGNALS:
     Q_SCRIPTABLE void NotificationClosed(uint id, uint reason);
     Q_SCRIPTABLE void ActionInvoked(uint id, const QString &action);
 
-    /// Shown anew, or changed.
+    /// A notification is new or has changed.
     void shown(uint id, const QString &summary, const QString &body);
 
 protected:
@@ -64,7 +65,7 @@ private:
     struct Shown
     {
         NotificationData data;
-        int timer = 0; ///< 0 if it does not expire.
+        int timer = 0; ///< Its expiry; 0 if it does not expire.
     };
 
     bool close(uint id, Reason reason);

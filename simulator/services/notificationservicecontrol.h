@@ -7,26 +7,26 @@
 
 #include <QDBusAbstractAdaptor>
 
-/// What the user of a simulated handset can do with its notifications.
+/// The interface through which the simulator acts as the user on notifications.
 class NotificationServiceControl : public QDBusAbstractAdaptor
 {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "com.nimbo.simulator.NotificationService")
 
 public:
-    /// Stands beside the interface of \a service, which owns it.
+    /// An adaptor on the object of \a service, which owns it.
     explicit NotificationServiceControl(NotificationService &service);
 
 public Q_SLOTS:
-    /// All that are shown.
+    /// Returns all notifications.
     NotificationList List() const;
-    /// Chooses an action. An error if there is no such notification, or it has no such action.
+    /// Chooses an action. Replies with an error if there is no such notification or action.
     void Click(uint id, const QString &action);
-    /// Closes a notification. An error if there is no such notification.
+    /// Closes a notification. Replies with an error if there is no such notification.
     void Dismiss(uint id);
 
 Q_SIGNALS:
-    /// Shown anew, or changed.
+    /// A notification is new or has changed.
     void Shown(uint id, const QString &summary, const QString &body);
 
 private:

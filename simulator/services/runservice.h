@@ -5,9 +5,8 @@
 
 #include <QString>
 
-/// Runs a service of the handset in this process, until the process is ended, on the buses that its
-/// environment names. \a name is "time-daemon", "notification-service", "call-history" or
-/// "telephony", and \a stateFolder is where the service may keep things. Returns the exit status:
-/// EXIT_FAILURE, with a warning logged, if there is no such service or it did not get its place on
-/// the bus.
+/// Runs a service of the handset in this process on the buses of the environment, until the process
+/// ends. \a name is "time-daemon", "notification-service", "call-history" or "telephony". The
+/// service keeps its state in \a stateFolder. Returns the exit status, which is EXIT_FAILURE after
+/// a logged warning if there is no such service or its bus name is taken.
 int runService(const QString &name, const QString &stateFolder);

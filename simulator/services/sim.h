@@ -9,7 +9,7 @@
 
 class QDBusArgument;
 
-/// What is in a modem. On the bus (sb).
+/// The SIM in a modem. Its D-Bus signature is (sb).
 struct Sim
 {
     QString imsi; ///< Its subscriber identity (3GPP TS 23.003, 2.2); empty if there is no SIM.
@@ -19,16 +19,16 @@ struct Sim
     bool operator==(const Sim &other) const { return imsi == other.imsi && locked == other.locked; }
 };
 
-/// By the modem's path. On the bus a{s(sb)}.
+/// SIMs by the path of the modem. The D-Bus signature is a{s(sb)}.
 using SimsByModem = QMap<QString, Sim>;
 
-/// Whether \a text can be a subscriber identity: 1 to 15 digits (3GPP TS 23.003, 2.2).
+/// Returns whether \a text can be a subscriber identity: 1 to 15 digits (3GPP TS 23.003, 2.2).
 bool isImsi(const QString &text);
 
 QDBusArgument &operator<<(QDBusArgument &argument, const Sim &sim);
 const QDBusArgument &operator>>(const QDBusArgument &argument, Sim &sim);
 
-/// Makes the types above known to the bus library.
+/// Registers these types with QtDBus.
 void registerSimTypes();
 
 Q_DECLARE_METATYPE(Sim)

@@ -24,7 +24,7 @@ QVariantMap propertiesOf(const Sim &sim)
     if (sim.locked)
         return properties;
     properties.insert(QStringLiteral("SubscriberIdentity"), sim.imsi);
-    // A simulated network's code has two digits, where both codes fit in.
+    // The code of a simulated network has two digits if the IMSI is long enough.
     if (sim.imsi.size() >= 5) {
         properties.insert(QStringLiteral("MobileCountryCode"), sim.imsi.left(3));
         properties.insert(QStringLiteral("MobileNetworkCode"), sim.imsi.mid(3, 2));
@@ -32,7 +32,7 @@ QVariantMap propertiesOf(const Sim &sim)
     return properties;
 }
 
-/// The order in which they can be known.
+/// The order in which oFono can read them.
 const QStringList names{QStringLiteral("Present"),           QStringLiteral("CardIdentifier"),
                         QStringLiteral("PinRequired"),       QStringLiteral("SubscriberIdentity"),
                         QStringLiteral("MobileCountryCode"), QStringLiteral("MobileNetworkCode")};

@@ -11,18 +11,18 @@
 
 class Modem;
 
-/// The SIM of a modem, as oFono's D-Bus API has it: of a locked SIM, what can be read without its
-/// PIN, and of one that is absent only that. It is not there while the modem's power is off.
+/// The SIM of a modem as in oFono's D-Bus API. A locked SIM shows only what can be read without its
+/// PIN, and an absent one only that it is absent. The interface is missing while the modem is not powered.
 class SimManager : public QDBusAbstractAdaptor
 {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.ofono.SimManager")
 
 public:
-    /// Stands beside the interface of \a modem, which owns it.
+    /// An adaptor on the object of \a modem, which owns it.
     SimManager(Modem &modem, Sim sim);
 
-    /// Tells others of each property that is not what it was.
+    /// Emits PropertyChanged for each property that has changed.
     void setSim(const Sim &sim);
 
 public Q_SLOTS:

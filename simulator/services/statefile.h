@@ -10,24 +10,23 @@
 #include <limits>
 #include <optional>
 
-/// A file in which a service keeps what outlives its process.
+/// A file in which a service keeps its state.
 class StateFile
 {
 public:
-    /// The file is \a name in \a folder; neither needs to exist. \a what it holds, in the plural,
-    /// is for the log.
+    /// The file is \a name in \a folder; neither needs to exist. \a what is a plural for the log
+    /// that names what the file holds.
     StateFile(QString folder, const QString &name, QString what);
 
-    /// Gives what was saved last to \a read, which says whether it could be read; does nothing if
-    /// there is no such file. One that cannot be read is put aside under another name, and a
-    /// warning is logged.
+    /// Hands the content to \a read, which returns whether it is valid. A file that is not valid is
+    /// renamed, with a warning in the log. Does nothing if there is no file.
     void load(const std::function<bool(const QJsonObject &)> &read) const;
 
-    /// Writes it in one step: whenever this process ends, the file is the old or the new one. Logs
-    /// a warning if it cannot be written.
+    /// Replaces the file in one step, so that a crash leaves either the old or the new content.
+    /// Logs a warning if that fails.
     void save(const QJsonObject &content) const;
 
-    /// \a value, if it is a whole number from 0 to \a largest.
+    /// Returns \a value if it is a whole number from 0 to \a largest.
     static std::optional<uint> toUInt(const QJsonValue &value,
                                       double largest = std::numeric_limits<uint>::max());
 

@@ -11,34 +11,34 @@
 class CallFilter;
 class TelephonyStack;
 
-/// What the user of a simulated handset can do with its SIMs, and device management with the rules
-/// for them. Each method answers with an error that says what is wrong with its arguments.
+/// The interface through which the simulator acts as the user on SIMs, and as the device management
+/// on rules. A method whose arguments are wrong replies with an error that says why.
 ///
-/// A modem is named by its path, with or without the slash, and a filter "dial" or "incoming".
+/// A modem is given as its path, with or without the slash. A filter is "dial" or "incoming".
 class TelephonyControl : public QDBusAbstractAdaptor
 {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "com.nimbo.simulator.Telephony")
 
 public:
-    /// Stands beside the interface of \a stack, which owns it.
+    /// An adaptor on the object of \a stack, which owns it.
     explicit TelephonyControl(TelephonyStack &stack);
 
 public Q_SLOTS:
-    /// What is in each modem.
+    /// Returns the SIM of each modem.
     SimsByModem ListSims() const;
-    /// Puts a SIM into a modem, a new one if there is none of that name; with an empty name into
-    /// the first that has none. The modem's path.
+    /// Inserts a SIM into a modem, which is added if it does not exist. Without a modem, inserts it
+    /// into the first one that is empty. Returns the path of the modem.
     QString InsertSim(const QString &imsi, const QString &modem);
     void RemoveSim(const QString &modem);
-    /// Has the modem forget the PIN, as when it is reset.
+    /// Resets the modem, so that the SIM waits for its PIN.
     void LockSim(const QString &modem);
     /// Enters the PIN.
     void UnlockSim(const QString &modem);
-    /// The modem goes, and its SIM with it.
+    /// Removes the modem together with its SIM.
     void RemoveModem(const QString &modem);
 
-    /// Gives a SIM's rule another action, or adds a rule.
+    /// Changes the rule of a SIM, or adds one.
     void SetRule(const QString &filter, const QString &imsi, uint action);
     void RemoveRule(const QString &filter, const QString &imsi);
     /// Replaces all rules; a SIM may have several.

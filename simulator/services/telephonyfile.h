@@ -21,8 +21,8 @@ public:
     /// The file is "telephony.json" in \a folder; neither needs to exist.
     explicit TelephonyFile(const QString &folder);
 
-    /// What was saved last; two modems without a SIM, and no rules, if there is no such file, or
-    /// none that can be read.
+    /// Returns the content that was saved last. If the file does not exist or cannot be read, that
+    /// is two modems without a SIM, and no rule.
     Content load() const;
 
     void save(const Content &content) const;

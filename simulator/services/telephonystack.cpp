@@ -129,7 +129,7 @@ ModemEntries TelephonyStack::GetModems() const
     return entries;
 }
 
-/// What others are told has been kept before.
+/// Saves the state before others are told of it.
 void TelephonyStack::save() const
 {
     m_file.save({m_sims, m_dialFilter.content(), m_incomingFilter.content()});

@@ -17,52 +17,52 @@
 #include <map>
 #include <memory>
 
-/// One entry of the answer to GetModems. On the bus (oa{sv}).
+/// One entry of the answer to GetModems. Its D-Bus signature is (oa{sv}).
 struct ModemEntry
 {
     QDBusObjectPath path;
     QVariantMap properties;
 };
 
-/// On the bus a(oa{sv}).
+/// The D-Bus signature is a(oa{sv}).
 using ModemEntries = QList<ModemEntry>;
 
 QDBusArgument &operator<<(QDBusArgument &argument, const ModemEntry &entry);
 const QDBusArgument &operator>>(const QDBusArgument &argument, ModemEntry &entry);
 
-/// The handset's telephony stack, "org.ofono" on the system bus: modems with their SIMs, as oFono's
-/// D-Bus API has them, and the filters for the calls that the user dials and for those that come
-/// in. All of it outlives the process. The scriptable members are its interface org.ofono.Manager.
+/// The telephony stack of the handset, "org.ofono" on the system bus. It has modems with their SIMs
+/// as in oFono's D-Bus API, and the filters for outgoing and incoming calls. Its state is kept when
+/// the process ends. The scriptable members are its interface org.ofono.Manager.
 class TelephonyStack : public QObject, public QDBusContext
 {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.ofono.Manager")
 
 public:
-    /// As it was kept in \a stateFolder; changes are kept there, too.
+    /// Loads the state from \a stateFolder, and keeps changes there.
     explicit TelephonyStack(const QString &stateFolder, QObject *parent = nullptr);
     ~TelephonyStack() override;
 
-    /// Takes its name and places on \a bus.
+    /// Registers its objects and its name on \a bus.
     bool start(const QDBusConnection &bus);
 
-    /// What is in each modem.
+    /// Returns the SIM of each modem.
     const SimsByModem &sims() const { return m_sims; }
 
-    /// Adds one without a SIM. Modem::isPath() is true of \a path, and there is none yet.
+    /// Adds a modem without a SIM. Modem::isPath() must be true for \a path, which must be free.
     void addModem(const QString &path);
     void removeModem(const QString &path);
 
-    /// These take the path of a modem that there is.
+    /// The following take the path of a modem that exists.
     void insertSim(const QString &path, const QString &imsi);
     void removeSim(const QString &path);
     void lockSim(const QString &path);
     void unlockSim(const QString &path);
 
-    /// The filter that is called "dial" or "incoming"; null for any other name.
+    /// Returns the filter "dial" or "incoming", or null for any other name.
     CallFilter *filter(const QString &name);
 
-    /// All modems, in the order of their paths.
+    /// Returns all modems in the order of their paths.
     Q_SCRIPTABLE ModemEntries GetModems() const;
 
 Q_SIGNALS:

@@ -101,13 +101,13 @@ AttributesByCookie TimeDaemon::get_attributes_by_cookies(const QList<uint> &cook
     return attributes;
 }
 
-/// What others are told has been kept before.
+/// Saves the state before others are told of it.
 void TimeDaemon::alarmsChanged()
 {
     m_file.save(m_content);
-    // Behind the answer to the call that changed them: whoever replaced an alarm knows the new
-    // cookie before it hears that the old one has gone. Other calls may have come before: the list
-    // has what they added, too.
+    // Queued behind the reply to the call that changed them, so that a client that replaced an
+    // alarm knows the new cookie before it hears that the old one has gone. The list also has what
+    // other calls have added by then.
     QMetaObject::invokeMethod(
         this, [this] { Q_EMIT alarm_triggers_changed(triggers()); }, Qt::QueuedConnection);
     scheduleNext();

@@ -14,39 +14,39 @@
 #include <QObject>
 #include <QVariantMap>
 
-/// The handset's time daemon, "com.nimbo.timed" on the system bus: keeps alarms, and fires each at
-/// its time of the wall clock. They outlive the process. The scriptable members are its interface.
+/// The time daemon of the handset, "com.nimbo.timed" on the system bus. It keeps alarms, also after
+/// its process ends, and fires them by the wall clock. The scriptable members are its interface.
 class TimeDaemon : public QObject, public QDBusContext
 {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "com.nimbo.timed")
 
 public:
-    /// With the alarms that were kept in \a stateFolder; new ones are kept there, too.
+    /// Loads the alarms from \a stateFolder, and keeps changes there.
     explicit TimeDaemon(const QString &stateFolder, QObject *parent = nullptr);
 
-    /// Takes its name and place on \a bus. Alarms past due fire as soon as the event loop
-    /// runs.
+    /// Registers its object and its name on \a bus. Alarms that are past due fire when the event
+    /// loop runs.
     bool start(QDBusConnection bus);
 
     const AlarmsByCookie &alarms() const { return m_content.alarms; }
 
-    /// Fires an alarm ahead of its time. False if there is none with that cookie.
+    /// Fires an alarm ahead of its time. Returns false if no alarm has that cookie.
     bool fire(uint cookie);
 
-    /// Adds an alarm; its cookie. Cookies ascend, and none is given twice.
+    /// Adds an alarm and returns its cookie. Cookies ascend, and none is used twice.
     Q_SCRIPTABLE uint add_event(const Alarm &alarm);
-    /// As add_event(), in place of the alarm with \a cookie, which goes if it exists.
+    /// Adds an alarm as add_event() does, and removes the one with \a cookie if it exists.
     Q_SCRIPTABLE uint replace_event(const Alarm &alarm, uint cookie);
-    /// Whether there was such an alarm.
+    /// Removes an alarm. Returns whether there was one with that cookie.
     Q_SCRIPTABLE bool cancel(uint cookie);
-    /// The cookies, uint each, of the alarms that have each attribute in \a criteria, as that text.
+    /// Returns the cookies (uint) of the alarms that have all attributes of \a criteria as text.
     Q_SCRIPTABLE QVariantList query(const QVariantMap &criteria) const;
-    /// The attributes of those that exist.
+    /// Returns the attributes of the alarms that exist.
     Q_SCRIPTABLE AttributesByCookie get_attributes_by_cookies(const QList<uint> &cookies) const;
 
 Q_SIGNALS:
-    /// An alarm was added, cancelled or has fired: \a triggers are those still to fire.
+    /// An alarm was added, cancelled or has fired. \a triggers are the times of those that remain.
     Q_SCRIPTABLE void alarm_triggers_changed(const Maemo::Timed::Event::Triggers &triggers);
 
     void added(uint cookie);

@@ -9,20 +9,20 @@
 
 class TimeDaemon;
 
-/// What a simulated handset can do with its time daemon beyond what the daemon offers to others.
+/// The interface through which the simulator controls the time daemon.
 class TimeDaemonControl : public QDBusAbstractAdaptor
 {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "com.nimbo.simulator.TimeDaemon")
 
 public:
-    /// Stands beside the interface of \a daemon, which owns it.
+    /// An adaptor on the object of \a daemon, which owns it.
     explicit TimeDaemonControl(TimeDaemon &daemon);
 
 public Q_SLOTS:
-    /// All alarms.
+    /// Returns all alarms.
     AlarmsByCookie List() const;
-    /// Fires an alarm ahead of its time. An error if there is none with that cookie.
+    /// Fires an alarm ahead of its time. Replies with an error if no alarm has that cookie.
     void Fire(uint cookie);
 
 Q_SIGNALS:

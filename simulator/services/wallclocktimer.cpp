@@ -28,7 +28,7 @@ WallClockTimer::~WallClockTimer()
 void WallClockTimer::start(qint64 seconds)
 {
     itimerspec when = {};
-    when.it_value.tv_sec = std::max<qint64>(seconds, 1); // 0 would stop it
+    when.it_value.tv_sec = std::max<qint64>(seconds, 1); // 0 would stop the timer.
     timerfd_settime(m_descriptor, TFD_TIMER_ABSTIME | TFD_TIMER_CANCEL_ON_SET, &when, nullptr);
 }
 

@@ -5,7 +5,7 @@
 
 #include <QObject>
 
-/// Goes off at a time of the wall clock, also where the clock is set before that.
+/// A timer for a time of the wall clock, which follows changes of the clock.
 class WallClockTimer : public QObject
 {
     Q_OBJECT
@@ -14,14 +14,13 @@ public:
     explicit WallClockTimer(QObject *parent = nullptr);
     ~WallClockTimer() override;
 
-    /// To go off at \a seconds since 1970-01-01 00:00 UTC, instead of any time before. A time in
-    /// the past is now.
+    /// Sets the time in \a seconds since 1970-01-01 00:00 UTC. A time in the past means now.
     void start(qint64 seconds);
     void stop();
 
 Q_SIGNALS:
-    /// The time has come, or the clock was set and the time may have come. The timer may need to be
-    /// started again.
+    /// The time has come, or the clock was set and the time may have come. In the second case,
+    /// start the timer again.
     void wentOff();
 
 private:

@@ -16,7 +16,7 @@ namespace {
 
 constexpr int patience = 30000;
 
-/// Qt's remark where a scroll bar goes that was just about to fade. Nothing follows from it.
+/// Qt logs this if a scroll bar is destroyed while it fades. It has no effect.
 const QString scrollBarWentAway =
     u"warning: QUnifiedTimer::stopAnimationDriver: driver is not running"_s;
 
@@ -40,13 +40,14 @@ void PanelUnderTest::init()
     m_log = std::make_unique<MessageLog>();
     m_folder = std::make_unique<QTemporaryDir>(m_tempPath + u"/tst_panel-XXXXXX"_s);
     QVERIFY(m_folder->isValid());
-    QFile::setPermissions(m_folder->path(), QFile::Permissions(0x7111)); // another user calls, too
+    QFile::setPermissions(m_folder->path(),
+                          QFile::Permissions(0x7111)); // Another user calls as well.
     qputenv("TMPDIR", m_folder->path().toUtf8());
     m_lines.clear();
     m_commands.clear();
 }
 
-/// Whatever was done, QML had nothing to complain about, and nothing is left.
+/// QML has logged no warning, and no process and no file is left.
 void PanelUnderTest::cleanup()
 {
     m_handset.reset();
@@ -127,7 +128,7 @@ bool PanelUnderTest::isLit(const QString &name) const
     return found && found->property("highlighted").toBool();
 }
 
-/// An empty line is a remark: it is printed when the command before it is through.
+/// A remark is printed when the command before it has ended.
 bool PanelUnderTest::runsToTheEnd(const QString &line)
 {
     const auto remark = u"# after %1"_s.arg(m_lines.size());

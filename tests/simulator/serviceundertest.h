@@ -13,8 +13,8 @@
 
 #include <memory>
 
-/// One service of the simulated handset as a process, on buses of its own. Its program is the one
-/// that PARLEY_HANDSET names.
+/// Runs one service of the simulated handset as a process with private buses. PARLEY_HANDSET names
+/// its program.
 class ServiceUnderTest : public QObject
 {
     Q_OBJECT
@@ -24,48 +24,48 @@ public:
 
     struct Place
     {
-        QString name; ///< As the program takes it.
+        QString name; ///< The name for the program.
         Bus bus;
         QString service;
         QString path;
-        QStringList heard; ///< Its signals, each with its interface before it: "interface.Member".
+        QStringList heard; ///< The signals to receive, as "interface.Member".
     };
 
     explicit ServiceUnderTest(Place place);
     ~ServiceUnderTest() override;
 
-    /// Starts it and waits until it is on its bus.
+    /// Starts the service and waits until it is on its bus.
     bool start();
-    /// Sends it a signal and waits for its end.
+    /// Sends a signal to the process and waits for its end.
     bool end(int signal);
     bool isRunning() const { return m_process && m_process->state() != QProcess::NotRunning; }
 
-    /// A connection of this process to the service's bus.
+    /// Returns a connection of this process to the bus of the service.
     QDBusConnection bus() const { return m_bus; }
-    /// Given to it as the folder to keep things in. It does not exist before somebody makes it.
+    /// Returns the folder for the state of the service. It does not exist at first.
     QString stateFolder() const { return m_folder.filePath(QStringLiteral("state")); }
     bool writeState(const QString &name, const QByteArray &content) const;
 
-    /// Calls a method of the service and waits for the answer.
+    /// Calls a method of the service and waits for the reply.
     QDBusMessage call(const QString &interface, const QString &method,
                       const QVariantList &arguments = {}) const;
-    /// The same at another of its paths.
+    /// The same for another object path.
     QDBusMessage callAt(const QString &path, const QString &interface, const QString &method,
                         const QVariantList &arguments = {}) const;
-    /// What busctl prints, with single blanks, for "busctl VERB SERVICE PATH ARGUMENT...".
+    /// Returns what "busctl VERB SERVICE PATH ARGUMENT..." prints, with single blanks.
     QStringList busctl(const QString &verb, const QStringList &arguments) const;
-    /// The same at another of its paths.
+    /// The same for another object path.
     QStringList busctlAt(const QString &path, const QString &verb,
                          const QStringList &arguments) const;
 
-    /// Waits for the next signal of that name; its arguments. Nothing if it does not come.
+    /// Waits for the next signal of that name. Returns its arguments, or none if it does not come.
     QDBusMessage nextSignal(const QString &member);
-    /// The signals received and not taken yet.
+    /// Returns the signals that were received and not taken.
     QStringList pendingSignals() const;
 
-    /// Waits for a line of its log that has \a part in it, and claims that line.
+    /// Waits for a line of the log that contains \a part, and takes it.
     bool logs(const QString &part);
-    /// What it has logged and nobody claimed.
+    /// Takes the lines of the log that were not taken so far.
     QStringList takeLog();
 
 private Q_SLOTS:

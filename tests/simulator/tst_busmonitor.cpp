@@ -309,7 +309,7 @@ void TestBusMonitor::cutsALongMessage()
     QCOMPARE(find(BusMessage::Type::Signal, u"Short"_s)->values, u"\"x\""_s);
 }
 
-/// Each message is seen, in order, and nothing of it is kept.
+/// All messages of a flood are seen in order.
 void TestBusMonitor::seesEveryMessageOfAFlood()
 {
     constexpr int count = 20000;
@@ -337,7 +337,7 @@ void TestBusMonitor::keepsNoDescriptor()
     emitSignal(u"Last"_s, {});
     QTRY_VERIFY(find(BusMessage::Type::Signal, u"Last"_s));
     QCOMPARE(find(BusMessage::Type::Signal, u"Descriptors"_s)->values, u"fd, fd"_s);
-    QTRY_COMPARE(openDescriptors(), before); // those on their way out go as they are sent
+    QTRY_COMPARE(openDescriptors(), before); // The sender closes its own when they are sent.
 }
 
 void TestBusMonitor::saysThatItHasEnded()
@@ -356,7 +356,7 @@ void TestBusMonitor::saysThatItCannotStart()
     QVERIFY2(monitor.error().contains(u"/nonexistent"_s), qUtf8Printable(monitor.error()));
 }
 
-/// This process is the call UI; dbus-send is another.
+/// In this test, this process is the call UI, and dbus-send is another process.
 void TestBusMonitor::tellsTheUiFromOthers()
 {
     ScriptedService ui(m_bus->address(), u"com.example.Ui"_s, u"/"_s);
@@ -382,7 +382,7 @@ void TestBusMonitor::tellsTheUiFromOthers()
     QTRY_COMPARE(seen, (QStringList{u"hello to the UI"_s, u" from the UI"_s}));
 }
 
-/// gdbus is the call UI; this process has had a name before anybody watched.
+/// In this test, gdbus is the call UI, and this process has owned a name before the bus is watched.
 void TestBusMonitor::knowsOlderNames()
 {
     QVERIFY(m_connection->registerService(u"com.example.Old"_s));

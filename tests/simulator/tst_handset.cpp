@@ -28,7 +28,7 @@
 
 namespace {
 
-/// The processes that carry \a mark in their environment: what a handset has started, and itself.
+/// Returns the processes that have \a mark in their environment: the handset and its children.
 QList<pid_t> processesMarked(const QByteArray &mark)
 {
     QList<pid_t> found;
@@ -48,7 +48,7 @@ QByteArray commandOf(pid_t process)
     return line.open(QIODevice::ReadOnly) ? line.readAll() : QByteArray();
 }
 
-/// The value of a variable in the environment that \a process was started with.
+/// Returns the value of a variable in the environment with which \a process was started.
 QString environmentOf(pid_t process, const QByteArray &variable)
 {
     QFile file(u"/proc/%1/environ"_s.arg(process));
@@ -139,7 +139,8 @@ void TestHandset::init()
 {
     m_folder = std::make_unique<QTemporaryDir>();
     QVERIFY(m_folder->isValid());
-    QFile::setPermissions(m_folder->path(), QFile::Permissions(0x7111)); // another user calls, too
+    QFile::setPermissions(m_folder->path(),
+                          QFile::Permissions(0x7111)); // Another user calls as well.
     m_output.clear();
     m_mark = "PARLEY_TEST_MARK=" + m_folder->path().toUtf8();
 
@@ -154,7 +155,7 @@ void TestHandset::init()
     m_handset->setProcessChannelMode(QProcess::MergedChannels);
 }
 
-/// However it went, nothing is left: no process, no file.
+/// No process and no file is left, whether the test has passed or not.
 void TestHandset::cleanup()
 {
     if (m_handset->state() != QProcess::NotRunning) {
@@ -176,7 +177,7 @@ void TestHandset::start(const QStringList &arguments)
     QVERIFY(m_handset->waitForStarted());
 }
 
-/// Waits for a line that reads \a pattern.
+/// Waits for a line that matches \a pattern.
 bool TestHandset::says(const QString &pattern)
 {
     const QRegularExpression line(u"^ *"_s + pattern + u"$"_s, QRegularExpression::MultilineOption);
@@ -199,7 +200,7 @@ QString TestHandset::writeScript(const QByteArray &commands)
         : QString();
 }
 
-/// Of the handset's environment.
+/// Sets a variable in the environment of the handset.
 void TestHandset::setVariable(const QString &name, const QString &value)
 {
     QProcessEnvironment environment = m_handset->processEnvironment();
@@ -207,7 +208,7 @@ void TestHandset::setVariable(const QString &name, const QString &value)
     m_handset->setProcessEnvironment(environment);
 }
 
-/// The process that was started with \a command, a part of its command line; 0 if there is none.
+/// Returns the process whose command line has \a command in it, or 0.
 pid_t TestHandset::processNamed(const QByteArray &command)
 {
     const QList<pid_t> processes = processesMarked(m_mark);
@@ -218,7 +219,7 @@ pid_t TestHandset::processNamed(const QByteArray &command)
     return 0;
 }
 
-/// The process itself, within the sandbox.
+/// Kills the process itself, which runs within the sandbox.
 void TestHandset::killTheUi()
 {
     const QList<pid_t> processes = processesMarked(m_mark);
@@ -261,7 +262,7 @@ void TestHandset::runsCommandsFromStandardInput()
     QVERIFY(says(u"failed: there is no command \"bogus\"; help lists them"_s));
     QVERIFY(says(u"reply: true \\(\\d+\\.\\d ms\\)"_s));
     QVERIFY(says(u"ui: screen: calling 5551234"_s));
-    m_handset->write("toggle"); // a last line without an end
+    m_handset->write("toggle"); // The last line has no newline.
     m_handset->closeWriteChannel();
     QVERIFY(ends(0));
     QVERIFY(says(u"> toggle"_s));
@@ -286,7 +287,7 @@ void TestHandset::runsAScript()
 
 void TestHandset::controlsTheServices()
 {
-    // Screens without reminders of their own: the call UI leaves the services alone.
+    // These screens have no reminders, so the call UI does not use the services.
     QFile screens(m_folder->filePath(u"screens.qml"_s));
     QVERIFY(screens.open(QIODevice::WriteOnly));
     screens.write(
@@ -422,8 +423,8 @@ void TestHandset::saysWhyTheTelephonyRefuses()
     }
     QCOMPARE(m_output.count(u"  failed: "_s), static_cast<int>(std::size(refusals)));
     QCOMPARE(m_output.count(u"default: allow"_s), 2);
-    QCOMPARE(m_output.count(u" rule for "_s),
-             2); // of the command without one, and of what is expected
+    // A complaint says that there is no such rule, and its expectation says so again.
+    QCOMPARE(m_output.count(u" rule for "_s), 2);
 }
 
 void TestHandset::keepsAlarmsInAFolder()
@@ -498,7 +499,7 @@ void TestHandset::failsWhereAnAnswerIsOfAnotherForm()
         m_handset->write(answer.command + '\n');
         QDBusMessage call = other.next();
         while (call.type() == QDBusMessage::MethodCallMessage && call.member() != answer.method)
-            call = other.next(); // the call UI has questions of its own
+            call = other.next(); // The call UI asks as well.
         QCOMPARE(call.member(), answer.method);
         other.reply(call, {QVariant(QVariantList{QStringList(u"x"_s)})});
         QVERIFY2(says(u"failed: the answer is of the form \"av\", not \"%1\""_s.arg(
@@ -530,7 +531,7 @@ void TestHandset::keepsAJournal()
                "expect *:*:*.* session -> dial(\"5551234\") = true, *.* ms\n"
                "open remind:5550100?seconds=1000\n"
                "expect screen: contact 5550100 (reminder)\nexpect 1 shown: *\n"
-               "alarms\nnotifications\n" // answered after what was asked before
+               "alarms\nnotifications\n" // The replies to earlier calls come first.
                "journal 100\n"
                "expect * session -> openUrl([\"remind:5550100?seconds=1000\"]) = done, * ms\n"
                "expect * system <- add_event((*\"phoneNumber\": \"5550100\"*)) at * = 1, * ms\n"
@@ -553,7 +554,7 @@ void TestHandset::tellsARefusalInTheJournal()
     if (geteuid() != 0)
         QSKIP("only root can act as another user");
     start({u"--script"_s,
-           writeScript("toggle-as 65534 65534\njournal 100\n" // the UI goes on starting
+           writeScript("toggle-as 65534 65534\njournal 100\n" // The call UI is still starting.
                        "expect * session -> toggleCall() = "
                        "org.freedesktop.DBus.Error.AccessDenied: PID * is not in privileged "
                        "group, * ms\n")});
@@ -596,13 +597,13 @@ void TestHandset::opensAPanelWhereThereIsADisplay_data()
     QTest::newRow("SIGINT after the UI was killed") << true << SIGINT;
 }
 
-/// It shows the phone, and goes on without standard input.
+/// With a display, the handset shows the call UI and does not end with standard input.
 void TestHandset::opensAPanelWhereThereIsADisplay()
 {
     QFETCH(bool, killsTheUi);
     QFETCH(int, signal);
 
-    const QTemporaryDir runtimeFolder; // as a display comes with one
+    const QTemporaryDir runtimeFolder; // A session with a display has one.
     setVariable(u"XDG_RUNTIME_DIR"_s, runtimeFolder.path());
     setVariable(u"LSAN_OPTIONS"_s, QStringLiteral(PARLEY_OFFSCREEN_LEAKS));
     setVariable(u"QT_QPA_PLATFORM"_s, u"offscreen"_s);
@@ -650,14 +651,14 @@ void TestHandset::startsTheUiAgainWhenAScreenChanges()
     QVERIFY(write(u"deeper/Part.qml"_s,
                   "import QtQml 2.15\nQtObject { Component.onCompleted: console.info('two') }\n"));
     QVERIFY2(says(u"ui: two"_s), qUtf8Printable(m_output));
-    // Once more: what has taken the place of a watched file is watched.
+    // Again, because the file that replaced a watched file must be watched, too.
     QVERIFY(
         write(u"deeper/Part.qml"_s,
               "import QtQml 2.15\nQtObject { Component.onCompleted: console.info('three') }\n"));
     QVERIFY2(says(u"ui: three"_s), qUtf8Printable(m_output));
     QTRY_COMPARE_WITH_TIMEOUT(m_output.count(u"reply: The call UI is on the bus"_s), 2, 30000);
 
-    // Files that come and go, in a folder that was not there at the start.
+    // Add and remove files in a folder that did not exist at the start.
     QVERIFY(folder.mkpath(u"new"_s));
     QVERIFY(write(u"new/More.js"_s, "var more = 1;\n"));
     QTRY_COMPARE_WITH_TIMEOUT(m_output.count(u"reply: The call UI is on the bus"_s), 3, 30000);
@@ -670,7 +671,7 @@ void TestHandset::startsTheUiAgainWhenAScreenChanges()
     QVERIFY2(succeeded, qUtf8Printable(m_output));
 }
 
-/// It does not come up, and does once the error is mended.
+/// The call UI does not start, and does when the error is corrected.
 void TestHandset::goesOnWithAScreenThatHasAnError()
 {
     QDir folder(m_folder->filePath(u"screens"_s));
@@ -705,7 +706,7 @@ void TestHandset::showsAndWritesQuickReplies()
     QVERIFY2(ends(0), qUtf8Printable(m_output));
 }
 
-/// The editor here is a program that copies the file to where the test sees it.
+/// The editor in this test is a program that copies the file to the folder of the test.
 void TestHandset::opensQuickRepliesInAnEditor()
 {
     setVariable(u"VISUAL"_s, u"cp -t %1"_s.arg(m_folder->path()));
@@ -897,7 +898,7 @@ void TestHandset::leavesNoFrozenServiceWhenItIsKilled()
     hasLeftAFolderOnly();
 }
 
-/// Its folder is all that nobody was left to remove.
+/// Only the folder is left, because no process was left to remove it.
 void TestHandset::hasLeftAFolderOnly()
 {
     QVERIFY(m_handset->waitForFinished());

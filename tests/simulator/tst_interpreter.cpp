@@ -43,14 +43,14 @@ private Q_SLOTS:
 
 private:
     void make(Interpreter::AtFailure atFailure = Interpreter::AtFailure::GoOn);
-    /// Runs \a lines to the end; whether it succeeded.
+    /// Runs \a lines to the end. Returns whether the run succeeded.
     bool run(const QStringList &lines);
 
     std::unique_ptr<MessageLog> m_log;
     std::unique_ptr<Transcript> m_transcript;
     std::unique_ptr<Interpreter> m_interpreter;
     QVector<QStringList> m_called;
-    Finish m_finish; ///< Of the command that is under way.
+    Finish m_finish; ///< Ends the command that is under way.
 };
 
 void TestInterpreter::init()

@@ -56,7 +56,7 @@ BusMessage call(const QString &sender, const QString &destination, const QString
     return message;
 }
 
-/// A reply, \a microseconds after the call.
+/// Returns a reply that comes \a microseconds after the call.
 BusMessage reply(Type type, const QString &destination, quint32 cookie, qint64 microseconds,
                  const QStringList &strings = {})
 {
@@ -76,7 +76,7 @@ BusMessage ownerChanged(const QString &name, const QString &before, const QStrin
     return message;
 }
 
-/// What a command says when it is through.
+/// Runs a command and returns its result.
 QString resultOf(Journal &journal, const QString &name, const QStringList &arguments)
 {
     QString result = u"not through"_s;
@@ -155,7 +155,7 @@ QVariant TestJournal::value(int row, Journal::Role role) const
     return m_journal->data(m_journal->index(row), role);
 }
 
-/// Without the time.
+/// Returns the lines of the journal without the time.
 QStringList TestJournal::lines() const
 {
     QStringList lines;
@@ -225,7 +225,8 @@ void TestJournal::showsACallWithoutAReply()
     message.wantsReply = false;
     message.interface.clear();
     m_journal->add(session, message, false, other);
-    m_journal->add(session, reply(Type::Return, ui, 1, 1), true, other); // of somebody unasked
+    m_journal->add(session, reply(Type::Return, ui, 1, 1), true,
+                   other); // This is a reply to no call.
     QCOMPARE(value(0, Journal::InterfaceRole), QString());
     QCOMPARE(value(0, Journal::MemberRole), u"tell"_s);
     QCOMPARE(value(0, Journal::OutcomeRole), u"no reply wanted"_s);
@@ -233,7 +234,7 @@ void TestJournal::showsACallWithoutAReply()
     QCOMPARE(lines(), QStringList(u"session <- tell(), no reply wanted"_s));
 }
 
-/// Connections count for themselves, and so do buses.
+/// Cookies are unique only within a connection, and connections only within a bus.
 void TestJournal::pairsEachReplyWithItsCall()
 {
     m_journal->add(session, call(other, ui, u"first"_s, 1), true, other);
@@ -287,14 +288,14 @@ void TestJournal::tellsOfEveryChange()
 
 void TestJournal::keepsTheLastThousand()
 {
-    m_tester.reset(); // takes its time for each change
+    m_tester.reset(); // It takes long for each change.
     for (quint32 i = 0; i < 10000; ++i)
         m_journal->add(session, call(other, ui, u"ask"_s + QString::number(i), i + 1), true, other);
     QCOMPARE(m_journal->rowCount(), 1000);
     QCOMPARE(value(0, Journal::MemberRole), u"ask9000"_s);
     QCOMPARE(value(999, Journal::MemberRole), u"ask9999"_s);
 
-    // Every call is answered: those that are gone leave nothing, the others get their own answer.
+    // All calls are answered. Those of removed entries are ignored.
     for (quint32 i = 0; i < 10000; ++i)
         m_journal->add(session, reply(Type::Return, other, i + 1, 1000, {QString::number(i)}),
                        false, other);
@@ -366,7 +367,7 @@ void TestJournal::startTraffic(const QMap<QString, QString> &owners)
     m_traffic->start(owners, owners.values());
 }
 
-/// Questions are kept in m_questions.
+/// The questions are kept in m_questions.
 void TestJournal::makeTraffic()
 {
     m_questions.clear();
@@ -495,7 +496,7 @@ void TestJournal::followsNames()
                           u"three -> com.example.New"_s, u"four <- com.example.New"_s}));
 }
 
-/// Names that were taken before, and by whom.
+/// Names that were owned before are known with their owners.
 void TestJournal::waitsForTheFirstNames()
 {
     makeTraffic();

@@ -18,7 +18,7 @@ namespace {
 const QString interface = u"org.freedesktop.Notifications"_s;
 const QString control = u"com.nimbo.simulator.NotificationService"_s;
 
-/// Answers any call, and keeps them.
+/// Replies to all calls and keeps them.
 class Target : public QDBusVirtualObject
 {
 public:
@@ -91,7 +91,7 @@ void TestNotificationService::init()
     QVERIFY(m_service->start());
 }
 
-/// It is still there, and said nothing that was not expected.
+/// The service still runs and has logged nothing unexpected.
 void TestNotificationService::cleanup()
 {
     QVERIFY(m_service->isRunning());
@@ -106,7 +106,7 @@ QDBusMessage TestNotificationService::call(const QString &method,
     return m_service->call(interface, method, arguments);
 }
 
-/// The id of a notification; 0 if the answer is none.
+/// Shows a notification. Returns its id, or 0 if the call fails.
 uint TestNotificationService::show(uint replaced, const QStringList &actions,
                                    const QVariantMap &hints, int expireTimeout) const
 {
@@ -319,7 +319,7 @@ void TestNotificationService::runsARemoteAction()
          QVariantList{QStringList({u"a"_s, u"b"_s}), 7U, QVariantMap{{u"key"_s, 5}}, u"text"_s}}};
     show(0, {u"default"_s, u"Open"_s, u"app"_s, u"App"_s},
          {{u"x-nimbo-remote-action-app"_s, remote}});
-    // Listing them does not use up what they hold.
+    // A second list has the same content.
     QCOMPARE(ids(), QList<uint>{1});
     QCOMPARE(m_service->call(control, u"Click"_s, {1U, u"app"_s}).type(),
              QDBusMessage::ReplyMessage);
@@ -389,7 +389,7 @@ void TestNotificationService::survivesABrokenRemoteAction()
     m_service->call(control, u"Click"_s, {1U, u"default"_s});
     QCOMPARE(m_service->nextSignal(u"NotificationClosed"_s).arguments(), QVariantList({1U, 2U}));
     QVERIFY(m_service->logs(u"The action \"default\" of notification 1 failed: "_s));
-    m_service->takeLog(); // of some of them the bus library has complained before
+    m_service->takeLog(); // QtDBus warns of some of them.
 }
 
 QTEST_GUILESS_MAIN(TestNotificationService)

@@ -158,7 +158,7 @@ void TestPanel::showsNotifications()
     click(u"click 2 app"_s, u"click 2 app"_s);
     QVERIFY(m_lines.contains(u"notifications: 2 chosen: app"_s));
     QTRY_VERIFY(!isShown(u"click 2"_s));
-    QCOMPARE(item(u"dismiss 3"_s), lastButton); // whoever is pressing it, still is
+    QCOMPARE(item(u"dismiss 3"_s), lastButton); // It can still be pressed.
     click(u"dismiss 3"_s, u"dismiss 3"_s);
     QTRY_VERIFY(!isShown(u"dismiss 3"_s));
 }
@@ -316,7 +316,7 @@ void TestPanel::givesAScriptThatCanBeReplayed()
     QVERIFY(file.remove());
 }
 
-/// Tab goes around all that can be clicked, and a key clicks it.
+/// Tab reaches everything that can be clicked, and a key clicks it.
 void TestPanel::reachesEverythingWithTheKeyboard()
 {
     QVERIFY(startWith(screens));
@@ -332,7 +332,7 @@ void TestPanel::reachesEverythingWithTheKeyboard()
         QVERIFY(window->activeFocusItem());
         const QQuickItem *one = window->activeFocusItem();
         while (one->objectName().isEmpty() && one->parentItem())
-            one = one->parentItem(); // a list's entry
+            one = one->parentItem(); // The entry of a list.
         const QString name = one->objectName();
         if (reached.contains(name) && reached.constFirst() == name)
             break;
@@ -362,7 +362,7 @@ void TestPanel::reachesEverythingWithTheKeyboard()
     QVERIFY(runsToTheEnd(u"show"_s));
 }
 
-/// What has the keyboard is within the window, however small that is.
+/// The item with the keyboard focus is visible even if the window is small.
 void TestPanel::fitsASmallWindow()
 {
     QVERIFY(startWith(screens));

@@ -28,7 +28,7 @@ const QString filterInterface = u"org.cobalt.ofono.mdm.ParleyFilter"_s;
 const QString imsi = u"262011234567890"_s;
 const QString card = u"8900262011234567890"_s;
 
-/// What GetAll of a filter answers.
+/// The reply of GetAll of a filter.
 struct Rules
 {
     QString signature;
@@ -73,7 +73,7 @@ const QVariantMap readableSim{{u"Present"_s, true},
 const QVariantMap lockedSim{
     {u"Present"_s, true}, {u"CardIdentifier"_s, card}, {u"PinRequired"_s, u"pin"_s}};
 
-/// The value of an argument of a signal.
+/// Returns the value of an argument of a signal.
 QString describe(const QVariant &value)
 {
     if (value.userType() == qMetaTypeId<QDBusVariant>())
@@ -168,13 +168,13 @@ void TestTelephony::init()
     m_stack = std::make_unique<ServiceUnderTest>(ServiceUnderTest::Place{
         u"telephony"_s, ServiceUnderTest::Bus::System, u"org.ofono"_s, u"/"_s, {}});
     QVERIFY(m_stack->start());
-    // Whatever signal there is on these interfaces, at whatever path.
+    // This gets all signals of these interfaces from all paths.
     for (const QString &interface : {control, manager, modemInterface, simManager, filterInterface})
         QVERIFY(m_stack->bus().connect(u"org.ofono"_s, QString(), interface, QString(), this,
                                        SLOT(received(QDBusMessage))));
 }
 
-/// It is still there, and said nothing that was not expected.
+/// The service still runs and has logged nothing unexpected.
 void TestTelephony::cleanup()
 {
     QVERIFY(m_stack->isRunning());
@@ -194,7 +194,7 @@ void TestTelephony::received(const QDBusMessage &message)
     m_heard.append(words.join(u' '));
 }
 
-/// Whether a method of the control answers, and with no error.
+/// Calls a method of the control. Returns whether it succeeds.
 bool TestTelephony::does(const QString &method, const QVariantList &arguments) const
 {
     const QDBusMessage reply = m_stack->call(control, method, arguments);
@@ -203,8 +203,8 @@ bool TestTelephony::does(const QString &method, const QVariantList &arguments) c
     return reply.type() == QDBusMessage::ReplyMessage;
 }
 
-/// The signals since the last time. Those that were sent before an answer that has been received
-/// are waiting to be delivered.
+/// Returns the signals since the last call. Signals that were sent before a reply that has been
+/// received have arrived and only have to be delivered.
 QStringList TestTelephony::heard()
 {
     QCoreApplication::processEvents();
@@ -484,7 +484,7 @@ void TestTelephony::switchesAModem()
              QStringList(u"org.freedesktop.DBus.Error.UnknownMethod"_s));
     QCOMPARE(set(u"Online"_s, true), u"org.ofono.Error.NotAvailable"_s);
 
-    // Nobody sees the SIM go.
+    // No signal tells that the SIM is absent.
     QVERIFY(does(u"RemoveSim"_s, {u"/ril_0"_s}));
     QVERIFY(does(u"InsertSim"_s, {imsi, u"/ril_0"_s}));
     QCOMPARE(heard(),
@@ -558,7 +558,7 @@ void TestTelephony::changesRules()
     QCOMPARE(rules(other), rulesWith(2));
 
     QVERIFY(does(u"SetRule"_s, {filter, u"26202"_s, 3U}));
-    QVERIFY(does(u"SetRule"_s, {filter, u"26202"_s, 3U})); // it is so already
+    QVERIFY(does(u"SetRule"_s, {filter, u"26202"_s, 3U})); // This changes nothing.
     QCOMPARE(heard(),
              QStringList({filterSays + u"RuleChanged 26202 3"_s,
                           controlSays + u"RuleSet "_s + filter + u" 26202 3"_s,
@@ -581,7 +581,7 @@ void TestTelephony::replacesRules()
     const FilterRules several{{u"2"_s, 1}, {u"1"_s, 2}, {u"2"_s, 3}};
     const QVariant value = QVariant::fromValue(several);
     QVERIFY(does(u"SetRules"_s, {u"incoming"_s, value}));
-    QVERIFY(does(u"SetRules"_s, {u"incoming"_s, value})); // it is so already
+    QVERIFY(does(u"SetRules"_s, {u"incoming"_s, value})); // This changes nothing.
     QCOMPARE(heard(),
              QStringList({u"/mdm/parleyfilter/incoming ParleyFilter.RulesChanged [2=1,1=2,2=3]"_s,
                           u"/ Telephony.RulesSet incoming [2=1,1=2,2=3]"_s,
@@ -589,7 +589,7 @@ void TestTelephony::replacesRules()
     QCOMPARE(rules(u"incoming"_s), rulesWith(2, several));
     QCOMPARE(rules(u"dial"_s), rulesWith(2));
 
-    // The first one counts; none is left when they are removed.
+    // The first rule counts. Removing the rules removes all of them.
     QVERIFY(does(u"SetRule"_s, {u"incoming"_s, u"2"_s, 7U}));
     QCOMPARE(rules(u"incoming"_s), rulesWith(2, {{u"2"_s, 7}, {u"1"_s, 2}, {u"2"_s, 3}}));
     QVERIFY(does(u"RemoveRule"_s, {u"incoming"_s, u"2"_s}));
@@ -606,7 +606,7 @@ void TestTelephony::replacesRules()
 void TestTelephony::changesTheDefaultAction()
 {
     QVERIFY(does(u"SetDefaultAction"_s, {u"dial"_s, 1U}));
-    QVERIFY(does(u"SetDefaultAction"_s, {u"dial"_s, 1U})); // it is so already
+    QVERIFY(does(u"SetDefaultAction"_s, {u"dial"_s, 1U})); // This changes nothing.
     QCOMPARE(heard(),
              QStringList({u"/mdm/parleyfilter/dial ParleyFilter.DefaultActionChanged 1"_s,
                           u"/ Telephony.DefaultActionSet dial 1"_s,

@@ -25,7 +25,7 @@ namespace {
 
 constexpr qlonglong farAhead = 99999999999;
 
-/// What the daemon tells everybody.
+/// The signal of the daemon.
 Triggers triggersOf(const QDBusMessage &message)
 {
     return message.signature() == u"a{ux}"_s ? qdbus_cast<Triggers>(message.arguments().at(0))
@@ -71,7 +71,7 @@ private:
     AlarmsByCookie alarms() const;
 
     std::unique_ptr<ServiceUnderTest> m_daemon;
-    QStringList m_heard; ///< Answers, and how many alarms the daemon tells of, as they came.
+    QStringList m_heard; ///< Replies, and the number of alarms in each signal, in their order.
 
 private Q_SLOTS:
     void hear(const QDBusMessage &message)
@@ -97,7 +97,7 @@ void TestTimeDaemon::init()
     QVERIFY(m_daemon->start());
 }
 
-/// It is still there, and said nothing that was not expected.
+/// The service still runs and has logged nothing unexpected.
 void TestTimeDaemon::cleanup()
 {
     QVERIFY(m_daemon->isRunning());
@@ -111,7 +111,7 @@ QDBusMessage TestTimeDaemon::timed(const QString &method, const QVariantList &ar
     return m_daemon->call(u"com.nimbo.timed"_s, method, arguments);
 }
 
-/// The cookie of a new alarm; 0 if the answer is none.
+/// Adds an alarm. Returns its cookie, or 0 if the call fails.
 uint TestTimeDaemon::add(qlonglong ticker, const AlarmAttributes &attributes) const
 {
     const QDBusMessage reply =
