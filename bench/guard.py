@@ -87,8 +87,8 @@ def check(programs):
         failed |= change > GROWTH
         verdict = "GROWN" if change > GROWTH else "better" if change < -GROWTH else "as recorded"
         print(
-            f"{name}: {counts[name]:,} instructions, {change:+.1%}, having allowed for "
-            f"{machine - 1:+.1%} of the {yardstick}: {verdict}"
+            f"{name}: {counts[name]:,} instructions, {change:+.1%}, allowing "
+            f"{machine - 1:+.1%} ({yardstick}): {verdict}"
         )
     if failed:
         print(f"A count may grow by {GROWTH:.0%}. If more is meant, run bench/run --record.")
