@@ -5,11 +5,19 @@ import QtQuick 2.15
 import "../../demo"
 
 // The demo's screens without their animations. Whenever a frame shows named items at other places
-// than the frame before, it reports the places of all: rectangles of the display, by name.
+// than the frame before, it reports the places of all: rectangles of the display, by name. It also
+// reports which of them has the keyboard focus.
 Item {
     id: probe
 
     property string reported
+    readonly property string focused: nameOf(__window.activeFocusItem)
+
+    function nameOf(item) {
+        while (item && item.objectName === "")
+            item = item.parent;
+        return item ? item.objectName : "";
+    }
 
     function collect(item, places) {
         if (!item.visible || !item.enabled)
@@ -35,6 +43,8 @@ Item {
     height: 640
     objectName: "screens"
     width: 360
+
+    onFocusedChanged: console.info("focus: " + focused)
 
     // The layout of a frame is final when this is emitted.
     Connections {
