@@ -12,7 +12,8 @@
 class Modem;
 
 /// The SIM of a modem as in oFono's D-Bus API. A locked SIM shows only what can be read without its
-/// PIN, and an absent one only that it is absent. The interface is missing while the modem is not powered.
+/// PIN, and an absent one only that it is absent. The interface is missing while the modem is not
+/// powered.
 class SimManager : public QDBusAbstractAdaptor
 {
     Q_OBJECT

@@ -234,6 +234,10 @@ int runOnADisplay(int argc, char *argv[])
     qputenv("QT_QUICK_BACKEND", "software");
     for (const char *variable : {"HOME", "XDG_RUNTIME_DIR", "XDG_CACHE_HOME"})
         qputenv(variable, home.path().toUtf8());
+    // Qt's support of displays looks for buses as well. Keep it away from those of this machine.
+    const QByteArray noBus = "unix:path=" + home.path().toUtf8() + "/no-bus";
+    for (const char *variable : {"DBUS_SESSION_BUS_ADDRESS", "DBUS_SYSTEM_BUS_ADDRESS"})
+        qputenv(variable, noBus);
     qputenv(onADisplay, "1");
     return QProcess::execute(QCoreApplication::applicationFilePath(),
                              QCoreApplication::arguments().mid(1));
