@@ -4,6 +4,7 @@
 #include "arguments.h"
 
 #include <QCommandLineParser>
+#include <QCoreApplication>
 
 #include <algorithm>
 
@@ -58,8 +59,10 @@ Arguments Arguments::parse(int argc, char *argv[])
     Arguments arguments;
     if (!parser.parse(words))
         arguments.error = parser.errorText();
-    if (parser.isSet(help))
+    if (parser.isSet(help)) {
+        const QCoreApplication application(argc, argv); // The text has its name.
         arguments.help = parser.helpText();
+    }
     arguments.handset.uiProgram = parser.value(ui);
     arguments.handset.catalogueFolder = QStringLiteral(PARLEY_TRANSLATIONS);
     arguments.handset.qmlFile = parser.value(qml);

@@ -109,6 +109,7 @@ private Q_SLOTS:
     void endsAScriptAtItsFirstFailure();
     void ignoresTheUsersOwnWorld();
     void listsItsCommands();
+    void listsItsOptions();
     void refusesBadArguments_data();
     void refusesBadArguments();
     void saysWhyTheUiDoesNotStart();
@@ -799,6 +800,20 @@ void TestHandset::listsItsCommands()
                                    u"quit"_s,
                                    u"expect TEXT"_s})
         QVERIFY2(says(command + u" {2,}\\S.*"_s), qUtf8Printable(command));
+}
+
+/// This needs no display, even if there seems to be one.
+void TestHandset::listsItsOptions()
+{
+    setVariable(u"DISPLAY"_s, u":nonexistent"_s);
+    start({u"--help"_s});
+    QVERIFY2(ends(0), qUtf8Printable(m_output));
+    QVERIFY2(says(u"Usage: \\S*parley-handset \\[options\\]"_s), qUtf8Printable(m_output));
+    for (const QString &option :
+         {u"--help"_s, u"--ui <program>"_s, u"--qml <file>"_s, u"--watch"_s, u"--script <file>"_s,
+          u"--tour"_s, u"--state <folder>"_s, u"--no-panel"_s})
+        QVERIFY2(says(u"(-h, )?"_s + option + u" +\\S.*"_s), qUtf8Printable(m_output));
+    QVERIFY(!m_output.contains(u"--service"_s));
 }
 
 void TestHandset::refusesBadArguments_data()
