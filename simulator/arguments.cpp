@@ -20,6 +20,8 @@ bool hasDisplay()
 
 Arguments Arguments::parse(int argc, char *argv[])
 {
+    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
+                                  QStringLiteral("Displays this help."));
     const QCommandLineOption ui(QStringLiteral("ui"), QStringLiteral("The call UI to run."),
                                 QStringLiteral("program"), QStringLiteral(PARLEY_UI));
     const QCommandLineOption script(
@@ -50,8 +52,7 @@ Arguments Arguments::parse(int argc, char *argv[])
                        "buses, and takes commands\n"
                        "from standard input and from its control panel. The command \"help\" lists "
                        "them."));
-    const QCommandLineOption help = parser.addHelpOption();
-    parser.addOptions({ui, qml, watch, script, tour, state, noPanel});
+    parser.addOptions({help, ui, qml, watch, script, tour, state, noPanel});
     QStringList words;
     std::transform(argv, argv + argc, std::back_inserter(words),
                    [](const char *argument) { return QString::fromLocal8Bit(argument); });

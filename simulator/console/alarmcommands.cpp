@@ -49,7 +49,7 @@ AlarmCommands::AlarmCommands(const QDBusConnection &systemBus, Transcript &trans
     registerAlarmTypes();
     const auto tellOf = [this](const QString &member, const QString &line) {
         tell(control, member, QStringLiteral("u"),
-             [line](const QVariantList &values) { return line.arg(values.at(0).toUInt()); });
+             [line](const QVariantList &values) { return line.arg(values.value(0).toUInt()); });
     };
     tellOf(QStringLiteral("Added"), QStringLiteral("alarm %1 is set"));
     tellOf(QStringLiteral("Cancelled"), QStringLiteral("alarm %1 is cancelled"));

@@ -91,7 +91,7 @@ QVector<Command> HomeScreen::commands()
          plain(QStringLiteral("toggleCall"))},
         {QStringLiteral("toggle-as"),
          {QStringLiteral("UID"), QStringLiteral("GID")},
-         QStringLiteral("the same from a process of that user and group"),
+         QStringLiteral("the same from a process of that user and group (names or numbers)"),
          [this](const QStringList &arguments, const Finish &finish) {
              toggleAs(arguments.at(0), arguments.at(1), finish);
          }},
@@ -127,7 +127,7 @@ void HomeScreen::toggleAs(const QString &user, const QString &group, const Finis
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), m_address);
     caller->setProcessEnvironment(environment);
-    caller->setProcessChannelMode(QProcess::MergedChannels);
+    caller->setProcessChannelMode(QProcess::ForwardedErrorChannel);
     connect(caller, &QProcess::errorOccurred, this, [caller, finish](QProcess::ProcessError error) {
         if (error == QProcess::FailedToStart) {
             caller->deleteLater();

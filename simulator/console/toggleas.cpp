@@ -17,12 +17,15 @@
 
 namespace {
 
+/// setresuid() and setresgid() keep an id for this number.
+constexpr auto unchanged = static_cast<uid_t>(-1);
+
 std::optional<uid_t> findUser(const QString &user)
 {
     bool isNumber = false;
     const uid_t number = user.toUInt(&isNumber);
     if (isNumber)
-        return number;
+        return number == unchanged ? std::nullopt : std::optional(number);
     const passwd *entry = ::getpwnam(user.toLocal8Bit().constData());
     return entry ? std::optional(entry->pw_uid) : std::nullopt;
 }
@@ -32,7 +35,7 @@ std::optional<gid_t> findGroup(const QString &group)
     bool isNumber = false;
     const gid_t number = group.toUInt(&isNumber);
     if (isNumber)
-        return number;
+        return number == unchanged ? std::nullopt : std::optional(number);
     const ::group *entry = ::getgrnam(group.toLocal8Bit().constData());
     return entry ? std::optional(entry->gr_gid) : std::nullopt;
 }

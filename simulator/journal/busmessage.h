@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include <QMetaType>
 #include <QString>
 #include <QStringList>
 
@@ -25,3 +26,5 @@ struct BusMessage
     QString values; ///< All values as a short line (ValueText); empty if there are none.
     QStringList strings; ///< The leading values that are strings; long ones are cut.
 };
+
+Q_DECLARE_METATYPE(BusMessage)

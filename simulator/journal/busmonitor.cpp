@@ -5,12 +5,13 @@
 
 #include "valuetext.h"
 
-#include <QSocketNotifier>
+#include <QThread>
 
 #include <chrono>
 #include <memory>
 
 #include <dbus/dbus.h>
+#include <sys/socket.h>
 
 namespace {
 
@@ -61,14 +62,19 @@ BusMessage describe(DBusMessage *message)
 BusMonitor::BusMonitor(QObject *parent)
     : QObject(parent)
 {
+    qRegisterMetaType<BusMessage>();
 }
 
 BusMonitor::~BusMonitor()
 {
-    if (m_connection == nullptr)
-        return;
-    dbus_connection_close(m_connection);
-    dbus_connection_unref(m_connection);
+    if (m_reader) {
+        ::shutdown(m_descriptor, SHUT_RDWR); // This ends read().
+        m_reader->wait();
+    }
+    if (m_connection != nullptr) {
+        dbus_connection_close(m_connection);
+        dbus_connection_unref(m_connection);
+    }
 }
 
 bool BusMonitor::start(const QString &address)
@@ -81,13 +87,9 @@ bool BusMonitor::start(const QString &address)
     }
     if (!becomeMonitor())
         return false;
-
-    int descriptor = -1;
-    dbus_connection_get_unix_fd(m_connection, &descriptor);
-    m_notifier = new QSocketNotifier(descriptor, QSocketNotifier::Read, this);
-    connect(m_notifier, &QSocketNotifier::activated, this, &BusMonitor::read);
-    // libdbus may have read messages together with the last reply.
-    QMetaObject::invokeMethod(this, &BusMonitor::read, Qt::QueuedConnection);
+    dbus_connection_get_unix_fd(m_connection, &m_descriptor);
+    m_reader.reset(QThread::create([this] { read(); }));
+    m_reader->start();
     return true;
 }
 
@@ -111,11 +113,13 @@ bool BusMonitor::becomeMonitor()
 /// Messages are popped, not dispatched, because libdbus would answer some of them.
 void BusMonitor::read()
 {
-    const bool isConnected = dbus_connection_read_write(m_connection, 0) != 0;
-    while (const Message message{dbus_connection_pop_message(m_connection), dbus_message_unref})
-        Q_EMIT received(describe(message.get()));
-    if (!isConnected) {
-        m_notifier->setEnabled(false);
-        Q_EMIT ended();
-    }
+    do {
+        while (
+            const Message message{dbus_connection_pop_message(m_connection), dbus_message_unref}) {
+            // libdbus's own note of the end was on no bus.
+            if (!dbus_message_has_interface(message.get(), DBUS_INTERFACE_LOCAL))
+                Q_EMIT received(describe(message.get()));
+        }
+    } while (dbus_connection_read_write(m_connection, -1) != 0);
+    Q_EMIT ended();
 }

@@ -7,11 +7,14 @@
 
 #include <QObject>
 
-class QSocketNotifier;
+#include <memory>
+
+class QThread;
 struct DBusConnection;
 
 /// Reports every message on a bus, as a monitor (D-Bus Specification,
-/// org.freedesktop.DBus.Monitoring.BecomeMonitor).
+/// org.freedesktop.DBus.Monitoring.BecomeMonitor). A thread of its own reads the messages, so that
+/// their times are those of their arrival, whatever the thread of the object does meanwhile.
 class BusMonitor : public QObject
 {
     Q_OBJECT
@@ -37,6 +40,7 @@ private:
     void read();
 
     DBusConnection *m_connection = nullptr;
-    QSocketNotifier *m_notifier = nullptr;
+    int m_descriptor = -1; ///< The socket of the connection, which owns it.
+    std::unique_ptr<QThread> m_reader;
     QString m_error;
 };

@@ -75,8 +75,11 @@ void Journal::watch(const WatchedBus::Bus &bus, const QString &uiProgram)
         if (mark == QString::number(m_mark) && --m_awaited == 0)
             caughtUp();
     });
-    connect(watched.get(), &WatchedBus::ended, this,
-            [this](const QString &why) { m_transcript.say(why); });
+    connect(watched.get(), &WatchedBus::ended, this, [this](const QString &why) {
+        m_transcript.say(why);
+        if (m_whenCaughtUp)
+            catchUp(); // This bus will not show the mark.
+    });
     watched->start();
     m_buses.push_back(std::move(watched));
 }

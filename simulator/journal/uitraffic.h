@@ -34,14 +34,14 @@ public:
     void take(const BusMessage &message);
 
     /// Sets the connections and the owners of well-known names before the first message. Messages
-    /// wait until this has been called.
+    /// wait until this has been called, because what they tell of owners is newer.
     void start(const QMap<QString, QString> &owners, const QStringList &connections);
 
 Q_SIGNALS:
     /// The call UI receives (\a incoming) or sends a message. \a peer is the well-known name of the
     /// other process, or the name of its connection. It is empty for a broadcast of the call UI.
     void seen(const BusMessage &message, bool incoming, const QString &peer);
-    /// The mark with this number, which the handset has sent, was seen.
+    /// The mark with this number, which the handset has sent, was seen after everything before it.
     void marked(const QString &mark);
 
 private:

@@ -88,8 +88,8 @@ QString ValueText::of(DBusMessage *message)
 {
     ValueText text;
     DBusMessageIter values;
-    if (dbus_message_iter_init(message, &values) != 0)
-        text.writeAll(&values);
+    dbus_message_iter_init(message, &values);
+    text.writeAll(&values);
     return shortened(text.m_text);
 }
 

@@ -175,8 +175,9 @@ bool TestReminderServices::startUi()
     return true;
 }
 
-/// There are three, and each is asked when the one before is answered. A reminder that is created
-/// meanwhile may be in the answers, and is then announced once more.
+/// They are "query", "get_attributes_by_cookies" and "GetNotificationsByCategory", and each is
+/// asked when the one before is answered. A reminder that is created meanwhile may be in the
+/// answers, and is then announced once more.
 void TestReminderServices::awaitItsFirstQuestions()
 {
     const QString peer = u"org.freedesktop.DBus.Peer"_s;

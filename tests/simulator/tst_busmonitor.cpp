@@ -14,6 +14,7 @@
 #include <QDBusUnixFileDescriptor>
 #include <QDateTime>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QProcess>
 #include <QStandardPaths>
@@ -94,6 +95,7 @@ private Q_SLOTS:
     void showsValues();
     void cutsALongMessage();
     void seesEveryMessageOfAFlood();
+    void takesTheTimeOfArrival();
     void keepsNoDescriptor();
     void saysThatItHasEnded();
     void saysThatItCannotStart();
@@ -327,10 +329,33 @@ void TestBusMonitor::seesEveryMessageOfAFlood()
     QVERIFY(isInOrder);
 }
 
+/// This thread is busy between two signals and reads neither of them meanwhile.
+void TestBusMonitor::takesTheTimeOfArrival()
+{
+    constexpr qint64 pause = 20;
+    monitor();
+    const auto isApart = [&] {
+        m_messages.clear();
+        emitSignal(u"Before"_s, {});
+        QElapsedTimer timer;
+        timer.start();
+        while (timer.elapsed() < pause) { }
+        emitSignal(u"After"_s, {});
+        const auto haveCome = [this] { return find(BusMessage::Type::Signal, u"After"_s); };
+        return QTest::qWaitFor(haveCome)
+            && find(BusMessage::Type::Signal, u"After"_s)->time
+                - find(BusMessage::Type::Signal, u"Before"_s)->time
+            >= pause * 1000;
+    };
+    QVERIFY(QTest::qWaitFor(isApart));
+}
+
 void TestBusMonitor::keepsNoDescriptor()
 {
     monitor();
     const QVariant descriptor = QVariant::fromValue(QDBusUnixFileDescriptor(STDERR_FILENO));
+    emitSignal(u"First"_s, {});
+    QTRY_VERIFY(find(BusMessage::Type::Signal, u"First"_s)); // The monitor has all that it needs.
     const int before = openDescriptors();
     for (int i = 0; i < 100; ++i)
         emitSignal(u"Descriptors"_s, QVariantList{descriptor, descriptor});
@@ -347,6 +372,7 @@ void TestBusMonitor::saysThatItHasEnded()
     connect(m_monitor.get(), &BusMonitor::ended, this, [&ends] { ++ends; });
     m_bus->stop();
     QTRY_COMPARE(ends, 1);
+    QVERIFY(!find(BusMessage::Type::Signal, u"Disconnected"_s)); // It was on no bus.
 }
 
 void TestBusMonitor::saysThatItCannotStart()

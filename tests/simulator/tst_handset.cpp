@@ -96,6 +96,7 @@ private Q_SLOTS:
     void goesOnWithoutAService();
     void keepsAJournal();
     void tellsARefusalInTheJournal();
+    void togglesAsNobodyElseWhereThereIsNone();
     void goesOnWithoutTheUi();
     void endsAScriptWithoutTheUi();
     void opensAPanelWhereThereIsADisplay_data();
@@ -560,6 +561,21 @@ void TestHandset::tellsARefusalInTheJournal()
                        "org.freedesktop.DBus.Error.AccessDenied: PID * is not in privileged "
                        "group, * ms\n")});
     QVERIFY2(ends(0), qUtf8Printable(m_output.right(800)));
+}
+
+/// The number 4294967295 stands for no user, and keeps the one that a process has.
+void TestHandset::togglesAsNobodyElseWhereThereIsNone()
+{
+    if (geteuid() != 0)
+        QSKIP("only root can act as another user");
+    start({});
+    for (const char *user : {"4294967295 0", "0 4294967295", "no-such-user 0"})
+        m_handset->write(QByteArray("toggle-as ") + user + "\nexpect there is no user *\n");
+    m_handset->closeWriteChannel();
+    QVERIFY(ends(0));
+    QVERIFY2(m_output.count(u"  failed: there is no user "_s) == 3
+                 && m_output.count(u"  as expected: "_s) == 3,
+             qUtf8Printable(m_output));
 }
 
 void TestHandset::goesOnWithoutTheUi()

@@ -3,14 +3,20 @@
 
 #include "journal.h"
 #include "literals.h"
+#include "privatebus.h"
 #include "uitraffic.h"
 
 #include <QAbstractItemModelTester>
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusReply>
 #include <QDateTime>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <algorithm>
+#include <csignal>
 #include <iterator>
 #include <memory>
 
@@ -113,6 +119,7 @@ private Q_SLOTS:
     void refusesBadCounts_data();
     void refusesBadCounts();
     void doesWithoutAMonitor();
+    void goesOnWithoutAMonitor();
 
     void keepsWhatTheUiGetsAndSends();
     void waitsForAnswersInOrder();
@@ -359,6 +366,34 @@ void TestJournal::doesWithoutAMonitor()
              qUtf8Printable(line));
     QCOMPARE(resultOf(*m_journal, u"journal"_s, {}), u"the journal is empty"_s);
     QCOMPARE(resultOf(*m_journal, u"journal clear"_s, {}), u"done"_s);
+}
+
+/// A command that waits for a bus ends when the bus does.
+void TestJournal::goesOnWithoutAMonitor()
+{
+    const QTemporaryDir folder;
+    PrivateBus daemon;
+    QVERIFY(daemon.start(folder.path(), session));
+    QSignalSpy said(m_transcript.get(), &Transcript::said);
+    const QDBusConnection connection =
+        QDBusConnection::connectToBus(daemon.address(), folder.path());
+    const auto process = static_cast<pid_t>(connection.interface()->servicePid(bus).value());
+    m_journal->watch({session, daemon.address(), connection}, u"/bin/true"_s);
+    QCOMPARE(said.size(), 0);
+    QCOMPARE(kill(process, SIGSTOP), 0);
+    QString result = u"not through"_s;
+    const QVector<Command> commands = m_journal->commands();
+    const auto clear = std::find_if(commands.cbegin(), commands.cend(), [](const Command &command) {
+        return command.name == u"journal clear"_s;
+    });
+    QVERIFY(clear != commands.cend());
+    clear->run({}, [&result](Outcome, const QString &text) { result = text; });
+    QCOMPARE(result, u"not through"_s);
+    QCOMPARE(kill(process, SIGKILL), 0);
+    QTRY_COMPARE(said.size(), 1);
+    QCOMPARE(result, u"done"_s);
+    QCOMPARE(resultOf(*m_journal, u"journal"_s, {}), u"the journal is empty"_s);
+    QDBusConnection::disconnectFromBus(folder.path());
 }
 
 void TestJournal::startTraffic(const QMap<QString, QString> &owners)

@@ -12,9 +12,9 @@ namespace Maemo::Timed {
 
 /// The time daemon, "com.nimbo.timed" on the system bus.
 ///
-/// Use call() and asyncCall() for the methods that are not listed here ("cancel", "query" and
-/// "get_attributes_by_cookies"). No function blocks until the daemon answers. Without a daemon,
-/// calls are answered with an error.
+/// Use asyncCall(), or call() with QDBus::NoBlock, for the methods that are not listed here
+/// ("cancel", "query" and "get_attributes_by_cookies"). No function blocks until the daemon
+/// answers. Without a daemon, calls are answered with an error.
 class Interface : public QDBusAbstractInterface
 {
     Q_OBJECT
