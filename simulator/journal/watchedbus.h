@@ -49,8 +49,8 @@ private:
 
     const Bus m_bus;
     const QString m_uiProgram;
-    BusMonitor m_monitor;
     UiTraffic m_traffic;
+    BusMonitor m_monitor; ///< Destroyed first, because its thread emits signals to the traffic.
     QMap<QString, QString> m_owners; ///< The owners of well-known names before start().
     QStringList m_connections; ///< The connections before start().
     int m_awaitedOwners = 0;
