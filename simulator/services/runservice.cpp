@@ -6,12 +6,16 @@
 #include "callhistory.h"
 #include "notificationservice.h"
 #include "telephonystack.h"
-#include "timedaemon.h"
 
 #include <QCoreApplication>
 #include <QDBusError>
+#include <QFile>
 
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
+
+#include <unistd.h>
 
 namespace {
 
@@ -24,12 +28,21 @@ int run(Service &&service, const QDBusConnection &bus)
     return EXIT_FAILURE;
 }
 
+/// Goes on as the time daemon that handsets ship.
+int becomeTimeDaemon(const QString &stateFolder)
+{
+    execl(PARLEY_TIME_DAEMON, "time-daemon", "--control", "--state",
+          QFile::encodeName(stateFolder + QLatin1String("/alarms")).constData(), nullptr);
+    qWarning("%s cannot be run: %s", PARLEY_TIME_DAEMON, std::strerror(errno));
+    return EXIT_FAILURE;
+}
+
 } // namespace
 
 int runService(const QString &name, const QString &stateFolder)
 {
     if (name == QLatin1String("time-daemon"))
-        return run(TimeDaemon(stateFolder), QDBusConnection::systemBus());
+        return becomeTimeDaemon(stateFolder);
     if (name == QLatin1String("notification-service"))
         return run(NotificationService(), QDBusConnection::sessionBus());
     if (name == QLatin1String("call-history"))

@@ -9,6 +9,7 @@
 #include <QDBusReply>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTest>
 
 #include <algorithm>
@@ -71,8 +72,8 @@ bool ServiceUnderTest::end(int signal)
 
 bool ServiceUnderTest::writeState(const QString &name, const QByteArray &content) const
 {
-    QDir().mkpath(stateFolder());
     QFile file(stateFolder() + QLatin1Char('/') + name);
+    QDir().mkpath(QFileInfo(file).path());
     return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
 }
 

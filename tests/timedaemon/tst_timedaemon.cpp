@@ -13,17 +13,26 @@
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTest>
 
 #include <csignal>
 #include <limits>
 #include <memory>
 
+#include <unistd.h>
+
 using Triggers = Maemo::Timed::Event::Triggers;
 
 namespace {
 
 constexpr qlonglong farAhead = 99999999999;
+
+/// Where the daemon keeps the alarms of this user, in the folder for its state.
+QString stateFile()
+{
+    return u"alarms/%1.json"_s.arg(getuid());
+}
 
 /// The signal of the daemon.
 Triggers triggersOf(const QDBusMessage &message)
@@ -62,7 +71,7 @@ private Q_SLOTS:
     void putsABrokenFileAside_data();
     void putsABrokenFileAside();
     void keepsEveryBrokenFile();
-    void goesOnWhereNothingCanBeKept();
+    void refusesWhatCannotBeKept();
     void refusesOtherArguments();
 
 private:
@@ -357,11 +366,11 @@ void TestTimeDaemon::neverGivesACookieTwice()
 void TestTimeDaemon::firesAtStartWhatCameDueMeanwhile()
 {
     QVERIFY(m_daemon->end(SIGTERM));
-    QVERIFY(m_daemon->writeState(u"alarms.json"_s,
+    QVERIFY(m_daemon->writeState(stateFile(),
                                  R"({"lastCookie": 7, "alarms": [
         {"cookie": 3, "flags": 3, "ticker": "5", "attributes": {}},
         {"cookie": 5, "flags": 3, "ticker": "99999999999", "attributes": {}},
-        {"cookie": 6, "flags": 3, "ticker": "1500000000", "attributes": {}}]})"));
+        {"cookie": 6, "flags": 3, "ticker": "1500000000", "attributes": {}}], "due": []})"));
     QVERIFY(m_daemon->start());
     QCOMPARE(m_daemon->nextSignal(u"Fired"_s).arguments(), QVariantList{3U});
     QCOMPARE(m_daemon->nextSignal(u"Fired"_s).arguments(), QVariantList{6U});
@@ -379,14 +388,14 @@ void TestTimeDaemon::putsABrokenFileAside_data()
     QTest::newRow("no JSON") << QByteArray("\x00\xff{", 3);
     QTest::newRow("cut off") << QByteArray(R"({"lastCookie": 7, "alarms": [{"cookie")");
     QTest::newRow("a list") << QByteArray("[]");
-    QTest::newRow("no alarms") << QByteArray(R"({"lastCookie": 7})");
-    QTest::newRow("no last cookie") << QByteArray(R"({"alarms": []})");
+    QTest::newRow("no alarms") << QByteArray(R"({"lastCookie": 7, "due": []})");
+    QTest::newRow("no due alarms") << QByteArray(R"({"lastCookie": 7, "alarms": []})");
+    QTest::newRow("no last cookie") << QByteArray(R"({"alarms": [], "due": []})");
     QTest::newRow("last cookie too large")
-        << QByteArray(R"({"lastCookie": 4294967295, "alarms": []})");
-    const QByteArray alarm = R"({"lastCookie": 7, "alarms": [%]})";
+        << QByteArray(R"({"lastCookie": 4294967296, "alarms": [], "due": []})");
+    const QByteArray alarm = R"({"lastCookie": 7, "alarms": [%], "due": []})";
     for (const char *broken :
-         {"5", "{}", R"({"cookie": 8, "flags": 3, "ticker": "5", "attributes": {}})",
-          R"({"cookie": 0, "flags": 3, "ticker": "5", "attributes": {}})",
+         {"5", "{}", R"({"cookie": 0, "flags": 3, "ticker": "5", "attributes": {}})",
           R"({"cookie": 1.5, "flags": 3, "ticker": "5", "attributes": {}})",
           R"({"cookie": 1, "flags": -3, "ticker": "5", "attributes": {}})",
           R"({"cookie": 1, "flags": 3, "ticker": "soon", "attributes": {}})",
@@ -401,11 +410,11 @@ void TestTimeDaemon::putsABrokenFileAside()
     QFETCH(QByteArray, content);
 
     QVERIFY(m_daemon->end(SIGTERM));
-    QVERIFY(m_daemon->writeState(u"alarms.json"_s, content));
+    QVERIFY(m_daemon->writeState(stateFile(), content));
     QVERIFY(m_daemon->start());
     QVERIFY(m_daemon->logs(u"The alarms cannot be read from "_s));
     QCOMPARE(alarms(), AlarmsByCookie());
-    QFile aside(m_daemon->stateFolder() + u"/alarms.json.broken"_s);
+    QFile aside(m_daemon->stateFolder() + u'/' + stateFile() + u".broken"_s);
     QVERIFY(aside.open(QIODevice::ReadOnly));
     QCOMPARE(aside.readAll(), content);
     QCOMPARE(add(farAhead), 1U);
@@ -415,22 +424,36 @@ void TestTimeDaemon::keepsEveryBrokenFile()
 {
     for (int i = 0; i < 3; ++i) {
         QVERIFY(m_daemon->end(SIGTERM));
-        QVERIFY(m_daemon->writeState(u"alarms.json"_s, QByteArray::number(i)));
+        QVERIFY(m_daemon->writeState(stateFile(), QByteArray::number(i)));
         QVERIFY(m_daemon->start());
         QVERIFY(m_daemon->logs(u"The alarms cannot be read from "_s));
     }
-    QCOMPARE(QDir(m_daemon->stateFolder()).entryList(QDir::Files),
-             QStringList(
-                 {u"alarms.json.broken"_s, u"alarms.json.broken-2"_s, u"alarms.json.broken-3"_s}));
+    const QString name = QFileInfo(stateFile()).fileName();
+    QCOMPARE(
+        QDir(QFileInfo(m_daemon->stateFolder() + u'/' + stateFile()).path()).entryList(QDir::Files),
+        QStringList({name + u".broken"_s, name + u".broken-2"_s, name + u".broken-3"_s}));
 }
 
-void TestTimeDaemon::goesOnWhereNothingCanBeKept()
+void TestTimeDaemon::refusesWhatCannotBeKept()
 {
-    QFile inTheWay(m_daemon->stateFolder());
+    add(farAhead);
+    const QString folder = m_daemon->stateFolder() + u"/alarms"_s;
+    QVERIFY(QDir().rename(folder, folder + u"-away"_s));
+    QFile inTheWay(folder);
     QVERIFY(inTheWay.open(QIODevice::WriteOnly));
-    QCOMPARE(add(farAhead), 1U);
-    QVERIFY(m_daemon->logs(u"The alarms cannot be kept in "_s));
+    const QVariant alarm = QVariant::fromValue(Alarm{3, farAhead, {}});
+    for (const QDBusMessage &reply :
+         {timed(u"add_event"_s, {alarm}), timed(u"replace_event"_s, {alarm, 1U}),
+          timed(u"cancel"_s, {1U})}) {
+        QCOMPARE(reply.errorName(), u"org.freedesktop.DBus.Error.IOError"_s);
+        QVERIFY2(reply.errorMessage().startsWith(u"the alarms cannot be kept: "_s),
+                 qUtf8Printable(reply.errorMessage()));
+    }
     QCOMPARE(alarms().keys(), QList<uint>{1U});
+
+    QVERIFY(inTheWay.remove());
+    QVERIFY(QDir().rename(folder + u"-away"_s, folder));
+    QCOMPARE(add(farAhead), 2U);
 }
 
 void TestTimeDaemon::refusesOtherArguments()

@@ -9,7 +9,8 @@
 
 class TimeDaemon;
 
-/// The interface through which the simulator controls the time daemon.
+/// The interface through which a simulated handset controls the time daemon. Each caller sees and
+/// fires the alarms of the own user alone.
 class TimeDaemonControl : public QDBusAbstractAdaptor
 {
     Q_OBJECT
@@ -20,12 +21,14 @@ public:
     explicit TimeDaemonControl(TimeDaemon &daemon);
 
 public Q_SLOTS:
-    /// Returns all alarms.
-    AlarmsByCookie List() const;
+    /// Returns all alarms that have yet to fire.
+    AlarmsByCookie List();
     /// Fires an alarm ahead of its time. Replies with an error if no alarm has that cookie.
     void Fire(uint cookie);
 
 Q_SIGNALS:
+    /// The signals stand here for the introspection alone: they are not emitted but sent to the
+    /// connections of the user.
     void Added(uint cookie);
     void Cancelled(uint cookie);
     void Fired(uint cookie);
