@@ -26,11 +26,11 @@ ServiceUnderTest::ServiceUnderTest(Place place)
     : m_place(std::move(place))
     , m_bus(m_folder.path())
 {
+    // Other users may reach the sockets.
+    QFile::setPermissions(m_folder.path(), QFile::Permissions(0x7111));
     m_sessionBus.start(m_folder.path(), QStringLiteral("session"));
     m_systemBus.start(m_folder.path(), QStringLiteral("system"));
-    m_bus = QDBusConnection::connectToBus(m_place.bus == Bus::Session ? m_sessionBus.address()
-                                                                      : m_systemBus.address(),
-                                          m_folder.path());
+    m_bus = QDBusConnection::connectToBus(address(), m_folder.path());
     for (const QString &signal : m_place.heard) {
         const int dot = signal.lastIndexOf(QLatin1Char('.'));
         m_bus.connect(m_place.service, m_place.path, signal.left(dot), signal.mid(dot + 1), this,
@@ -41,6 +41,11 @@ ServiceUnderTest::ServiceUnderTest(Place place)
 ServiceUnderTest::~ServiceUnderTest()
 {
     QDBusConnection::disconnectFromBus(m_folder.path());
+}
+
+QString ServiceUnderTest::address() const
+{
+    return m_place.bus == Bus::Session ? m_sessionBus.address() : m_systemBus.address();
 }
 
 bool ServiceUnderTest::start()
@@ -99,13 +104,11 @@ QStringList ServiceUnderTest::busctl(const QString &verb, const QStringList &arg
 QStringList ServiceUnderTest::busctlAt(const QString &path, const QString &verb,
                                        const QStringList &arguments) const
 {
-    const QString address =
-        m_place.bus == Bus::Session ? m_sessionBus.address() : m_systemBus.address();
     QProcess busctl;
     busctl.setProcessChannelMode(QProcess::MergedChannels);
     busctl.start(QStringLiteral("busctl"),
                  QStringList{QStringLiteral("--no-pager"), QStringLiteral("--full"),
-                             QStringLiteral("--address=") + address, verb, m_place.service, path}
+                             QStringLiteral("--address=") + address(), verb, m_place.service, path}
                      + arguments);
     busctl.waitForFinished(patience);
     QStringList lines = QString::fromUtf8(busctl.readAll()).trimmed().split(QLatin1Char('\n'));

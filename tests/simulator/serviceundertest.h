@@ -40,6 +40,8 @@ public:
     bool end(int signal);
     bool isRunning() const { return m_process && m_process->state() != QProcess::NotRunning; }
 
+    /// Returns the address of the bus of the service. Other users may connect to it.
+    QString address() const;
     /// Returns a connection of this process to the bus of the service.
     QDBusConnection bus() const { return m_bus; }
     /// Returns the folder for the state of the service. It does not exist at first.
