@@ -92,8 +92,16 @@ QString lastError()
 QString writeThrough(const QString &path, const QByteArray &content)
 {
     QFile file(path);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)
-        || file.write(content) != content.size())
+    if (!file.open(QIODevice::WriteOnly))
+        return file.errorString();
+    // On a full disk, a write may be cut short without an error. The next one has it.
+    for (qint64 written = 0; written < content.size();) {
+        const qint64 count = file.write(content.constData() + written, content.size() - written);
+        if (count < 0)
+            return file.errorString();
+        written += count;
+    }
+    if (!file.flush())
         return file.errorString();
     return fsync(file.handle()) == 0 ? QString() : lastError();
 }
