@@ -19,5 +19,21 @@
         <source>I will call back</source>
         <translation type="unfinished"></translation>
     </message>
+    <message id="parley-he-reminder">
+        <source>Reminder</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="parley-bt-call">
+        <source>Call</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="parley-bt-in_10_minutes">
+        <source>In 10 minutes</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message id="parley-la-due_since">
+        <source>Due since %1</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 </TS>

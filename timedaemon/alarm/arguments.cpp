@@ -1,0 +1,33 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+#include "arguments.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+
+Arguments Arguments::parse(const QStringList &words)
+{
+    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
+                                  QStringLiteral("Displays this help."));
+    const QCommandLineOption version({QStringLiteral("v"), QStringLiteral("version")},
+                                     QStringLiteral("Displays the version."));
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral(
+        "Shows the due alarms of the time daemon as notifications until their user has answered\n"
+        "them. Runs once in each session, on its session bus and the system bus."));
+    parser.addOptions({help, version});
+
+    Arguments arguments;
+    if (!parser.parse(words))
+        arguments.error = parser.errorText();
+    else if (!parser.positionalArguments().isEmpty())
+        arguments.error = QStringLiteral("Unexpected argument '%1'.")
+                              .arg(parser.positionalArguments().constFirst());
+    else if (parser.isSet(help))
+        arguments.text = parser.helpText();
+    else if (parser.isSet(version))
+        arguments.text = QStringLiteral("%1 %2\n").arg(QCoreApplication::applicationName(),
+                                                       QCoreApplication::applicationVersion());
+    return arguments;
+}

@@ -1,0 +1,93 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+#include "callalarm.h"
+
+#include <QDateTime>
+#include <QLocale>
+
+#include <utility>
+
+namespace {
+
+constexpr int lateAfter = 60;
+constexpr int snoozeTime = 600;
+
+} // namespace
+
+QString CallAlarm::callAction()
+{
+    return QStringLiteral("call");
+}
+
+QString CallAlarm::snoozeAction()
+{
+    return QStringLiteral("snooze");
+}
+
+CallAlarm::CallAlarm(Alarm alarm)
+    : m_alarm(std::move(alarm))
+{
+}
+
+QString CallAlarm::number() const
+{
+    return m_alarm.attributes.value(QStringLiteral("phoneNumber")).trimmed();
+}
+
+QString CallAlarm::name() const
+{
+    return m_alarm.attributes.value(QStringLiteral("TITLE")).trimmed();
+}
+
+CallAlarm::Notification CallAlarm::notification(const QDateTime &now) const
+{
+    Notification notification;
+    QStringList lines;
+    if (!name().isEmpty()) {
+        notification.summary = name();
+        lines << number();
+    } else if (!number().isEmpty()) {
+        notification.summary = number();
+    } else {
+        //% "Reminder"
+        notification.summary = qtTrId("parley-he-reminder");
+    }
+    lines << dueTime(now);
+    lines.removeAll(QString());
+    notification.body = lines.join(QLatin1Char('\n'));
+
+    if (!number().isEmpty()) {
+        //% "Call"
+        notification.actions << callAction() << qtTrId("parley-bt-call");
+    }
+    //% "In 10 minutes"
+    notification.actions << snoozeAction() << qtTrId("parley-bt-in_10_minutes");
+    return notification;
+}
+
+/// Says when the alarm was due if that was a minute ago or more.
+QString CallAlarm::dueTime(const QDateTime &now) const
+{
+    // Times before 1970 come from no clock, and QDateTime cannot hold all of them.
+    if (m_alarm.ticker < 0 || m_alarm.ticker > now.toSecsSinceEpoch() - lateAfter)
+        return {};
+    const QDateTime due = QDateTime::fromSecsSinceEpoch(m_alarm.ticker);
+    const QLocale locale;
+    const QString time = due.date() == now.date()
+        ? locale.toString(due.time(), QLocale::ShortFormat)
+        : locale.toString(due, QLocale::ShortFormat);
+    // Without a catalogue the text is its id, for which arg() would log a warning.
+    //% "Due since %1"
+    return qtTrId("parley-la-due_since").replace(QLatin1String("%1"), time);
+}
+
+Alarm CallAlarm::snoozed(const QDateTime &now) const
+{
+    Alarm alarm = m_alarm;
+    alarm.ticker = now.toSecsSinceEpoch() + snoozeTime;
+    const auto triggerTime = alarm.attributes.find(QStringLiteral("triggerTime"));
+    if (triggerTime != alarm.attributes.end())
+        *triggerTime = QString::number(alarm.ticker);
+    return alarm;
+}
