@@ -39,6 +39,9 @@ HandsetServices::HandsetServices(const World &world, const QDBusConnection &sess
     add({QStringLiteral("notification-service"), QStringLiteral("org.freedesktop.Notifications"),
          world.stateFolder},
         session, environment);
+    add({QStringLiteral("alarm-service"), QStringLiteral("com.nimbo.parley.alarm"),
+         world.stateFolder},
+        session, environment);
     add({QStringLiteral("call-history"), callHistory, world.stateFolder}, session, environment);
     add({QStringLiteral("telephony"), QStringLiteral("org.ofono"), world.stateFolder}, system,
         environment);

@@ -15,14 +15,17 @@ const QLatin1String path("/org/freedesktop/Notifications");
 const QLatin1String control("com.nimbo.simulator.NotificationService");
 
 /// \a actions has a name and a label in turn for each action.
-QStringList furtherActions(const QStringList &actions)
+QVariantList furtherActions(const QStringList &actions)
 {
-    QStringList names;
+    QVariantList further;
     for (int i = 0; i < actions.size(); i += 2) {
-        if (actions.at(i) != QLatin1String("default"))
-            names.append(actions.at(i));
+        const QString name = actions.at(i);
+        const QString label = actions.value(i + 1);
+        if (name != QLatin1String("default"))
+            further.append(QVariantMap{{QStringLiteral("name"), name},
+                                       {QStringLiteral("label"), label.isEmpty() ? name : label}});
     }
-    return names;
+    return further;
 }
 
 QVariantList itemsOf(const QVariantList &values)

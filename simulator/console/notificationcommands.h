@@ -17,8 +17,8 @@ public:
     QVector<Command> commands() override;
 
     /// The notifications are maps with "id", "application", "summary", "body", "alarm" (the cookie
-    /// of the alarm that it announces; 0 for none) and "actions", a list of the names of actions
-    /// besides the default one.
+    /// of the alarm that it announces; 0 for none) and "actions", a list of maps with the "name"
+    /// and the "label" of each action besides the default one.
     ServiceList *list() { return m_list; }
 
 private:

@@ -60,9 +60,9 @@ Section {
                     model: card.entry.actions
 
                     Act {
-                        objectName: "click " + card.entry.id + " " + modelData
-                        text: modelData
-                        onClicked: panel.run(["click", card.entry.id, modelData])
+                        objectName: "click " + card.entry.id + " " + modelData.name
+                        text: modelData.label
+                        onClicked: panel.run(["click", card.entry.id, modelData.name])
                     }
                 }
                 Act {

@@ -74,8 +74,10 @@ bool NotificationService::has(uint id, const QString &action) const
 void NotificationService::choose(uint id, const QString &action)
 {
     call(m_shown.value(id).data, action);
+    const bool stays = m_shown.value(id).data.hints.value(QStringLiteral("resident")).toBool();
     Q_EMIT ActionInvoked(id, action);
-    close(id, Dismissed);
+    if (!stays)
+        close(id, Dismissed);
 }
 
 bool NotificationService::dismiss(uint id)

@@ -28,12 +28,18 @@ int run(Service &&service, const QDBusConnection &bus)
     return EXIT_FAILURE;
 }
 
-/// Goes on as the time daemon that handsets ship.
-int becomeTimeDaemon(const QString &stateFolder)
+/// Goes on as a program that handsets ship. \a name takes the place of its own.
+int become(const char *program, const QString &name, const QStringList &arguments)
 {
-    execl(PARLEY_TIME_DAEMON, "time-daemon", "--control", "--state",
-          QFile::encodeName(stateFolder + QLatin1String("/alarms")).constData(), nullptr);
-    qWarning("%s cannot be run: %s", PARLEY_TIME_DAEMON, std::strerror(errno));
+    QByteArrayList words{QFile::encodeName(name)};
+    for (const QString &argument : arguments)
+        words.append(QFile::encodeName(argument));
+    QVector<char *> pointers;
+    for (QByteArray &word : words)
+        pointers.append(word.data());
+    pointers.append(nullptr);
+    execv(program, pointers.data());
+    qWarning("%s cannot be run: %s", program, std::strerror(errno));
     return EXIT_FAILURE;
 }
 
@@ -42,7 +48,12 @@ int becomeTimeDaemon(const QString &stateFolder)
 int runService(const QString &name, const QString &stateFolder)
 {
     if (name == QLatin1String("time-daemon"))
-        return becomeTimeDaemon(stateFolder);
+        return become(PARLEY_TIME_DAEMON, name,
+                      {QStringLiteral("--control"), QStringLiteral("--state"),
+                       stateFolder + QLatin1String("/alarms")});
+    if (name == QLatin1String("alarm-service"))
+        return become(PARLEY_ALARM, name,
+                      {QStringLiteral("--translations"), QStringLiteral(PARLEY_TRANSLATIONS)});
     if (name == QLatin1String("notification-service"))
         return run(NotificationService(), QDBusConnection::sessionBus());
     if (name == QLatin1String("call-history"))

@@ -6,7 +6,8 @@
 #include <QString>
 
 /// Runs a service of the handset in this process on the buses of the environment, until the process
-/// ends. \a name is "time-daemon", "notification-service", "call-history" or "telephony". The
+/// ends. \a name is "time-daemon", "alarm-service", "notification-service", "call-history" or
+/// "telephony". The
 /// service keeps its state in \a stateFolder. Returns the exit status, which is EXIT_FAILURE after
 /// a logged warning if there is no such service or its bus name is taken.
 int runService(const QString &name, const QString &stateFolder);

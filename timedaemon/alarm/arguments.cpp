@@ -12,11 +12,15 @@ Arguments Arguments::parse(const QStringList &words)
                                   QStringLiteral("Displays this help."));
     const QCommandLineOption version({QStringLiteral("v"), QStringLiteral("version")},
                                      QStringLiteral("Displays the version."));
+    const QCommandLineOption translations(
+        QStringLiteral("translations"),
+        QStringLiteral("Reads the texts from a folder other than /usr/share/translations."),
+        QStringLiteral("folder"), QStringLiteral("/usr/share/translations"));
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
         "Shows the due alarms of the time daemon as notifications until their user has answered\n"
         "them. Runs once in each session, on its session bus and the system bus."));
-    parser.addOptions({help, version});
+    parser.addOptions({help, version, translations});
 
     Arguments arguments;
     if (!parser.parse(words))
@@ -29,5 +33,6 @@ Arguments Arguments::parse(const QStringList &words)
     else if (parser.isSet(version))
         arguments.text = QStringLiteral("%1 %2\n").arg(QCoreApplication::applicationName(),
                                                        QCoreApplication::applicationVersion());
+    arguments.translations = parser.value(translations);
     return arguments;
 }

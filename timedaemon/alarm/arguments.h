@@ -14,6 +14,7 @@ struct Arguments
     /// application object.
     static Arguments parse(const QStringList &words);
 
+    QString translations; ///< The folder of the catalogues.
     QString text; ///< The text that was requested, help or version; otherwise empty.
     QString error; ///< A message for the user; empty if the arguments are valid.
 };

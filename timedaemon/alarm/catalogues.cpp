@@ -6,9 +6,8 @@
 #include <QCoreApplication>
 #include <QLocale>
 
-Catalogues::Catalogues()
+Catalogues::Catalogues(const QString &folder)
 {
-    const QString folder = QStringLiteral("/usr/share/translations");
     // The delimiters are empty, not null: Qt then does not shorten the name in search of a file.
     if (m_engineeringEnglish.load(QStringLiteral("parley_eng_en"), folder, QStringLiteral("")))
         QCoreApplication::installTranslator(&m_engineeringEnglish);

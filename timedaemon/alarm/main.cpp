@@ -31,7 +31,7 @@ int main(int argc, char *argv[])
     const TerminationSignal terminationSignal;
     QObject::connect(&terminationSignal, &TerminationSignal::received, &application,
                      [] { QCoreApplication::exit(EXIT_SUCCESS); });
-    const Catalogues catalogues;
+    const Catalogues catalogues(arguments.translations);
     Buses buses;
     QObject::connect(&buses, &Buses::lost, &application,
                      [] { QCoreApplication::exit(EXIT_FAILURE); });

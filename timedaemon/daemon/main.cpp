@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Parley developers
 // SPDX-License-Identifier: BSD-3-Clause
 
-#include "duealarms.h"
+#include "duealarmsadaptor.h"
 #include "receivelimits.h"
 #include "systemclock.h"
 #include "timedaemon.h"
@@ -50,7 +50,7 @@ int main(int argc, char *argv[])
 
     SystemClock clock;
     TimeDaemon daemon(parser.value(state), clock, bus);
-    new DueAlarms(daemon);
+    new DueAlarmsAdaptor(daemon);
     if (parser.isSet(control))
         new TimeDaemonControl(daemon);
     if (daemon.start())

@@ -1,11 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Parley developers
 // SPDX-License-Identifier: BSD-3-Clause
 
-#include "duealarms.h"
+#include "duealarmsadaptor.h"
 
 #include "timedaemon.h"
 
-DueAlarms::DueAlarms(TimeDaemon &daemon)
+DueAlarmsAdaptor::DueAlarmsAdaptor(TimeDaemon &daemon)
     : QDBusAbstractAdaptor(&daemon)
     , m_daemon(daemon)
 {
@@ -15,13 +15,13 @@ DueAlarms::DueAlarms(TimeDaemon &daemon)
     });
 }
 
-QList<uint> DueAlarms::List()
+QList<uint> DueAlarmsAdaptor::List()
 {
     const auto user = m_daemon.caller();
     return user ? m_daemon.alarmsOf(*user).dueInOrder() : QList<uint>();
 }
 
-Alarm DueAlarms::Get(uint cookie)
+Alarm DueAlarmsAdaptor::Get(uint cookie)
 {
     const auto user = m_daemon.caller();
     if (!user)
@@ -35,7 +35,7 @@ Alarm DueAlarms::Get(uint cookie)
     return {};
 }
 
-bool DueAlarms::Dismiss(uint cookie)
+bool DueAlarmsAdaptor::Dismiss(uint cookie)
 {
     const auto user = m_daemon.caller();
     return user && m_daemon.dismiss(*user, cookie);

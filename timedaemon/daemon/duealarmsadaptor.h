@@ -11,14 +11,14 @@ class TimeDaemon;
 
 /// The interface for a program that shows a user's due alarms. An alarm with the reminder flag
 /// stays due until it is dismissed. Each caller sees the alarms of the own user alone.
-class DueAlarms : public QDBusAbstractAdaptor
+class DueAlarmsAdaptor : public QDBusAbstractAdaptor
 {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "com.nimbo.parley.DueAlarms")
 
 public:
     /// An adaptor on the object of \a daemon, which owns it.
-    explicit DueAlarms(TimeDaemon &daemon);
+    explicit DueAlarmsAdaptor(TimeDaemon &daemon);
 
 public Q_SLOTS:
     /// Returns the cookies of the due alarms: first the one that has been due for the longest time.
