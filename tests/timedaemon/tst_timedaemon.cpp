@@ -4,17 +4,20 @@
 #include "alarm.h"
 #include "literals.h"
 #include "serviceundertest.h"
+#include "useralarms.h"
 
 #include <timed/event.h>
 
 #include <QDBusArgument>
 #include <QDBusMetaType>
 #include <QDBusPendingCallWatcher>
+#include <QDBusVariant>
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QTest>
+#include <QXmlStreamReader>
 
 #include <csignal>
 #include <limits>
@@ -32,6 +35,30 @@ constexpr qlonglong farAhead = 99999999999;
 QString stateFile()
 {
     return u"alarms/%1.json"_s.arg(getuid());
+}
+
+/// Returns the members of an interface in introspection data, sorted, each with the types of its
+/// arguments.
+QStringList membersOf(const QByteArray &introspection, const QString &interface)
+{
+    QStringList members;
+    bool isInside = false;
+    QXmlStreamReader xml(introspection);
+    while (!xml.atEnd()) {
+        if (!xml.readNextStartElement())
+            continue;
+        const auto attribute = [&xml](const char *name) {
+            return xml.attributes().value(QLatin1String(name)).toString();
+        };
+        if (xml.name() == u"interface"_s)
+            isInside = attribute("name") == interface;
+        else if (isInside && (xml.name() == u"method"_s || xml.name() == u"signal"_s))
+            members.append(xml.name() + u' ' + attribute("name"));
+        else if (isInside && xml.name() == u"arg"_s)
+            members.last() += u' ' + attribute("direction") + u':' + attribute("type");
+    }
+    members.sort();
+    return xml.hasError() ? QStringList(xml.errorString()) : members;
 }
 
 /// The signal of the daemon.
@@ -53,6 +80,8 @@ private Q_SLOTS:
     void cleanup();
 
     void offersItsInterfaces();
+    void offersWhatItsDescriptionsSay_data();
+    void offersWhatItsDescriptionsSay();
     void servesAnotherClient();
     void tellsWhatIsStillToFire();
     void tellsNothingThatAnAnswerHasOvertaken();
@@ -73,6 +102,7 @@ private Q_SLOTS:
     void keepsEveryBrokenFile();
     void refusesWhatCannotBeKept();
     void refusesOtherArguments();
+    void refusesHugeTexts();
 
 private:
     QDBusMessage timed(const QString &method, const QVariantList &arguments) const;
@@ -147,6 +177,27 @@ void TestTimeDaemon::offersItsInterfaces()
         u".alarm_triggers_changed signal a{ux} - -"_s,
     };
     QCOMPARE(lines, expected);
+}
+
+void TestTimeDaemon::offersWhatItsDescriptionsSay_data()
+{
+    QTest::addColumn<QString>("interface");
+
+    for (const char *interface : {"com.nimbo.timed", "com.nimbo.parley.DueAlarms"})
+        QTest::newRow(interface) << QString::fromLatin1(interface);
+}
+
+void TestTimeDaemon::offersWhatItsDescriptionsSay()
+{
+    QFETCH(QString, interface);
+
+    QFile file(QStringLiteral(PARLEY_INTERFACES) + u'/' + interface + u".xml"_s);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QStringList described = membersOf(file.readAll(), interface);
+    QVERIFY(!described.isEmpty());
+    const QDBusMessage reply =
+        m_daemon->call(u"org.freedesktop.DBus.Introspectable"_s, u"Introspect"_s);
+    QCOMPARE(membersOf(reply.arguments().value(0).toString().toUtf8(), interface), described);
 }
 
 void TestTimeDaemon::servesAnotherClient()
@@ -456,12 +507,79 @@ void TestTimeDaemon::refusesWhatCannotBeKept()
     QCOMPARE(add(farAhead), 2U);
 }
 
+/// Each method is called with arguments of every wrong type, and has an error for each.
 void TestTimeDaemon::refusesOtherArguments()
 {
-    QCOMPARE(timed(u"add_event"_s, {u"soon"_s}).type(), QDBusMessage::ErrorMessage);
-    QCOMPARE(timed(u"add_event"_s, {}).type(), QDBusMessage::ErrorMessage);
-    QCOMPARE(timed(u"query"_s, {QStringList()}).type(), QDBusMessage::ErrorMessage);
-    QCOMPARE(timed(u"cancel"_s, {-1}).type(), QDBusMessage::ErrorMessage);
+    const QString control = u"com.nimbo.simulator.TimeDaemon"_s;
+    const QString due = u"com.nimbo.parley.DueAlarms"_s;
+    const QVariant alarm = QVariant::fromValue(Alarm{3, farAhead, {}});
+    const QVariant cookies = QVariant::fromValue(QList<uint>{1});
+    const QVector<QVariantList> every{{},
+                                      {1U},
+                                      {1},
+                                      {-1LL},
+                                      {true},
+                                      {0.5},
+                                      {QString()},
+                                      {QStringList()},
+                                      {QByteArray("x")},
+                                      {QVariantMap()},
+                                      {QVariantList{1U}},
+                                      {cookies},
+                                      {alarm},
+                                      {alarm, 1U},
+                                      {alarm, 1},
+                                      {1U, alarm},
+                                      {QVariant::fromValue(QDBusVariant(1U))},
+                                      {QVariant::fromValue(AlarmAttributes())}};
+    add(farAhead);
+    const AlarmsByCookie before = alarms();
+    const struct
+    {
+        QString interface;
+        QString method;
+        QVariantList right;
+    } methods[]{{u"com.nimbo.timed"_s, u"add_event"_s, {alarm}},
+                {u"com.nimbo.timed"_s, u"replace_event"_s, {alarm, 1U}},
+                {u"com.nimbo.timed"_s, u"cancel"_s, {1U}},
+                {u"com.nimbo.timed"_s, u"query"_s, {QVariantMap()}},
+                {u"com.nimbo.timed"_s, u"get_attributes_by_cookies"_s, {cookies}},
+                {due, u"List"_s, {}},
+                {due, u"Get"_s, {1U}},
+                {due, u"Dismiss"_s, {1U}},
+                {control, u"List"_s, {}},
+                {control, u"Fire"_s, {1U}}};
+    for (const auto &[interface, method, right] : methods) {
+        const auto types = [](const QVariantList &values) {
+            QStringList names;
+            for (const QVariant &value : values)
+                names.append(QString::fromLatin1(value.typeName()));
+            return names;
+        };
+        for (const QVariantList &wrong : every) {
+            if (types(wrong) == types(right))
+                continue;
+            const QDBusMessage reply = m_daemon->call(interface, method, wrong);
+            QVERIFY2(reply.type() == QDBusMessage::ErrorMessage
+                         && reply.errorName() == u"org.freedesktop.DBus.Error.UnknownMethod"_s,
+                     qPrintable(method + u' ' + types(wrong).join(u", "_s) + u": "_s
+                                + reply.errorName()));
+        }
+    }
+    QCOMPARE(alarms(), before);
+}
+
+void TestTimeDaemon::refusesHugeTexts()
+{
+    for (const int size : {UserAlarms::maxAlarmSize + 1, 30'000'000}) {
+        const AlarmAttributes attributes{{QString(), QString(size, u'x')}};
+        const QDBusMessage reply =
+            timed(u"add_event"_s, {QVariant::fromValue(Alarm{3, farAhead, attributes})});
+        QCOMPARE(reply.errorName(), u"org.freedesktop.DBus.Error.LimitsExceeded"_s);
+    }
+    const QVariantMap criteria{{u"TITLE"_s, QString(30'000'000, u'x')}};
+    const QDBusMessage reply = timed(u"query"_s, {criteria});
+    QVERIFY(qdbus_cast<QVariantList>(reply.arguments().value(0)).isEmpty());
     QCOMPARE(alarms(), AlarmsByCookie());
 }
 
