@@ -6,10 +6,7 @@
 #include "serviceundertest.h"
 #include "useralarms.h"
 
-#include <timed/event.h>
-
 #include <QDBusArgument>
-#include <QDBusMetaType>
 #include <QDBusPendingCallWatcher>
 #include <QDBusVariant>
 #include <QDateTime>
@@ -25,7 +22,7 @@
 
 #include <unistd.h>
 
-using Triggers = Maemo::Timed::Event::Triggers;
+using Triggers = TickersByCookie;
 
 namespace {
 
@@ -122,7 +119,6 @@ private Q_SLOTS:
 void TestTimeDaemon::initTestCase()
 {
     registerAlarmTypes();
-    qDBusRegisterMetaType<Triggers>();
 }
 
 void TestTimeDaemon::init()

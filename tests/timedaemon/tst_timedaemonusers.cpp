@@ -6,11 +6,8 @@
 #include "literals.h"
 #include "serviceundertest.h"
 
-#include <timed/event.h>
-
 #include <QDBusArgument>
 #include <QDBusConnectionInterface>
-#include <QDBusMetaType>
 #include <QFile>
 #include <QTest>
 
@@ -19,7 +16,7 @@
 
 #include <unistd.h>
 
-using Triggers = Maemo::Timed::Event::Triggers;
+using Triggers = TickersByCookie;
 
 namespace {
 
@@ -156,7 +153,6 @@ void TestTimeDaemonUsers::initTestCase()
     if (geteuid() != 0)
         QSKIP("Only root can play two users.");
     registerAlarmTypes();
-    qDBusRegisterMetaType<Triggers>();
 }
 
 void TestTimeDaemonUsers::init()

@@ -4,7 +4,6 @@
 #include "timedaemon.h"
 
 #include <QDBusMessage>
-#include <QDBusMetaType>
 #include <QDir>
 
 namespace {
@@ -13,9 +12,9 @@ const QLatin1String busName("com.nimbo.timed");
 const QLatin1String objectPath("/com/nimbo/timed");
 const QLatin1String fileSuffix(".json");
 
-Maemo::Timed::Event::Triggers triggersOf(const AlarmsByCookie &alarms)
+TickersByCookie triggersOf(const AlarmsByCookie &alarms)
 {
-    Maemo::Timed::Event::Triggers triggers;
+    TickersByCookie triggers;
     for (auto it = alarms.cbegin(); it != alarms.cend(); ++it)
         triggers.insert(it.key(), it->ticker);
     return triggers;
@@ -32,7 +31,6 @@ TimeDaemon::TimeDaemon(const QString &stateFolder, WallClock &clock, const QDBus
     , m_busUsers(bus)
 {
     registerAlarmTypes();
-    qDBusRegisterMetaType<Maemo::Timed::Event::Triggers>();
     connect(&m_clock, &WallClock::woke, this, &TimeDaemon::fireDue);
 }
 

@@ -7,8 +7,6 @@
 #include "useralarms.h"
 #include "wallclock.h"
 
-#include <timed/event.h>
-
 #include <QDBusConnection>
 #include <QDBusContext>
 #include <QObject>
@@ -68,7 +66,7 @@ Q_SIGNALS:
     /// An alarm was added, cancelled or has fired. \a triggers are the times of those that remain.
     /// It stands here for the introspection alone: it is not emitted but sent with tell(), because
     /// no other user may hear it.
-    Q_SCRIPTABLE void alarm_triggers_changed(const Maemo::Timed::Event::Triggers &triggers);
+    Q_SCRIPTABLE void alarm_triggers_changed(const TickersByCookie &triggers);
 
     void added(uint user, uint cookie);
     void cancelled(uint user, uint cookie);

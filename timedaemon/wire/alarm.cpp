@@ -16,8 +16,20 @@ QDBusArgument &operator<<(QDBusArgument &argument, const Alarm &alarm)
 
 const QDBusArgument &operator>>(const QDBusArgument &argument, Alarm &alarm)
 {
+    alarm.attributes.clear();
     argument.beginStructure();
-    argument >> alarm.flags >> alarm.ticker >> alarm.attributes;
+    argument >> alarm.flags >> alarm.ticker;
+    // QtDBus would keep every value of a key that comes more than once.
+    argument.beginMap();
+    while (!argument.atEnd()) {
+        QString key;
+        QString value;
+        argument.beginMapEntry();
+        argument >> key >> value;
+        argument.endMapEntry();
+        alarm.attributes.insert(key, value);
+    }
+    argument.endMap();
     argument.endStructure();
     return argument;
 }
@@ -29,4 +41,5 @@ void registerAlarmTypes()
     qDBusRegisterMetaType<AttributesByCookie>();
     qDBusRegisterMetaType<Alarm>();
     qDBusRegisterMetaType<AlarmsByCookie>();
+    qDBusRegisterMetaType<TickersByCookie>();
 }

@@ -30,6 +30,9 @@ using AlarmsByCookie = QMap<uint, Alarm>;
 /// Attributes by cookie. The D-Bus signature is a{ua{ss}}.
 using AttributesByCookie = QMap<uint, AlarmAttributes>;
 
+/// When alarms fire, by cookie. The D-Bus signature is a{ux}.
+using TickersByCookie = QMap<uint, qlonglong>;
+
 QDBusArgument &operator<<(QDBusArgument &argument, const Alarm &alarm);
 const QDBusArgument &operator>>(const QDBusArgument &argument, Alarm &alarm);
 
@@ -40,3 +43,4 @@ Q_DECLARE_METATYPE(Alarm)
 Q_DECLARE_METATYPE(AlarmAttributes)
 Q_DECLARE_METATYPE(AlarmsByCookie)
 Q_DECLARE_METATYPE(AttributesByCookie)
+Q_DECLARE_METATYPE(TickersByCookie)
