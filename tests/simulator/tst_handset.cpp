@@ -492,6 +492,9 @@ void TestHandset::failsWhereAnAnswerIsOfAnotherForm()
     QVERIFY(says(u"The call UI is on the bus after .*"_s));
     const QByteArray process = QTest::currentDataTag();
     const QString address = environmentOf(serviceNamed(process), bus);
+    m_handset->write("alarm-service stop\n"); // It would ask the time daemon as well.
+    QVERIFY(says(u"reply: stopped"_s));
+    m_output.clear();
     m_handset->write(process + " stop\n");
     QVERIFY(says(u"reply: stopped"_s));
 
@@ -811,6 +814,7 @@ void TestHandset::listsItsCommands()
                                    u"restart"_s,
                                    u"time-daemon stop\\|start\\|hang\\|continue"_s,
                                    u"notification-service stop\\|start\\|hang\\|continue"_s,
+                                   u"alarm-service stop\\|start\\|hang\\|continue"_s,
                                    u"telephony stop\\|start\\|hang\\|continue"_s,
                                    u"help"_s,
                                    u"quit"_s,
