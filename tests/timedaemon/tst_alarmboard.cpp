@@ -4,6 +4,7 @@
 #include "alarmboard.h"
 #include "alarmscene.h"
 #include "literals.h"
+#include "rawconnection.h"
 
 #include <QTest>
 
@@ -56,12 +57,14 @@ private Q_SLOTS:
     void waitsForTheDaemon();
     void keepsWhatIsShownWhenTheDaemonStartsAgain();
     void asksAnewWhenTheDaemonEndsInTheMiddle();
+    void ignoresTheAnswersOfAFormerDaemon();
     void triesAgainAfterAHungDaemon();
     void shows20Of10000();
     void surviveNonsense_data();
     void surviveNonsense();
     void showsADoubleCookieOnce();
     void passesOverTheUnreadable();
+    void asksAgainAfterAnOlderFailure();
 
 private:
     void startBoard();
@@ -170,6 +173,7 @@ void TestAlarmBoard::asksOnceForManyChanges()
 {
     startBoard();
     m_scene.answerCapabilities();
+    m_scene.settle(); // It has subscribed and asked.
     for (int i = 0; i < 100; ++i)
         m_scene.change();
     m_scene.settle();
@@ -225,6 +229,30 @@ void TestAlarmBoard::asksAnewWhenTheDaemonEndsInTheMiddle()
     m_scene.startDaemon();
     m_scene.list({1, 2});
     showAll({1, 2});
+}
+
+/// The former daemon has given up the name, but still runs.
+void TestAlarmBoard::ignoresTheAnswersOfAFormerDaemon()
+{
+    m_scene.stopDaemon();
+    RawConnection former(m_scene.systemBus().address());
+    QVERIFY(former.own("com.nimbo.timed"));
+    RawMessage answer;
+    former.setHandler([&answer](DBusMessage *message) {
+        if (dbus_message_get_type(message) == DBUS_MESSAGE_TYPE_METHOD_CALL)
+            answer =
+                RawConnection::makeError(dbus_message_get_sender(message),
+                                         dbus_message_get_serial(message), "com.example.Error");
+    });
+    startBoard();
+    m_scene.answerCapabilities();
+    QTRY_VERIFY((former.pump(), answer));
+    QVERIFY(former.release("com.nimbo.timed"));
+    m_scene.startDaemon();
+    m_scene.list({1});
+    former.send(answer.get());
+    former.pump();
+    showAll({1});
 }
 
 /// This takes as long as a call may take.
@@ -325,6 +353,28 @@ void TestAlarmBoard::passesOverTheUnreadable()
     for (const uint cookie : cookiesUpTo(25))
         m_scene.daemon().fail(m_scene.takeGet(cookie), u"com.example.Error"_s, u"no"_s);
     showAll(cookiesUpTo(30).mid(25));
+    const QString line = u"warning: The due alarm 1 cannot be read: com.example.Error: no"_s;
+    QCOMPARE(m_scene.takeLog(), QStringList(line));
+
+    m_scene.change();
+    m_scene.list({1, 2, 26, 27, 28, 29, 30});
+    m_scene.daemon().fail(m_scene.takeGet(1), u"com.example.Error"_s, u"no"_s);
+    showAll({2});
+    QCOMPARE(m_scene.takeLog(), QStringList(line));
+}
+
+/// The failure says nothing of what was listed since.
+void TestAlarmBoard::asksAgainAfterAnOlderFailure()
+{
+    startBoard();
+    m_scene.answerCapabilities();
+    m_scene.list({1});
+    const QDBusMessage get = m_scene.takeGet(1);
+    m_scene.change();
+    m_scene.list({1});
+    m_scene.settle();
+    m_scene.daemon().fail(get, u"com.example.Error"_s, u"no"_s);
+    showAll({1});
     QCOMPARE(m_scene.takeLog(),
              QStringList(u"warning: The due alarm 1 cannot be read: com.example.Error: no"_s));
 }

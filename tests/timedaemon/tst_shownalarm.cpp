@@ -243,7 +243,10 @@ void TestShownAlarm::ignoresActionsThatItDoesNotHave()
     m_scene.answerCapabilities();
     m_scene.list({1});
     m_scene.get(1, {4, QDateTime::currentSecsSinceEpoch() + 60, {}});
-    m_scene.show(7, u"parley-he-reminder"_s);
+    const QDBusMessage notify = m_scene.server().next(u"Notify"_s);
+    m_scene.invoked(0, snooze); // It has no number yet.
+    m_scene.server().reply(notify, {7U});
+    m_scene.settle();
     m_scene.invoked(7, call);
     m_scene.invoked(7, u"default"_s);
     m_scene.invoked(0, snooze);

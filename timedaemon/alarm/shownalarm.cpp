@@ -40,7 +40,7 @@ ShownAlarm::~ShownAlarm()
 
 void ShownAlarm::show()
 {
-    if (m_phase != Phase::Hidden || m_isShowing)
+    if (m_phase != Phase::Hidden)
         return;
     m_again.stop();
     if (!m_services.server.isReady()) {
@@ -48,7 +48,6 @@ void ShownAlarm::show()
         return;
     }
     m_id = 0;
-    m_isShowing = true;
     m_services.server.show(m_alarm.notification(QDateTime::currentDateTime()), this,
                            [this](uint id) { whenShown(id); });
 }
@@ -58,7 +57,6 @@ void ShownAlarm::hide()
 {
     m_id = 0;
     m_isOpen = false;
-    m_isShowing = false;
     if (m_phase == Phase::Shown)
         m_phase = Phase::Hidden;
     if (m_phase == Phase::Hidden)
@@ -67,7 +65,6 @@ void ShownAlarm::hide()
 
 void ShownAlarm::whenShown(uint id)
 {
-    m_isShowing = false;
     m_id = id;
     m_isOpen = id != 0;
     if (m_isOpen)

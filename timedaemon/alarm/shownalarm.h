@@ -81,7 +81,6 @@ private:
     Phase m_phase = Phase::Hidden;
     uint m_id = 0; ///< The notification that was shown last; 0 if its server has gone.
     bool m_isOpen = false; ///< The notification has not been closed.
-    bool m_isShowing = false; ///< The server was asked to show it.
     bool m_isDismissing = false;
     QTimer m_again;
     QTimer m_patience;
