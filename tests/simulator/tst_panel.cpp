@@ -166,8 +166,8 @@ void TestPanel::showsNotifications()
 void TestPanel::controlsServices()
 {
     QVERIFY(startWith(screens));
-    for (const QString &service :
-         {u"time-daemon"_s, u"notification-service"_s, u"alarm-service"_s, u"call-history"_s, u"telephony"_s}) {
+    for (const QString &service : {u"time-daemon"_s, u"notification-service"_s, u"alarm-service"_s,
+                                   u"call-history"_s, u"telephony"_s}) {
         const QString state = u"state "_s + service;
         QCOMPARE(textOf(state), u"running"_s);
         click(u"hang "_s + service, service + u" hang"_s);

@@ -74,6 +74,9 @@ void TestCallAlarm::namesWhomToCall_data()
                                    << u"+1 555"_s << QString() << bothActions;
     QTest::newRow("only a name") << Attributes{{u"TITLE"_s, u"Tea"_s}} << QString() << u"Tea"_s
                                  << QString() << onlySnooze;
+    QTest::newRow("a number as name")
+        << Attributes{{u"TITLE"_s, u"+1 555"_s}, {u"phoneNumber"_s, u"+1 555"_s}} << u"+1 555"_s
+        << u"+1 555"_s << QString() << bothActions;
     QTest::newRow("a blank number") << Attributes{{u"phoneNumber"_s, u" "_s}} << QString()
                                     << u"Reminder"_s << QString() << onlySnooze;
     QTest::newRow("neither") << Attributes{} << QString() << u"Reminder"_s << QString()

@@ -42,19 +42,14 @@ QString CallAlarm::name() const
 
 CallAlarm::Notification CallAlarm::notification(const QDateTime &now) const
 {
+    //% "Reminder"
+    QStringList titles{name(), number(), qtTrId("parley-he-reminder")};
+    titles.removeAll(QString());
     Notification notification;
-    QStringList lines;
-    if (!name().isEmpty()) {
-        notification.summary = name();
-        lines << number();
-    } else if (!number().isEmpty()) {
-        notification.summary = number();
-    } else {
-        //% "Reminder"
-        notification.summary = qtTrId("parley-he-reminder");
-    }
-    lines << dueTime(now);
+    notification.summary = titles.constFirst();
+    QStringList lines{number(), dueTime(now)};
     lines.removeAll(QString());
+    lines.removeAll(notification.summary); // The screens may name a contact after the number.
     notification.body = lines.join(QLatin1Char('\n'));
 
     if (!number().isEmpty()) {
