@@ -12,11 +12,15 @@ import time
 from pathlib import Path
 from statistics import median
 
+import dbus
+import dbus.bus
+
 import counting
 from handset import PATIENCE, Failure, Handset
 
 START_GOALS = {"present": 1.25, "absent": 1.15, "no bus": 1.15}
 CALLS = 100  # The number of calls of one method in a row.
+ALARMS = 100  # That have yet to fire while something idles.
 COUNTS = 5  # How often the same instructions are counted.
 
 
@@ -314,6 +318,26 @@ def idle(table, programs):
             note=f"of {len(after)}",
         )
         process.end()
+
+
+def idle_with_alarms(table, programs):
+    """Counts the wake-ups of what waits for alarms, while there are some."""
+    with Handset("present", programs.handset) as handset:
+        bus = dbus.bus.BusConnection(handset.system)
+        daemon = bus.get_object("com.nimbo.timed", "/com/nimbo/timed", introspect=False)
+        for i in range(ALARMS):
+            event = dbus.Struct((3, 4102444800 + i, {"TITLE": "Ada"}), signature="uxa{ss}")
+            daemon.add_event(event, dbus_interface="com.nimbo.timed")
+        bus.close()
+        names = ["time-daemon", "alarm-service"]
+        for name in names:
+            settle(handset.pid(name))
+        before = {name: threads(handset.pid(name)) for name in names}
+        time.sleep(60)
+        for name in names:
+            after = threads(handset.pid(name))
+            woken = sum(after[one][0] - before[name].get(one, (0,))[0] for one in after)
+            table.add(f"60 s of idling with {ALARMS} alarms: {name}", "wake-ups", woken, goal=0)
 
 
 def settle(pid):

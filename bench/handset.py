@@ -22,6 +22,7 @@ SIM = "262011111111111"
 SERVICES = {
     "time-daemon": ("com.nimbo.timed", True),
     "notification-service": ("org.freedesktop.Notifications", False),
+    "alarm-service": ("com.nimbo.parley.alarm", False),
     "call-history": ("com.nokia.telephony.callhistory", False),
     "telephony": ("org.ofono", True),
 }
@@ -146,6 +147,10 @@ class Handset:
         """Starts a program whose log is read. The handset ends it at the latest."""
         self._programs.append(Process(command, self.environment()))
         return self._programs[-1]
+
+    def pid(self, service):
+        """Returns the process of a service."""
+        return self._services[service].pid
 
     def run(self, command):
         """Runs a program to its end. Returns what it has printed."""

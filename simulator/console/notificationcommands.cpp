@@ -19,7 +19,7 @@ QVariantList furtherActions(const QStringList &actions)
 {
     QVariantList further;
     for (int i = 0; i < actions.size(); i += 2) {
-        const QString name = actions.at(i);
+        const QString &name = actions.at(i);
         const QString label = actions.value(i + 1);
         if (name != QLatin1String("default"))
             further.append(QVariantMap{{QStringLiteral("name"), name},

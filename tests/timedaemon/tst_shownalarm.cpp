@@ -51,6 +51,7 @@ private Q_SLOTS:
     void isShownAgainIfTheCallFailsAfterItWasClosed();
     void callsOnlyOnce();
     void ignoresActionsThatItDoesNotHave();
+    void isSeenWhenItIsClicked();
     void snoozes();
     void isStillShownIfItCannotBeSnoozed_data();
     void isStillShownIfItCannotBeSnoozed();
@@ -248,9 +249,25 @@ void TestShownAlarm::ignoresActionsThatItDoesNotHave()
     m_scene.server().reply(notify, {7U});
     m_scene.settle();
     m_scene.invoked(7, call);
-    m_scene.invoked(7, u"default"_s);
+    m_scene.invoked(7, u"other"_s);
     m_scene.invoked(0, snooze);
     m_scene.invoked(8, snooze);
+}
+
+/// Some servers hide a notification that is clicked, and say so in no other way.
+void TestShownAlarm::isSeenWhenItIsClicked()
+{
+    startBoard();
+    m_scene.answerCapabilities();
+    m_scene.list({1});
+    m_scene.get(1, AlarmScene::alarm());
+    m_scene.show(7);
+    m_scene.invoked(7, u"default"_s);
+    QCOMPARE(m_scene.server().next(u"CloseNotification"_s).arguments(), QVariantList{7U});
+    const QDBusMessage dismiss = m_scene.daemon().next(u"Dismiss"_s);
+    QCOMPARE(dismiss.arguments(), QVariantList{1U});
+    m_scene.daemon().reply(dismiss, {true});
+    m_scene.settle();
 }
 
 void TestShownAlarm::snoozes()

@@ -25,6 +25,11 @@ QString CallAlarm::snoozeAction()
     return QStringLiteral("snooze");
 }
 
+QString CallAlarm::defaultAction()
+{
+    return QStringLiteral("default");
+}
+
 CallAlarm::CallAlarm(Alarm alarm)
     : m_alarm(std::move(alarm))
 {

@@ -27,6 +27,10 @@ public:
     /// The key of the action that makes the alarm due again later.
     static QString snoozeAction();
 
+    /// The key of the action that some servers send for a click on the notification itself, also if
+    /// it has no such action. The user has seen the alarm then.
+    static QString defaultAction();
+
     explicit CallAlarm(Alarm alarm);
 
     /// Returns the number to call. It is empty if the alarm, which may be another application's,

@@ -99,6 +99,8 @@ void ShownAlarm::whenInvoked(uint id, const QString &action)
         m_services.callUi.dial(m_alarm.number(), this, acted);
     else if (action == CallAlarm::snoozeAction())
         m_services.daemon.add(m_alarm.snoozed(QDateTime::currentDateTime()), this, acted);
+    else if (action == CallAlarm::defaultAction())
+        return answer();
     else
         return;
     m_phase = Phase::Acting;
