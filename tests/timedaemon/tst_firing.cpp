@@ -276,7 +276,7 @@ void TestFiring::systemClockTakesAnyTime()
                               std::numeric_limits<qint64>::max()}) {
         clock.wakeAt(time);
         other.wakeAt(0);
-        QTRY_VERIFY(otherWoke.size() > 0);
+        QTRY_VERIFY(!otherWoke.isEmpty());
         otherWoke.clear();
     }
     QCOMPARE(woke.size(), 0);
