@@ -47,7 +47,7 @@ public:
     {
         const int size = next();
         if (size >= 250)
-            return QString((size - 249) * 12'000, QChar(0x430));
+            return {(size - 249) * 12'000, QChar(0x430)};
         QByteArray bytes;
         for (int i = 0; i < size / 16; ++i)
             bytes.append(static_cast<char>(next()));

@@ -13,6 +13,7 @@
 #include <cstdlib>
 
 /// Qt's JSON reader leaks the first value of a key that comes twice.
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the sanitizer prescribes this name
 extern "C" const char *__lsan_default_suppressions()
 {
     return "leak:libQt5Core";
