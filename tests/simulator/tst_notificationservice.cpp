@@ -59,6 +59,7 @@ private Q_SLOTS:
     void dismisses();
     void runsARemoteAction();
     void invokesAnActionWithoutARemoteCall();
+    void leavesAResidentNotificationOpen();
     void refusesToClickWhatIsNotThere();
     void survivesABrokenRemoteAction_data();
     void survivesABrokenRemoteAction();
@@ -343,6 +344,16 @@ void TestNotificationService::invokesAnActionWithoutARemoteCall()
     QCOMPARE(m_service->nextSignal(u"ActionInvoked"_s).arguments(),
              QVariantList({1U, u"default"_s}));
     QCOMPARE(m_service->nextSignal(u"NotificationClosed"_s).arguments(), QVariantList({1U, 2U}));
+}
+
+void TestNotificationService::leavesAResidentNotificationOpen()
+{
+    show(0, {u"call"_s, u"Call"_s}, {{u"resident"_s, true}});
+    QCOMPARE(m_service->call(control, u"Click"_s, {1U, u"call"_s}).type(),
+             QDBusMessage::ReplyMessage);
+    QCOMPARE(m_service->nextSignal(u"ActionInvoked"_s).arguments(), QVariantList({1U, u"call"_s}));
+    QCOMPARE(ids(), QList<uint>{1});
+    QVERIFY(m_service->pendingSignals().filter(u"NotificationClosed"_s).isEmpty());
 }
 
 void TestNotificationService::refusesToClickWhatIsNotThere()

@@ -38,6 +38,7 @@ private Q_SLOTS:
     void showsRulesThatOthersSet();
     void showsAlarms();
     void showsNotifications();
+    void answersDueAlarms();
     void controlsServices();
     void showsNothingOfAServiceThatIsAway();
     void opensAndWritesQuickReplies();
@@ -161,6 +162,31 @@ void TestPanel::showsNotifications()
     QCOMPARE(item(u"dismiss 3"_s), lastButton); // It can still be pressed.
     click(u"dismiss 3"_s, u"dismiss 3"_s);
     QTRY_VERIFY(!isShown(u"dismiss 3"_s));
+}
+
+void TestPanel::answersDueAlarms()
+{
+    QVERIFY(startWith("import QtQuick 2.15\nimport com.nimbo.parley 1.0\n"
+                      "Item { ParleyUiAdaptor { onDial: console.info('dial', number) } }\n"));
+    for (const QString &name : {u"Ada"_s, u"Bob"_s})
+        panel()->run({u"remind"_s, u"555"_s, u"3600"_s, name});
+    QTRY_VERIFY(isShown(u"dismiss 2"_s));
+    click(u"dismiss 1"_s, u"dismiss 1"_s); // Those of the reminders.
+    click(u"dismiss 2"_s, u"dismiss 2"_s);
+
+    click(u"fire 1"_s, u"fire 1"_s);
+    QTRY_COMPARE(textOf(u"summary 3"_s), u"Ada"_s);
+    QCOMPARE(textOf(u"click 3 call"_s), u"Call"_s);
+    QCOMPARE(textOf(u"click 3 snooze"_s), u"In 10 minutes"_s);
+    click(u"click 3 call"_s, u"click 3 call"_s);
+    QTRY_VERIFY(!isShown(u"click 3"_s));
+    QVERIFY2(m_lines.contains(u"ui: dial 555"_s), qUtf8Printable(m_lines.join(u'\n')));
+
+    click(u"fire 2"_s, u"fire 2"_s);
+    QTRY_COMPARE(textOf(u"summary 4"_s), u"Bob"_s);
+    click(u"click 4 snooze"_s, u"click 4 snooze"_s);
+    QTRY_VERIFY(!isShown(u"click 4"_s));
+    QTRY_VERIFY(textOf(u"left 3"_s).startsWith(u"0:09:5"_s) || textOf(u"left 3"_s) == u"0:10:00"_s);
 }
 
 void TestPanel::controlsServices()
