@@ -326,7 +326,7 @@ def idle_with_alarms(table, programs):
         bus = dbus.bus.BusConnection(handset.system)
         daemon = bus.get_object("com.nimbo.timed", "/com/nimbo/timed", introspect=False)
         for i in range(ALARMS):
-            event = dbus.Struct((3, 4102444800 + i, {"TITLE": "Ada"}), signature="uxa{ss}")
+            event = (dbus.UInt32(3), dbus.Int64(4102444800 + i), {"TITLE": "Ada"})
             daemon.add_event(event, dbus_interface="com.nimbo.timed")
         bus.close()
         names = ["time-daemon", "alarm-service"]
