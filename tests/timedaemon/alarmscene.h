@@ -15,7 +15,7 @@
 #include <memory>
 
 /// Private buses with the services that an alarm deals with. The test answers for each of them. A
-/// failed expectation is logged, and cleanUp() then fails the test.
+/// failed expectation is logged, and is among the lines that end() returns.
 class AlarmScene
 {
 public:
@@ -29,7 +29,7 @@ public:
     PrivateBus &sessionBus() { return m_sessionBus; }
     PrivateBus &systemBus() { return m_systemBus; }
 
-    /// Starts the services that the arguments name, and collects the log from here on.
+    /// Starts the services, and collects the log from here on.
     void begin();
     /// Returns what was not expected: calls that nobody has taken, and lines of the log.
     QStringList end();
@@ -55,11 +55,11 @@ public:
     /// Takes the request to dismiss an alarm and answers it.
     void dismiss(uint cookie);
 
-    /// Starts the notification server. It takes the question for its capabilities unless \a
-    /// capabilities is null.
+    /// Starts the notification server.
     void startServer();
     void stopServer() { m_server.reset(); }
     ScriptedService &server() { return *m_server; }
+    /// Takes the question for the server's capabilities and answers it.
     void answerCapabilities(const QStringList &capabilities = {});
     /// Takes the request for a notification with that number as its summary, and answers it.
     void show(uint id, const QString &number = QStringLiteral("5551234"));

@@ -440,6 +440,9 @@ void TestTimeDaemon::putsABrokenFileAside_data()
     QTest::newRow("no last cookie") << QByteArray(R"({"alarms": [], "due": []})");
     QTest::newRow("last cookie too large")
         << QByteArray(R"({"lastCookie": 4294967296, "alarms": [], "due": []})");
+    QTest::newRow("a cookie of two alarms") << QByteArray(R"({"lastCookie": 7,
+            "alarms": [{"cookie": 1, "flags": 3, "ticker": "5", "attributes": {}}],
+            "due": [{"cookie": 1, "flags": 3, "ticker": "5", "attributes": {}}]})");
     const QByteArray alarm = R"({"lastCookie": 7, "alarms": [%], "due": []})";
     for (const char *broken :
          {"5", "{}", R"({"cookie": 0, "flags": 3, "ticker": "5", "attributes": {}})",

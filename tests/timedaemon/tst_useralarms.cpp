@@ -63,6 +63,8 @@ private Q_SLOTS:
     void ordersDueAlarms();
     void dropsTheOldestDueAlarms();
     void firesWhatItCannotKeep();
+    void keepsNothingOfARefusedAlarm();
+    void leavesAFileThatItCannotRead();
     void loadsNoPartOfAFile();
     void survivesRandomBytes();
     void touchesNothingBehindADamagedFile();
@@ -124,6 +126,8 @@ void TestUserAlarms::keepsAnyText()
     const Alarm alarm{std::numeric_limits<uint>::max(),
                       std::numeric_limits<qlonglong>::min(),
                       {{QString(), QString()},
+                       {u"x"_s, u"\uFEFF"_s},
+                       {u"\uFEFFx"_s, u"\uFEFF\uFEFFx\uFEFF"_s},
                        {u"\"\\\n\t\u2028"_s, u"Ада \U0001F600 \uFFFE\u0001"_s},
                        {u"TITLE"_s, QString(1000, u'\u0430')}}};
     QCOMPARE(cookieOf(UserAlarms(path()).add(alarm)), 1U);
@@ -174,11 +178,11 @@ void TestUserAlarms::refusesTooMuchText()
     UserAlarms alarms(path());
     constexpr int size = UserAlarms::maxAlarmSize;
     const Alarm large = alarmAt(farAhead, {{QString(), QString(size, u'x')}});
-    for (uint i = 1; i <= UserAlarms::maxCharacters / size; ++i)
+    for (uint i = 1; i <= UserAlarms::maxCharacters / (size + 8); ++i)
         QCOMPARE(cookieOf(alarms.add(large)), i);
-    QCOMPARE(refusalOf(alarms.add(alarmAt(farAhead, {{QString(), u"x"_s}}))),
+    QCOMPARE(refusalOf(alarms.add(large)),
              limitsExceeded
-                 + u": the attributes of a user's alarms have at most 8388608 characters"_s);
+                 + u": the attributes of a user's alarms have at most 4194304 characters"_s);
     QVERIFY(cookieOf(alarms.add(alarmAt(farAhead))) > 0);
     QVERIFY(cookieOf(alarms.add(large, 1)) > 0);
 }
@@ -273,6 +277,31 @@ void TestUserAlarms::firesWhatItCannotKeep()
     QVERIFY(UserAlarms(path()).pending().isEmpty());
 }
 
+/// The next alarm gets the cookie that the refused one would have had.
+void TestUserAlarms::keepsNothingOfARefusedAlarm()
+{
+    UserAlarms alarms(path());
+    const QString folder = QFileInfo(path()).path();
+    QFile inTheWay(folder);
+    QVERIFY(inTheWay.open(QIODevice::WriteOnly));
+    QVERIFY(!refusalOf(alarms.add(alarmAt(farAhead, {{u"TITLE"_s, u"refused"_s}}))).isEmpty());
+    QVERIFY(inTheWay.remove());
+    const Alarm kept = alarmAt(farAhead, {{u"TITLE"_s, u"kept"_s}});
+    QCOMPARE(cookieOf(alarms.add(kept)), 1U);
+    QCOMPARE(UserAlarms(path()).pending(), AlarmsByCookie({{1, kept}}));
+}
+
+void TestUserAlarms::leavesAFileThatItCannotRead()
+{
+    QVERIFY(QDir().mkpath(path())); // A folder cannot be read as a file.
+    QTest::ignoreMessage(QtWarningMsg,
+                         QRegularExpression(u"^The alarms cannot be read from .*1000.json: ."_s));
+    UserAlarms alarms(path());
+    QVERIFY(refusalOf(alarms.add(alarmAt(farAhead)))
+                .startsWith(u"org.freedesktop.DBus.Error.IOError: "_s));
+    QVERIFY(QFileInfo(path()).isDir());
+}
+
 /// A file that was cut off anywhere is damaged, except for the newline at its end.
 void TestUserAlarms::loadsNoPartOfAFile()
 {
@@ -355,7 +384,7 @@ void TestUserAlarms::touchesNothingBehindADamagedFile()
     UserAlarms alarms(name);
     QCOMPARE(refusalOf(alarms.add(alarmAt(farAhead))),
              u"org.freedesktop.DBus.Error.IOError: the alarms cannot be kept: "
-             "a damaged file is in the way"_s);
+             "a file that was not read is in the way"_s);
     QVERIFY(damaged.open(QIODevice::ReadOnly));
     QCOMPARE(damaged.readAll(), QByteArray("damaged"));
 }

@@ -11,6 +11,7 @@
 #include <QDBusPendingCall>
 #include <QDBusServiceWatcher>
 
+#include <limits>
 #include <utility>
 
 namespace {
@@ -123,5 +124,11 @@ void DueAlarms::ask(const QString &interface, const QString &method, const QVari
 {
     QDBusMessage call = QDBusMessage::createMethodCall(service, path, interface, method);
     call.setArguments(arguments);
-    whenAnswered(m_bus.asyncCall(call), context, handler);
+    // A daemon that is slow has due alarms all the same, and the bus answers for one that ends. An
+    // action is different: its user waits, and may choose again.
+    constexpr int forEver = std::numeric_limits<int>::max();
+    constexpr int stockTimeOut = -1;
+    const bool isAction =
+        method == QLatin1String("add_event") || method == QLatin1String("Dismiss");
+    whenAnswered(m_bus.asyncCall(call, isAction ? stockTimeOut : forEver), context, handler);
 }

@@ -51,11 +51,16 @@ void NotificationServer::start()
          {std::pair("NotificationClosed", "uu"), std::pair("ActionInvoked", "us")})
         m_bus.connect(service, path, service, QLatin1String(name), {}, QLatin1String(signature),
                       this, SLOT(signalled(QDBusMessage)));
+    askForOwner();
+}
+
+/// An answer that there is none is old if the server has announced itself meanwhile.
+void NotificationServer::askForOwner()
+{
     whenAnswered(m_bus.asyncCall(busQuestion(QStringLiteral("GetNameOwner"), service)), this,
                  [this](const QDBusMessage &answer) {
-                     setOwner(isFromBus(answer) && isReply(answer, "s")
-                                  ? answer.arguments().constFirst().toString()
-                                  : QString());
+                     if (isFromBus(answer) && isReply(answer, "s"))
+                         setOwner(answer.arguments().constFirst().toString());
                  });
 }
 
@@ -67,8 +72,10 @@ void NotificationServer::wake()
     question.setArguments({service, 0U});
     whenAnswered(m_bus.asyncCall(question), this, [this](const QDBusMessage &answer) {
         m_isWaking = false;
-        if (answer.type() != QDBusMessage::ErrorMessage)
+        if (answer.type() != QDBusMessage::ErrorMessage) {
+            askForOwner();
             return;
+        }
         report("The notification server cannot be started", answer);
         // A server that the bus does not know announces itself when it is there.
         if (answer.errorName() != QDBusError::errorString(QDBusError::ServiceUnknown))

@@ -69,6 +69,7 @@ private Q_SLOTS:
     void signalled(const QDBusMessage &signal);
 
 private:
+    void askForOwner();
     void setOwner(const QString &owner);
     void setCapabilities(const QDBusMessage &answer);
     void shown(const QDBusMessage &answer, bool isWanted, const std::function<void(uint)> &handler);

@@ -11,6 +11,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <algorithm>
 #include <cerrno>
 #include <limits>
 
@@ -80,7 +81,22 @@ QByteArray toJson(uint cookie, const Alarm &alarm)
                              {QStringLiteral("flags"), static_cast<qint64>(alarm.flags)},
                              {QStringLiteral("ticker"), QString::number(alarm.ticker)},
                              {QStringLiteral("attributes"), attributes}};
-    return QJsonDocument(object).toJson(QJsonDocument::Compact);
+    // Qt drops a byte-order mark at the start of a text that it reads, unless it is escaped.
+    return QJsonDocument(object).toJson(QJsonDocument::Compact).replace("\xef\xbb\xbf", "\\ufeff");
+}
+
+/// Returns the content of a file. \a texts has the text of each alarm.
+QByteArray toJson(const Alarms &alarms, const QHash<uint, QByteArray> &texts)
+{
+    const auto toList = [&texts](const AlarmsByCookie &some) {
+        QByteArrayList list;
+        list.reserve(some.size());
+        for (auto it = some.cbegin(); it != some.cend(); ++it)
+            list.append(texts.value(it.key()));
+        return list.join(",\n");
+    };
+    return "{\"lastCookie\": " + QByteArray::number(alarms.lastCookie) + ", \"alarms\": [\n"
+        + toList(alarms.pending) + "\n], \"due\": [\n" + toList(alarms.due) + "\n]}\n";
 }
 
 QString lastError()
@@ -106,18 +122,6 @@ QString writeThrough(const QString &path, const QByteArray &content)
     return fsync(file.handle()) == 0 ? QString() : lastError();
 }
 
-/// Waits until a folder's list of files is on the disk. Returns why that failed, or nothing.
-QString syncFolder(const QString &path)
-{
-    const int folder =
-        open(QFile::encodeName(path).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (folder < 0)
-        return lastError();
-    const QString error = fsync(folder) == 0 ? QString() : lastError();
-    close(folder);
-    return error;
-}
-
 } // namespace
 
 AlarmFile::AlarmFile(const QString &path)
@@ -130,32 +134,46 @@ Alarms AlarmFile::load()
     QFile file(m_path);
     if (!file.exists())
         return {};
-    if (!file.open(QIODevice::ReadOnly)) {
-        putAside(file.errorString());
+    const QByteArray content = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    if (file.error() != QFileDevice::NoError) {
+        m_isReplaceable = false;
+        qWarning("The alarms cannot be read from %s: %s", qUtf8Printable(m_path),
+                 qUtf8Printable(file.errorString()));
         return {};
     }
-    const auto alarms = parse(file.readAll());
+    const auto alarms = parse(content);
     if (!alarms)
-        putAside(QStringLiteral("it is damaged"));
+        putAside();
     return alarms.value_or(Alarms());
 }
 
 QString AlarmFile::save(const Alarms &alarms)
 {
     if (!m_isReplaceable)
-        return QStringLiteral("a damaged file is in the way");
-    const QString folder = QFileInfo(m_path).path();
+        return QStringLiteral("a file that was not read is in the way");
+    const QString folderPath = QFileInfo(m_path).path();
+    QDir().mkpath(folderPath);
+    const int folder =
+        open(QFile::encodeName(folderPath).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (folder < 0)
+        return lastError();
     const QString newPath = m_path + QLatin1String(".new");
-    QDir().mkpath(folder);
-    QString error = writeThrough(newPath, toJson(alarms));
+    const Texts texts = textsOf(alarms);
+    QString error = writeThrough(newPath, toJson(alarms, texts));
     if (error.isEmpty()
         && rename(QFile::encodeName(newPath).constData(), QFile::encodeName(m_path).constData()))
         error = lastError();
-    if (!error.isEmpty()) {
+    if (error.isEmpty()) {
+        m_texts = texts;
+        // The new file is in place. To call that a failure would be wrong as well.
+        if (fsync(folder) != 0)
+            qWarning("The alarms in %s may not survive a power cut: %s", qUtf8Printable(m_path),
+                     qUtf8Printable(lastError()));
+    } else {
         QFile::remove(newPath);
-        return error;
     }
-    return syncFolder(folder);
+    close(folder);
+    return error;
 }
 
 std::optional<Alarms> AlarmFile::parse(const QByteArray &content)
@@ -166,41 +184,34 @@ std::optional<Alarms> AlarmFile::parse(const QByteArray &content)
     const auto due = toAlarms(object.value(QLatin1String("due")));
     if (!lastCookie || !pending || !due)
         return std::nullopt;
+    const QList<uint> dueCookies = due->keys();
+    if (std::any_of(dueCookies.cbegin(), dueCookies.cend(),
+                    [&pending](uint cookie) { return pending->contains(cookie); }))
+        return std::nullopt;
     return Alarms{*lastCookie, *pending, *due};
 }
 
-/// Puts the file together from the texts of its alarms: to encode thousands anew for each change
-/// takes much longer.
-QByteArray AlarmFile::toJson(const Alarms &alarms)
+/// Takes the texts of alarms that were saved before: to encode thousands anew for each change takes
+/// much longer.
+AlarmFile::Texts AlarmFile::textsOf(const Alarms &alarms) const
 {
-    QHash<uint, QByteArray> texts;
+    Texts texts;
     texts.reserve(alarms.pending.size() + alarms.due.size());
-    const auto toList = [this, &texts](const AlarmsByCookie &some) {
-        QByteArrayList list;
-        list.reserve(some.size());
+    for (const AlarmsByCookie &some : {alarms.pending, alarms.due}) {
         for (auto it = some.cbegin(); it != some.cend(); ++it) {
-            QByteArray text = m_texts.value(it.key());
-            if (text.isNull())
-                text = ::toJson(it.key(), it.value());
-            texts.insert(it.key(), text);
-            list.append(text);
+            const QByteArray text = m_texts.value(it.key());
+            texts.insert(it.key(), text.isNull() ? toJson(it.key(), it.value()) : text);
         }
-        return list.join(",\n");
-    };
-    const QByteArray content = "{\"lastCookie\": " + QByteArray::number(alarms.lastCookie)
-        + ", \"alarms\": [\n" + toList(alarms.pending) + "\n], \"due\": [\n" + toList(alarms.due)
-        + "\n]}\n";
-    m_texts = texts;
-    return content;
+    }
+    return texts;
 }
 
-void AlarmFile::putAside(const QString &why)
+void AlarmFile::putAside()
 {
     QString other = m_path + QLatin1String(".broken");
     for (int i = 2; QFile::exists(other); ++i)
         other = QStringLiteral("%1.broken-%2").arg(m_path).arg(i);
     m_isReplaceable = QDir().rename(m_path, other);
-    qWarning("The alarms cannot be read from %s: %s. %s %s", qUtf8Printable(m_path),
-             qUtf8Printable(why), m_isReplaceable ? "It is now" : "It cannot be moved to",
-             qUtf8Printable(other));
+    qWarning("The alarms cannot be read from %s: it is damaged. %s %s", qUtf8Printable(m_path),
+             m_isReplaceable ? "It is now" : "It cannot be moved to", qUtf8Printable(other));
 }

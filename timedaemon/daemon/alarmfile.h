@@ -27,7 +27,7 @@ public:
     explicit AlarmFile(const QString &path);
 
     /// Returns the alarms that were saved last; none if there is no file. A damaged file is
-    /// renamed, with a warning in the log.
+    /// renamed, with a warning in the log. A file that cannot be read stays, and save() fails.
     Alarms load();
 
     /// Replaces the file in one step and returns when that is on the disk: after a power cut there
@@ -39,10 +39,12 @@ public:
     static std::optional<Alarms> parse(const QByteArray &content);
 
 private:
-    QByteArray toJson(const Alarms &alarms);
-    void putAside(const QString &why);
+    using Texts = QHash<uint, QByteArray>; ///< Alarms as they stand in the file, by cookie.
+
+    Texts textsOf(const Alarms &alarms) const;
+    void putAside();
 
     const QString m_path;
-    QHash<uint, QByteArray> m_texts; ///< The alarms in the file as they stand there, by cookie.
-    bool m_isReplaceable = true; ///< False while a damaged file stands in the way.
+    Texts m_texts; ///< Those of the last save.
+    bool m_isReplaceable = true; ///< False while there is a file that was not read.
 };

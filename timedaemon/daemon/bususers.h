@@ -10,8 +10,8 @@
 
 #include <optional>
 
-/// Knows whose the connections to a bus are, as the bus daemon tells it. Both functions may block
-/// until it answers.
+/// Tells which user owns a connection to a bus, as the bus daemon reports it. Both functions may
+/// block until it answers.
 class BusUsers
 {
 public:

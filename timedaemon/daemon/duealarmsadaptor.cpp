@@ -10,8 +10,9 @@ DueAlarmsAdaptor::DueAlarmsAdaptor(TimeDaemon &daemon)
     , m_daemon(daemon)
 {
     connect(&daemon, &TimeDaemon::dueChanged, this, [this](uint user) {
-        m_daemon.tell(user, QStringLiteral("com.nimbo.parley.DueAlarms"), QStringLiteral("Changed"),
-                      {});
+        m_daemon.tell(user,
+                      {QStringLiteral("com.nimbo.parley.DueAlarms"), QStringLiteral("Changed"), 0,
+                       [] { return QVariantList(); }});
     });
 }
 

@@ -10,7 +10,7 @@
 class TimeDaemon;
 
 /// The interface for a program that shows a user's due alarms. An alarm with the reminder flag
-/// stays due until it is dismissed. Each caller sees the alarms of the own user alone.
+/// stays due until it is dismissed. Each caller sees the alarms of its own user only.
 class DueAlarmsAdaptor : public QDBusAbstractAdaptor
 {
     Q_OBJECT
@@ -21,7 +21,7 @@ public:
     explicit DueAlarmsAdaptor(TimeDaemon &daemon);
 
 public Q_SLOTS:
-    /// Returns the cookies of the due alarms: first the one that has been due for the longest time.
+    /// Returns the cookies of the due alarms: first the one with the earliest time.
     QList<uint> List();
     /// Returns a due alarm. Replies with an error (InvalidArgs) if there is none with that cookie.
     Alarm Get(uint cookie);

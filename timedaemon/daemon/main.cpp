@@ -44,9 +44,6 @@ int main(int argc, char *argv[])
 
     QDBusConnection bus = QDBusConnection::systemBus();
     removeReceiveLimits(bus);
-    bus.connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
-                QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"),
-                QCoreApplication::instance(), SLOT(quit()));
 
     SystemClock clock;
     TimeDaemon daemon(parser.value(state), clock, bus);

@@ -3,8 +3,11 @@
 
 #include "timedaemon.h"
 
+#include <QCoreApplication>
 #include <QDBusMessage>
 #include <QDir>
+
+#include <cstdlib>
 
 namespace {
 
@@ -29,6 +32,7 @@ TimeDaemon::TimeDaemon(const QString &stateFolder, WallClock &clock, const QDBus
     , m_clock(clock)
     , m_bus(bus)
     , m_busUsers(bus)
+    , m_signals(bus, objectPath)
 {
     registerAlarmTypes();
     connect(&m_clock, &WallClock::woke, this, &TimeDaemon::fireDue);
@@ -42,9 +46,18 @@ bool TimeDaemon::start()
                                   | QDBusConnection::ExportAdaptors)
         || !m_bus.registerService(busName))
         return false;
+    m_bus.connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
+                  QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"),
+                  this, SLOT(loseBus()));
     load();
     scheduleNext();
     return true;
+}
+
+void TimeDaemon::loseBus()
+{
+    qCritical("The system bus has ended, or has closed the connection.");
+    QCoreApplication::exit(EXIT_FAILURE);
 }
 
 void TimeDaemon::load()
@@ -158,25 +171,28 @@ bool TimeDaemon::dismiss(uint user, uint cookie)
 
 /// Queued behind the reply to the call that changed the alarms, so that a client that replaced an
 /// alarm knows the new cookie before it hears that the old one has gone. The list also has what
-/// other calls have added by then.
-void TimeDaemon::tellTriggersLater(uint user)
+/// other calls have added by then. \a times is how many alarms have changed.
+void TimeDaemon::tellTriggersLater(uint user, int times)
 {
-    const auto tellTriggers = [this, user] {
-        tell(user, busName, QStringLiteral("alarm_triggers_changed"),
-             {QVariant::fromValue(triggersOf(alarmsOf(user).pending()))});
+    const auto arguments = [this, user] {
+        return QVariantList{QVariant::fromValue(triggersOf(alarmsOf(user).pending()))};
+    };
+    const auto tellTriggers = [this, user, times, arguments] {
+        constexpr int bytesPerTicker = 16;
+        tell(user,
+             {busName, QStringLiteral("alarm_triggers_changed"),
+              bytesPerTicker * alarmsOf(user).pending().size(), arguments},
+             times);
     };
     QMetaObject::invokeMethod(this, tellTriggers, Qt::QueuedConnection);
 }
 
-void TimeDaemon::tell(uint user, const QString &interface, const QString &member,
-                      const QVariantList &arguments)
+void TimeDaemon::tell(uint user, const PacedSignals::Signal &signal, int times)
 {
     const QStringList connections = m_busUsers.connectionsOf(user);
     for (const QString &connection : connections) {
-        QDBusMessage signal =
-            QDBusMessage::createTargetedSignal(connection, objectPath, interface, member);
-        signal.setArguments(arguments);
-        m_bus.send(signal);
+        for (int i = 0; i < times; ++i)
+            m_signals.send(connection, signal);
     }
 }
 
@@ -187,11 +203,10 @@ void TimeDaemon::fireDue()
         const QList<uint> cookies = alarms.fire(now);
         if (cookies.isEmpty())
             continue;
-        for (const uint cookie : cookies) {
+        for (const uint cookie : cookies)
             Q_EMIT fired(user, cookie);
-            tellTriggersLater(user);
-        }
         Q_EMIT dueChanged(user);
+        tellTriggersLater(user, cookies.size());
     }
     scheduleNext();
 }

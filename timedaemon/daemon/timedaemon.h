@@ -4,6 +4,7 @@
 #pragma once
 
 #include "bususers.h"
+#include "pacedsignals.h"
 #include "useralarms.h"
 #include "wallclock.h"
 
@@ -18,7 +19,7 @@
 
 /// The time daemon, "com.nimbo.timed" at "/com/nimbo/timed" on the system bus. It keeps the alarms
 /// of each user, and fires them by the wall clock. The scriptable members are its interface: each
-/// caller sees and changes the alarms of the own user alone.
+/// caller sees and changes the alarms of its own user only.
 class TimeDaemon : public QObject, public QDBusContext
 {
     Q_OBJECT
@@ -58,9 +59,9 @@ public:
     /// error if that cannot be kept.
     bool dismiss(uint user, uint cookie);
 
-    /// Sends a signal of the daemon's object to each connection of \a user.
-    void tell(uint user, const QString &interface, const QString &member,
-              const QVariantList &arguments);
+    /// Sends a signal to each connection of \a user, \a times times. A connection that does not
+    /// read gets fewer.
+    void tell(uint user, const PacedSignals::Signal &signal, int times = 1);
 
 Q_SIGNALS:
     /// An alarm was added, cancelled or has fired. \a triggers are the times of those that remain.
@@ -73,6 +74,9 @@ Q_SIGNALS:
     void fired(uint user, uint cookie);
     /// The list of the user's due alarms has changed.
     void dueChanged(uint user);
+
+private Q_SLOTS:
+    void loseBus();
 
 private:
     /// Returns the value of \a result. Replies with its refusal instead, if it is one.
@@ -87,7 +91,7 @@ private:
     }
 
     void load();
-    void tellTriggersLater(uint user);
+    void tellTriggersLater(uint user, int times = 1);
     void fireDue();
     void scheduleNext();
 
@@ -95,5 +99,6 @@ private:
     WallClock &m_clock;
     QDBusConnection m_bus;
     BusUsers m_busUsers;
+    PacedSignals m_signals;
     std::map<uint, UserAlarms> m_alarms; ///< By user.
 };

@@ -11,7 +11,9 @@ TimeDaemonControl::TimeDaemonControl(TimeDaemon &daemon)
 {
     const auto tellOf = [this](const QString &member) {
         return [this, member](uint user, uint cookie) {
-            m_daemon.tell(user, QStringLiteral("com.nimbo.simulator.TimeDaemon"), member, {cookie});
+            m_daemon.tell(user,
+                          {QStringLiteral("com.nimbo.simulator.TimeDaemon"), member, 0,
+                           [cookie] { return QVariantList{cookie}; }});
         };
     };
     connect(&daemon, &TimeDaemon::added, this, tellOf(QStringLiteral("Added")));

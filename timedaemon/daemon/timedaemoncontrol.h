@@ -10,7 +10,7 @@
 class TimeDaemon;
 
 /// The interface through which a simulated handset controls the time daemon. Each caller sees and
-/// fires the alarms of the own user alone.
+/// fires the alarms of its own user only.
 class TimeDaemonControl : public QDBusAbstractAdaptor
 {
     Q_OBJECT

@@ -23,7 +23,7 @@ int bytesOf(const Alarm &alarm)
 
 int charactersOf(const Alarm &alarm)
 {
-    int characters = 0;
+    int characters = 8 * alarm.attributes.size();
     for (auto it = alarm.attributes.cbegin(); it != alarm.attributes.cend(); ++it)
         characters += it.key().size() + it.value().size();
     return characters;
@@ -178,14 +178,14 @@ void UserAlarms::makeDue(const QList<uint> &cookies)
         if (alarm.flags & reminderFlag)
             m_alarms.due.insert(cookie, alarm);
     }
-    dropOldestDue();
+    dropEarliestDue();
     const QString error = m_file.save(m_alarms);
     // The user is told of a due alarm in any case. At worst it is due once more after a restart.
     if (!error.isEmpty())
         qWarning("Due alarms cannot be kept: %s", qUtf8Printable(error));
 }
 
-void UserAlarms::dropOldestDue()
+void UserAlarms::dropEarliestDue()
 {
     int count = 0;
     int characters = charactersOf(m_alarms.due);

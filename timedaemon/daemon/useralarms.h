@@ -26,9 +26,10 @@ public:
     static constexpr int maxAlarms = 10'000; ///< Those that have yet to fire.
     static constexpr int maxAttributes = 64; ///< Of an alarm.
     static constexpr int maxAlarmSize = 64 * 1024; ///< Bytes of UTF-8 in an alarm's attributes.
-    /// UTF-16 characters in the attributes of all alarms that have yet to fire. The due ones may
-    /// have as many.
-    static constexpr int maxCharacters = 8 * 1024 * 1024;
+    /// UTF-16 characters in the attributes of all alarms that have yet to fire, and eight more for
+    /// each attribute. The due ones may have as many. An answer with all of them stays below 16
+    /// MiB: a stock system bus disconnects whoever sends a message of more than 32 MiB.
+    static constexpr int maxCharacters = 4 * 1024 * 1024;
 
     /// Loads the alarms from the file at \a path, and keeps changes there.
     explicit UserAlarms(const QString &path);
@@ -36,7 +37,7 @@ public:
     const AlarmsByCookie &pending() const { return m_alarms.pending; }
     /// Returns the alarms that have fired, had the reminder flag, and were not dismissed.
     const AlarmsByCookie &due() const { return m_alarms.due; }
-    /// Returns their cookies: first the one that has been due for the longest time.
+    /// Returns their cookies: first the one with the earliest time.
     QList<uint> dueInOrder() const;
 
     /// Returns when the next alarm is due, in seconds since 1970-01-01 00:00 UTC.
@@ -54,8 +55,7 @@ public:
 
     /// Fires the alarms whose time has come. Those with the reminder flag are due then, the others
     /// are removed. Returns the cookies. An alarm fires even if that cannot be kept. If too many
-    /// are due, those that have been due for the longest time are dropped, with a warning in the
-    /// log.
+    /// are due, those with the earliest times are dropped, with a warning in the log.
     QList<uint> fire(qint64 now);
 
     /// Fires an alarm ahead of its time. Returns false if no pending alarm has that cookie.
@@ -67,7 +67,7 @@ public:
 private:
     std::optional<Refusal> change(const Alarms &alarms);
     void makeDue(const QList<uint> &cookies);
-    void dropOldestDue();
+    void dropEarliestDue();
 
     AlarmFile m_file;
     Alarms m_alarms;
