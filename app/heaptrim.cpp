@@ -19,13 +19,18 @@
 #include <malloc.h>
 #endif
 
+namespace {
+
+constexpr std::chrono::seconds shortestWait(5);
+constexpr std::chrono::seconds longestWait(80);
+
+} // namespace
+
 HeapTrim::HeapTrim(QQmlEngine &engine)
     : m_engine(engine)
     , m_size(QStringLiteral("/proc/self/statm")) // proc(5)
 {
-    using namespace std::chrono_literals;
     m_later.setSingleShot(true);
-    m_later.setInterval(5s);
     connect(&m_later, &QTimer::timeout, this, &HeapTrim::actAfterWaitingRequests);
     if (m_size.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
         connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this,
@@ -40,8 +45,11 @@ void HeapTrim::look()
         m_pagesBefore = pages;
     if (m_isDue || pages < m_pagesBefore + much)
         return;
+    if (!m_later.isActive()) {
+        m_mostPages = m_pagesBefore + much;
+        m_wait = shortestWait;
+    }
     actAfterWaitingRequests();
-    m_later.start();
 }
 
 /// Serves the requests that still wait first: their memory is in use.
@@ -59,6 +67,10 @@ void HeapTrim::customEvent(QEvent *)
     malloc_trim(0);
 #endif
     m_pagesBefore = residentPages();
+    if (m_pagesBefore >= m_mostPages && m_wait <= longestWait) {
+        m_later.start(m_wait);
+        m_wait *= 2;
+    }
 }
 
 /// Reads the second number of the file. This happens at each turn of the event loop, so it has to

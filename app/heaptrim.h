@@ -7,6 +7,8 @@
 #include <QObject>
 #include <QTimer>
 
+#include <chrono>
+
 class QQmlEngine;
 
 /// Returns memory to the system that was taken for requests and is no longer in use. Other
@@ -14,8 +16,9 @@ class QQmlEngine;
 /// collects garbage, and the C library keeps free memory that lies below memory in use.
 ///
 /// The object looks at the size of the process whenever the event loop is about to wait. It acts
-/// when the size has grown by 32 MiB, and once more five seconds later: a request that was being
-/// read meanwhile is no longer in use by then. Create it in the thread that runs the event loop.
+/// when the size has grown by 32 MiB. If the process is still as large after that, it acts again
+/// five times at most, later each time: a request that was being read meanwhile is no longer in use
+/// by then. Create it in the thread that runs the event loop.
 class HeapTrim : public QObject
 {
     Q_OBJECT
@@ -38,6 +41,9 @@ private:
     QFile m_size;
     /// The smallest size since memory was last returned; 0 before the first look.
     qint64 m_pagesBefore = 0;
+    /// The process is too large with so many.
+    qint64 m_mostPages = 0;
     bool m_isDue = false;
     QTimer m_later;
+    std::chrono::seconds m_wait{}; ///< How long m_later waits the next time.
 };
