@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <limits>
+#include <utility>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -124,8 +125,8 @@ QString writeThrough(const QString &path, const QByteArray &content)
 
 } // namespace
 
-AlarmFile::AlarmFile(const QString &path)
-    : m_path(path)
+AlarmFile::AlarmFile(QString path)
+    : m_path(std::move(path))
 {
 }
 

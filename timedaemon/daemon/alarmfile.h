@@ -24,7 +24,7 @@ class AlarmFile
 {
 public:
     /// The file is at \a path; neither it nor its folder needs to exist.
-    explicit AlarmFile(const QString &path);
+    explicit AlarmFile(QString path);
 
     /// Returns the alarms that were saved last; none if there is no file. A damaged file is
     /// renamed, with a warning in the log. A file that cannot be read stays, and save() fails.

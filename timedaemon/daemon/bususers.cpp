@@ -7,6 +7,8 @@
 
 #include <QDBusMessage>
 
+#include <utility>
+
 namespace {
 
 /// Connections that have gone are forgotten when so many are known.
@@ -14,8 +16,8 @@ constexpr int maxKnown = 1000;
 
 } // namespace
 
-BusUsers::BusUsers(const QDBusConnection &bus)
-    : m_bus(bus)
+BusUsers::BusUsers(QDBusConnection bus)
+    : m_bus(std::move(bus))
 {
 }
 

@@ -15,7 +15,7 @@
 class BusUsers
 {
 public:
-    explicit BusUsers(const QDBusConnection &bus);
+    explicit BusUsers(QDBusConnection bus);
 
     /// Returns the user id of a connection, which is given by its unique name. Returns nothing if
     /// there is no such connection any more.

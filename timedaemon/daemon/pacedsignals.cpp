@@ -10,6 +10,7 @@
 
 #include <iterator>
 #include <limits>
+#include <utility>
 
 namespace {
 
@@ -22,10 +23,10 @@ constexpr int maxKnown = 1000; ///< Receivers that are not behind are forgotten 
 
 } // namespace
 
-PacedSignals::PacedSignals(const QDBusConnection &bus, const QString &path, QObject *parent)
+PacedSignals::PacedSignals(QDBusConnection bus, QString path, QObject *parent)
     : QObject(parent)
-    , m_bus(bus)
-    , m_path(path)
+    , m_bus(std::move(bus))
+    , m_path(std::move(path))
 {
 }
 

@@ -33,7 +33,7 @@ public:
         Arguments arguments;
     };
 
-    PacedSignals(const QDBusConnection &bus, const QString &path, QObject *parent = nullptr);
+    PacedSignals(QDBusConnection bus, QString path, QObject *parent = nullptr);
 
     void send(const QString &connection, const Signal &signal);
 

@@ -8,6 +8,7 @@
 #include <QDir>
 
 #include <cstdlib>
+#include <utility>
 
 namespace {
 
@@ -25,10 +26,10 @@ TickersByCookie triggersOf(const AlarmsByCookie &alarms)
 
 } // namespace
 
-TimeDaemon::TimeDaemon(const QString &stateFolder, WallClock &clock, const QDBusConnection &bus,
+TimeDaemon::TimeDaemon(QString stateFolder, WallClock &clock, const QDBusConnection &bus,
                        QObject *parent)
     : QObject(parent)
-    , m_stateFolder(stateFolder)
+    , m_stateFolder(std::move(stateFolder))
     , m_clock(clock)
     , m_bus(bus)
     , m_busUsers(bus)

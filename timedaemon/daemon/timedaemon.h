@@ -30,7 +30,7 @@ public:
     static constexpr int maxCookies = UserAlarms::maxAlarms;
 
     /// Keeps the alarms of each user in a file in \a stateFolder. \a clock must outlive the daemon.
-    TimeDaemon(const QString &stateFolder, WallClock &clock, const QDBusConnection &bus,
+    TimeDaemon(QString stateFolder, WallClock &clock, const QDBusConnection &bus,
                QObject *parent = nullptr);
 
     /// Registers the name and the object on the bus and loads the alarms. Those that are past due
