@@ -23,7 +23,7 @@ class ShownAlarm : public QObject
 public:
     struct Delays
     {
-        /// When the alarm is shown again that the server has closed or could not show.
+        /// How long until an alarm that the server closed or could not show is shown again.
         std::chrono::milliseconds again = std::chrono::minutes(1);
         /// How long an action is waited for after the notification was closed. Some servers close
         /// a notification first, and only then say that it was for an action.
