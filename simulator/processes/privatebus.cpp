@@ -8,8 +8,7 @@
 
 namespace {
 
-/// %1 is the folder of the socket, %2 is the limit of replies. The limits of sizes are far above
-/// the stock ones, so that tests can send large messages.
+/// %1 is the folder of the socket, %2 are the limits.
 const char configuration[] =
     R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-BUS Bus Configuration 1.0//EN"
  "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
@@ -24,13 +23,27 @@ const char configuration[] =
     <allow receive_sender="*"/>
     <allow eavesdrop="true"/>
   </policy>
-  <limit name="max_incoming_bytes">1000000000</limit>
-  <limit name="max_outgoing_bytes">1000000000</limit>
-  <limit name="max_message_size">1000000000</limit>
-  <limit name="max_replies_per_connection">%2</limit>
-  <limit name="max_match_rules_per_connection">100000</limit>
-</busconfig>
+%2</busconfig>
 )";
+
+QString limit(const char *name, int value)
+{
+    return QStringLiteral("  <limit name=\"%1\">%2</limit>\n").arg(QLatin1String(name)).arg(value);
+}
+
+/// The bus daemon itself has the limits of a system bus.
+QString configured(PrivateBus::Limits limits)
+{
+    QString lines;
+    if (limits != PrivateBus::Limits::Stock) {
+        lines += limit("max_incoming_bytes", 1'000'000'000)
+            + limit("max_outgoing_bytes", 1'000'000'000) + limit("max_message_size", 1'000'000'000)
+            + limit("max_match_rules_per_connection", 100'000);
+    }
+    if (limits == PrivateBus::Limits::Wide)
+        lines += limit("max_replies_per_connection", 1'000'000);
+    return lines;
+}
 
 /// Escapes a path as a value of a D-Bus address (D-Bus Specification, Server Addresses).
 QString escaped(const QString &path)
@@ -40,14 +53,15 @@ QString escaped(const QString &path)
 
 } // namespace
 
-bool PrivateBus::start(const QString &folder, const QString &name, int mostReplies)
+bool PrivateBus::start(const QString &folder, const QString &name, Limits limits)
 {
     QFile file(folder + QLatin1Char('/') + name + QLatin1String(".conf"));
     if (!file.open(QIODevice::WriteOnly)) {
         m_error = file.errorString();
         return false;
     }
-    file.write(QString::fromLatin1(configuration).arg(escaped(folder)).arg(mostReplies).toUtf8());
+    file.write(
+        QString::fromLatin1(configuration).arg(escaped(folder), configured(limits)).toUtf8());
     file.close();
 
     m_daemon.start(QStringLiteral("dbus-daemon"),

@@ -11,12 +11,18 @@ class PrivateBus : public QObject
     Q_OBJECT
 
 public:
+    /// What a connection may send, and keep waiting (dbus-daemon(1)).
+    enum class Limits {
+        Wide, ///< As a session bus has them: for large messages, and for many calls at a time.
+        FewReplies, ///< The same, but it waits for as few replies at a time as on a system bus.
+        Stock, ///< As a system bus has them.
+    };
+
     using QObject::QObject;
 
     /// Starts the bus daemon, with its configuration and its socket in \a folder, and waits until
-    /// it listens. \a name distinguishes it from other buses in that folder. A connection may wait
-    /// for \a mostReplies replies at a time.
-    bool start(const QString &folder, const QString &name, int mostReplies = 1000000);
+    /// it listens. \a name distinguishes it from other buses in that folder.
+    bool start(const QString &folder, const QString &name, Limits limits = Limits::Wide);
 
     /// Ends the bus daemon. died() is not emitted.
     void stop() { m_daemon.stop(); }

@@ -29,7 +29,7 @@ ServiceUnderTest::ServiceUnderTest(Place place)
     // Other users may reach the sockets.
     QFile::setPermissions(m_folder.path(), QFile::Permissions(0x7111));
     m_sessionBus.start(m_folder.path(), QStringLiteral("session"));
-    m_systemBus.start(m_folder.path(), QStringLiteral("system"));
+    m_systemBus.start(m_folder.path(), QStringLiteral("system"), m_place.limits);
     m_bus = QDBusConnection::connectToBus(address(), m_folder.path());
     for (const QString &signal : m_place.heard) {
         const int dot = signal.lastIndexOf(QLatin1Char('.'));

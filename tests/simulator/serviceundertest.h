@@ -29,6 +29,7 @@ public:
         QString service;
         QString path;
         QStringList heard; ///< The signals to receive, as "interface.Member".
+        PrivateBus::Limits limits = PrivateBus::Limits::Wide; ///< Of the system bus.
     };
 
     explicit ServiceUnderTest(Place place);

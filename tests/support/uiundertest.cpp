@@ -22,8 +22,6 @@ namespace {
 
 const QString service = QStringLiteral("com.nimbo.parley.ui");
 constexpr int patience = 30000;
-/// How many answers a connection to a stock system bus may wait for at a time.
-constexpr int stockReplies = 128;
 
 } // namespace
 
@@ -43,7 +41,7 @@ UiUnderTest::UiUnderTest()
 {
     QFile::setPermissions(folder(), QFile::Permissions(0x7111)); // Other users call it, too.
     m_sessionBus.start(folder(), QStringLiteral("session"));
-    m_systemBus.start(folder(), QStringLiteral("system"), stockReplies);
+    m_systemBus.start(folder(), QStringLiteral("system"), PrivateBus::Limits::FewReplies);
     m_sessionBusAddress = m_sessionBus.address();
     m_session = QDBusConnection::connectToBus(m_sessionBusAddress, folder());
 }

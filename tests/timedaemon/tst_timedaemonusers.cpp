@@ -2,11 +2,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
 
 #include "alarm.h"
-#include "callmeanwhile.h"
 #include "literals.h"
 #include "serviceundertest.h"
+#include "timedaemonclient.h"
 
-#include <QDBusArgument>
 #include <QDBusConnectionInterface>
 #include <QFile>
 #include <QTest>
@@ -14,22 +13,11 @@
 #include <csignal>
 #include <memory>
 
-#include <unistd.h>
-
 using Triggers = TickersByCookie;
 
 namespace {
 
-constexpr int patience = 30000;
 constexpr qlonglong farAhead = 99999999999;
-
-// Every system has these two accounts, so that the bus admits them.
-constexpr uint nobody = 65534;
-constexpr uint daemonUser = 1;
-
-const QString timed = u"com.nimbo.timed"_s;
-const QString timedPath = u"/com/nimbo/timed"_s;
-const QString dueAlarms = u"com.nimbo.parley.DueAlarms"_s;
 
 QString stateFile(uint user)
 {
@@ -37,93 +25,6 @@ QString stateFile(uint user)
 }
 
 } // namespace
-
-/// A process of a user, as the bus and the time daemon see it. It hears the daemon's signals.
-class Client : public QObject
-{
-    Q_OBJECT
-
-public:
-    Client(const QString &address, uint user, const QString &name)
-        : m_bus(connectAs(address, user, name))
-    {
-        for (const auto &[interface, member] :
-             {std::pair(timed, u"alarm_triggers_changed"_s), std::pair(dueAlarms, u"Changed"_s)})
-            m_bus.connect(timed, timedPath, interface, member, this, SLOT(hear(QDBusMessage)));
-    }
-
-    ~Client() override { QDBusConnection::disconnectFromBus(m_bus.name()); }
-
-    bool isConnected() const { return m_bus.isConnected(); }
-
-    QDBusMessage call(const QString &method, const QVariantList &arguments = {},
-                      const QString &interface = timed) const
-    {
-        QDBusMessage message = QDBusMessage::createMethodCall(timed, timedPath, interface, method);
-        message.setArguments(arguments);
-        return callMeanwhile(m_bus, message, patience);
-    }
-
-    /// Adds an alarm. Returns its cookie, or 0 if the call fails.
-    uint add(qlonglong ticker, const QString &title = {}) const
-    {
-        const Alarm alarm{3, ticker, {{u"TITLE"_s, title}}};
-        return call(u"add_event"_s, {QVariant::fromValue(alarm)}).arguments().value(0).toUInt();
-    }
-
-    QVariantList query() const
-    {
-        return qdbus_cast<QVariantList>(call(u"query"_s, {QVariantMap()}).arguments().value(0));
-    }
-
-    AttributesByCookie attributes(const QList<uint> &cookies) const
-    {
-        return qdbus_cast<AttributesByCookie>(
-            call(u"get_attributes_by_cookies"_s, {QVariant::fromValue(cookies)})
-                .arguments()
-                .value(0));
-    }
-
-    QList<uint> due() const
-    {
-        return qdbus_cast<QList<uint>>(call(u"List"_s, {}, dueAlarms).arguments().value(0));
-    }
-
-    /// The alarm lists that it was told of, and the times of each alarm.
-    QVector<Triggers> told() const { return m_told; }
-    int dueChanges() const { return m_dueChanges; }
-    void forget()
-    {
-        m_told.clear();
-        m_dueChanges = 0;
-    }
-
-private Q_SLOTS:
-    void hear(const QDBusMessage &message)
-    {
-        if (message.signature() == u"a{ux}"_s)
-            m_told.append(qdbus_cast<Triggers>(message.arguments().at(0)));
-        else
-            ++m_dueChanges;
-    }
-
-private:
-    /// The bus sees the effective user of the process that connects.
-    static QDBusConnection connectAs(const QString &address, uint user, const QString &name)
-    {
-        const uid_t own = geteuid();
-        if (seteuid(user) != 0)
-            return QDBusConnection(name);
-        QDBusConnection bus = QDBusConnection::connectToBus(address, name);
-        if (seteuid(own) != 0)
-            qFatal("The user cannot be changed back");
-        return bus;
-    }
-
-    QDBusConnection m_bus;
-    QVector<Triggers> m_told;
-    int m_dueChanges = 0;
-};
 
 /// The alarms of two users, who are real users for the bus.
 class TestTimeDaemonUsers : public QObject
@@ -144,8 +45,8 @@ private Q_SLOTS:
 
 private:
     std::unique_ptr<ServiceUnderTest> m_daemon;
-    std::unique_ptr<Client> m_ada;
-    std::unique_ptr<Client> m_bob;
+    std::unique_ptr<TimeDaemonClient> m_ada;
+    std::unique_ptr<TimeDaemonClient> m_bob;
 };
 
 void TestTimeDaemonUsers::initTestCase()
@@ -160,8 +61,8 @@ void TestTimeDaemonUsers::init()
     m_daemon = std::make_unique<ServiceUnderTest>(ServiceUnderTest::Place{
         u"time-daemon"_s, ServiceUnderTest::Bus::System, timed, timedPath, {}});
     QVERIFY(m_daemon->start());
-    m_ada = std::make_unique<Client>(m_daemon->address(), nobody, u"ada"_s);
-    m_bob = std::make_unique<Client>(m_daemon->address(), daemonUser, u"bob"_s);
+    m_ada = std::make_unique<TimeDaemonClient>(m_daemon->address(), nobody, u"ada"_s);
+    m_bob = std::make_unique<TimeDaemonClient>(m_daemon->address(), daemonUser, u"bob"_s);
     QVERIFY(m_ada->isConnected() && m_bob->isConnected());
     QCOMPARE(m_daemon->bus().interface()->serviceUid(timed).value(), 0U);
 }
@@ -221,7 +122,7 @@ void TestTimeDaemonUsers::keepsDueAlarmsApart()
 /// connection of another user does.
 void TestTimeDaemonUsers::tellsEachUserAlone()
 {
-    const Client other(m_daemon->address(), nobody, u"ada's other process"_s);
+    const TimeDaemonClient other(m_daemon->address(), nobody, u"ada's other process"_s);
     QVERIFY(other.isConnected());
     QCOMPARE(m_ada->add(farAhead), 1U);
     QCOMPARE(m_bob->add(farAhead + 1), 1U);
@@ -249,7 +150,7 @@ void TestTimeDaemonUsers::tellsUsersAfterARestart()
             {"cookie": 3, "flags": 3, "ticker": "5", "attributes": {}},
             {"cookie": 7, "flags": 3, "ticker": "99999999999", "attributes": {}}], "due": []})"));
     QVERIFY(m_daemon->start());
-    for (Client *client : {m_ada.get(), m_bob.get()}) {
+    for (TimeDaemonClient *client : {m_ada.get(), m_bob.get()}) {
         QTRY_COMPARE(client->told(), QVector<Triggers>{Triggers({{7, farAhead}})});
         QCOMPARE(client->dueChanges(), 1);
         QCOMPARE(client->due(), QList<uint>{3});

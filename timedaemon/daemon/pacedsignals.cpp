@@ -3,8 +3,6 @@
 
 #include "pacedsignals.h"
 
-#include "answers.h"
-
 #include <QDBusMessage>
 #include <QDBusPendingCall>
 
@@ -59,8 +57,9 @@ void PacedSignals::ask(const QString &connection)
         connection, QStringLiteral("/"), QStringLiteral("org.freedesktop.DBus.Peer"),
         QStringLiteral("Ping"));
     constexpr int forEver = std::numeric_limits<int>::max();
-    whenAnswered(m_bus.asyncCall(ping, forEver), this,
-                 [this, connection](const QDBusMessage &) { goOn(connection); });
+    m_questions.add(
+        this, [this, ping] { return m_bus.asyncCall(ping, forEver); },
+        [this, connection](const QDBusMessage &) { goOn(connection); });
 }
 
 void PacedSignals::goOn(const QString &connection)

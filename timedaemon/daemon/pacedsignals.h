@@ -3,6 +3,8 @@
 
 #pragma once
 
+#include "callqueue.h"
+
 #include <QDBusConnection>
 #include <QHash>
 #include <QMap>
@@ -16,7 +18,9 @@
 /// connection has not read is kept by the bus, and counts against the sender: beyond a limit
 /// (max_incoming_bytes, dbus-daemon(1)) the bus would read nothing more from this process.
 ///
-/// A connection that is behind gets only the last signal of each member when it has caught up.
+/// A connection that is behind gets only the last signal of each member when it has caught up. The
+/// bus also limits how many connections can be asked at a time whether they have, so that those
+/// which never answer can keep the others of the same object behind.
 class PacedSignals : public QObject
 {
     Q_OBJECT
@@ -50,5 +54,6 @@ private:
 
     QDBusConnection m_bus;
     const QString m_path;
+    CallQueue m_questions;
     QHash<QString, Receiver> m_receivers; ///< By unique name.
 };

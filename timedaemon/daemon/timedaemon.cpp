@@ -33,7 +33,6 @@ TimeDaemon::TimeDaemon(QString stateFolder, WallClock &clock, const QDBusConnect
     , m_clock(clock)
     , m_bus(bus)
     , m_busUsers(bus)
-    , m_signals(bus, objectPath)
 {
     registerAlarmTypes();
     connect(&m_clock, &WallClock::woke, this, &TimeDaemon::fireDue);
@@ -190,10 +189,11 @@ void TimeDaemon::tellTriggersLater(uint user, int times)
 
 void TimeDaemon::tell(uint user, const PacedSignals::Signal &signal, int times)
 {
+    PacedSignals &paced = m_signals.try_emplace(user, m_bus, objectPath).first->second;
     const QStringList connections = m_busUsers.connectionsOf(user);
     for (const QString &connection : connections) {
         for (int i = 0; i < times; ++i)
-            m_signals.send(connection, signal);
+            paced.send(connection, signal);
     }
 }
 

@@ -99,6 +99,6 @@ private:
     WallClock &m_clock;
     QDBusConnection m_bus;
     BusUsers m_busUsers;
-    PacedSignals m_signals;
     std::map<uint, UserAlarms> m_alarms; ///< By user.
+    std::map<uint, PacedSignals> m_signals; ///< By user, so that no user keeps another behind.
 };
