@@ -161,8 +161,11 @@ void Handset::makePanel()
 /// Shows the catalogue of texts where the call UI looks for it.
 void Handset::placeCatalogue()
 {
+    const QString folder = QStringLiteral("/usr/share/translations");
+    if (m_options.catalogueFolder == folder)
+        return;
     if (Sandbox::isPossible())
-        m_sandbox.place(QStringLiteral("/usr/share/translations"), m_options.catalogueFolder);
+        m_sandbox.place(folder, m_options.catalogueFolder);
     else
         m_transcript.say(QStringLiteral("Without bwrap, texts are shown as their ids."));
 }
