@@ -5,6 +5,7 @@ import QtQuick 2.15
 import com.nimbo.parley 1.0
 import "."
 import "text.js" as Words
+import "window.js" as Window
 
 /// All screens, and the requests that they handle.
 Item {
@@ -55,16 +56,7 @@ Item {
     }
 
     function bringToFront() {
-        if (!__window.visible) {
-            if (__prestart)
-                __window.show();
-            else
-                __window.showFullScreen();
-            __window.requestActivate();
-        } else if (!__window.active) {
-            __window.raise();
-            __window.requestActivate();
-        }
+        Window.bringToFront();
     }
 
     function remind(number, when) {
