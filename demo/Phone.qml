@@ -12,6 +12,8 @@ Item {
     id: phone
 
     property Item current: dialPad
+    /// The screens have come to the front for a call, and go again when it has ended.
+    property bool summoned: false
     readonly property Item topmost: dialog.open ? dialog : sheet.open ? sheet : current
     /// The scale of the screens; 1 for a screen that is 360 pixels wide and 640 high.
     readonly property real unit: Math.min(stage.width / 360, stage.height / 640)
@@ -56,6 +58,8 @@ Item {
     }
 
     function bringToFront() {
+        if (!__window.visible)
+            summoned = line.active || incomingScreen.ringing;
         Window.bringToFront();
     }
 
@@ -105,6 +109,9 @@ Item {
         if (line.active) {
             callScreen.notify(note);
             present(callScreen);
+        } else if (summoned) {
+            current = dialPad;
+            __window.hide();
         } else {
             presentNote(note);
         }
@@ -119,6 +126,8 @@ Item {
         if (current === callScreen)
             current = incomingScreen.ringing ? incomingScreen : dialPad;
         line.end();
+        if (summoned && current === dialPad)
+            __window.hide();
     }
 
     function leave() {
@@ -184,7 +193,8 @@ Item {
             answer();
         } else if (line.active) {
             endCall();
-            present(current);
+            if (!summoned)
+                present(current);
         } else {
             presentNote("No call to answer or end");
         }
