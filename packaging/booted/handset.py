@@ -48,6 +48,12 @@ class Handset:
             "busctl", "--user", "--no-pager", "status", NAME, user=USER
         ) and (self.user("systemctl", "--user", "is-active", UNIT, check=False) == "active")
 
+    def restart(self):
+        """Starts the call UI anew, also if it was started too often in a short time."""
+        self.user("systemctl", "--user", "reset-failed", UNIT)
+        self.user("systemctl", "--user", "restart", UNIT)
+        self.wait_until_ready()
+
     def wait_until_ready(self, other_than=0):
         """Waits until the call UI has its name, in another process than that one."""
         wait_until(
@@ -134,8 +140,7 @@ class Handset:
         """Keeps a picture after a check that failed, and starts the call UI anew for the next."""
         try:
             self.screenshot(f"failed-{check}")
-            self.user("systemctl", "--user", "restart", UNIT)
-            self.wait_until_ready()
+            self.restart()
         except Failed:
             pass
 

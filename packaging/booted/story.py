@@ -3,6 +3,7 @@
 
 """What the booted handset is held to, one check after the other."""
 
+import contextlib
 import json
 import random
 import time
@@ -43,6 +44,23 @@ def alarms_due(handset):
     """Returns whether an alarm waits for the user's answer."""
     due = ["com.nimbo.timed", "/com/nimbo/timed", "com.nimbo.parley.DueAlarms", "List"]
     return handset.user("busctl", "--system", "call", *due) != "au 0"
+
+
+@contextlib.contextmanager
+def telling_notifications(handset):
+    """Runs a notification service that can tell what it shows, in the place of mako."""
+    handset.user("systemctl", "--user", "stop", "mako.service")
+    handset.user(
+        *["systemd-run", "--user", "--collect", "--unit=telling-notifications"],
+        *["parley-handset", "--service", "notification-service", "--state", "/tmp/notifications"],
+    )
+    name = ["busctl", "--user", "--no-pager", "status", "org.freedesktop.Notifications"]
+    wait_until(lambda: handset.machine.succeeds(*name, user=USER), "the notification service")
+    try:
+        yield
+    finally:
+        handset.user("systemctl", "--user", "stop", "telling-notifications.service")
+        handset.user("systemctl", "--user", "start", "mako.service")
 
 
 def replies(handset):
@@ -170,8 +188,7 @@ def barred(handset):
     try:
         machine.run(*control, "InsertSim", "ss", "262011111111111", "")
         machine.run(*control, "SetRule", "ssu", "dial", "262011111111111", "1")
-        handset.user("systemctl", "--user", "restart", UNIT)
-        handset.wait_until_ready()
+        handset.restart()
         with handset.screens("filters") as filters:
             wait_until(
                 lambda: handset.log("sims 1 dial false receive true", filters),
@@ -184,8 +201,7 @@ def barred(handset):
     finally:
         machine.run("systemctl", "stop", "simulated-telephony.service", check=False)
         machine.run("systemctl", "start", "ofono.service")
-    handset.user("systemctl", "--user", "restart", UNIT)
-    handset.wait_until_ready()
+    handset.restart()
 
 
 @check("the call is toggled by the group and the home screen, and by nobody else")
@@ -208,25 +224,28 @@ def toggled(handset):
 @check("a reminder and a quick reply are there after a reboot")
 def remembered(handset):
     due = int(time.time()) + 40
-    handset.open_url(f"remind:{NUMBER}?seconds=40")
-    cookies = wait_until(lambda: alarms(handset), "an alarm")
-    handset.open_url("replies:add?text=Back%20soon")
-    handset.open_url("replies:save")
-    wait_until(lambda: "Back soon" in replies(handset), "the reply in its file")
+    with telling_notifications(handset):
+        handset.open_url(f"remind:{NUMBER}?seconds=40")
+        cookies = wait_until(lambda: alarms(handset), "an alarm")
+        handset.open_url("replies:add?text=Back%20soon")
+        handset.open_url("replies:save")
+        wait_until(lambda: "Back soon" in replies(handset), "the reply in its file")
+        # The notification shows that there is a reminder, as long as its service knows of it.
+        handset.restart()
+        handset.open_url(f"tel:{NUMBER}")
+        handset.expect_screen(r"dial pad .*301234567 \(reminder\)")
+        handset.screenshot("reminder")
     handset.machine.reboot()
     handset.wait_until_ready()
     expect(alarms(handset) == cookies, f"the alarms are {alarms(handset)}, not {cookies}")
+    expect("Back soon" in replies(handset), "the reply is gone")
     handset.open_url("replies:")
     handset.expect_screen("replies")
     handset.screenshot("replies")
-    handset.open_url("reminders:")
-    handset.expect_screen("reminders")
-    handset.screenshot("reminders")
-    expect("Back soon" in replies(handset), "the reply is gone")
+    handset.hide()
     wait_until(lambda: NUMBER in handset.shown_by_mako(), "the alarm", 60)
     late = time.time() - due
     handset.screenshot("due")
-    handset.hide()
     return f"the alarm {late:.1f} s after its time"
 
 
