@@ -121,6 +121,20 @@ void Handset::addCommands()
     m_interpreter.add(m_journal.commands());
     m_interpreter.add(m_replies.commands());
     m_interpreter.add({restartCommand()});
+    addValues();
+}
+
+/// What the lists have stands for the parameters that identify it.
+void Handset::addValues()
+{
+    const auto add = [this](const QString &parameter, const ServiceList *list) {
+        m_interpreter.addValues(parameter, [list] { return list->keys(); });
+    };
+    add(QStringLiteral("COOKIE"), m_services->alarms().list());
+    add(QStringLiteral("ID"), m_services->notifications().list());
+    add(QStringLiteral("MODEM"), m_services->sims().list());
+    add(QStringLiteral("[MODEM]"), m_services->sims().list());
+    m_interpreter.addValues(QStringLiteral("ACTION"), &CallRuleCommands::actionNames);
 }
 
 /// A start of the call UI is finished when it is on the bus or has taken too long.
@@ -173,6 +187,8 @@ void Handset::startServicesAndUi()
     m_services->start([this] {
         startUi([this](Outcome, const QString &text) {
             m_transcript.say(text);
+            if (m_options.hasPrompt)
+                m_services->follow();
             m_interpreter.start();
         });
     });

@@ -135,6 +135,14 @@ QVector<Command> CallRuleCommands::commands()
     };
 }
 
+QStringList CallRuleCommands::actionNames()
+{
+    QStringList names;
+    for (const NamedAction &action : actions)
+        names.append(QLatin1String(action.name));
+    return names;
+}
+
 void CallRuleCommands::set(const QString &filter, const QString &imsi, const QString &action,
                            const Finish &finish)
 {
