@@ -63,6 +63,7 @@ bool Handset::start()
     if (m_options.hasPanel)
         makePanel();
     placeCatalogue();
+    placeControlGroups();
     startServicesAndUi();
     return true;
 }
@@ -179,6 +180,20 @@ void Handset::placeCatalogue()
         m_sandbox.place(QStringLiteral("/usr/share/translations"), m_options.catalogueFolder);
     else
         m_transcript.say(QStringLiteral("Without bwrap, texts are shown as their ids."));
+}
+
+/// Shows the control groups of a handset where the call UI puts itself into them.
+void Handset::placeControlGroups()
+{
+    if (!Sandbox::isPossible())
+        return;
+    for (const char *group : {"memory/noswapping", "cpu,cpuacct/interactive"}) {
+        const QString name = QString::fromLatin1(group);
+        const QString folder = m_folder.filePath(QLatin1String("control-groups/") + name);
+        QDir().mkpath(folder);
+        QFile(folder + QLatin1String("/tasks")).open(QIODevice::WriteOnly);
+        m_sandbox.place(QLatin1String("/sys/fs/cgroup/") + name, folder);
+    }
 }
 
 /// Starts the call UI after the services, as a handset does, and then runs the commands.

@@ -69,6 +69,7 @@ private:
     void watchScreens();
     void makePanel();
     void placeCatalogue();
+    void placeControlGroups();
     void startServicesAndUi();
     void startUi(const Finish &finish);
     void uiSettled(Outcome outcome, const QString &text);

@@ -18,12 +18,35 @@
 
 namespace {
 
+bool isSet(const char *variable)
+{
+    return !qEnvironmentVariableIsEmpty(variable);
+}
+
+/// Qt's support of displays looks for the session bus of the user. Where there is none, libdbus
+/// would start one, which nobody would end.
+void startNoBus()
+{
+    const QString ofTheUser = qEnvironmentVariable("XDG_RUNTIME_DIR") + QLatin1String("/bus");
+    if (!isSet("DBUS_SESSION_BUS_ADDRESS") && !QFile::exists(ofTheUser))
+        qputenv("DBUS_SESSION_BUS_ADDRESS", "disabled:");
+}
+
+/// Without an X display, Qt would look for one all the same in some sessions.
+void chooseDisplay()
+{
+    if (isSet("WAYLAND_DISPLAY") && !isSet("DISPLAY") && !isSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "wayland");
+}
+
 std::unique_ptr<QCoreApplication> makeApplication(bool hasPanel, int &argc, char *argv[])
 {
     if (!hasPanel)
         return std::make_unique<QCoreApplication>(argc, argv);
     ProcessSignals::block();
     Panel::prepare();
+    startNoBus();
+    chooseDisplay();
     return std::make_unique<QGuiApplication>(argc, argv);
 }
 

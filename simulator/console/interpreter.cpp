@@ -149,7 +149,8 @@ QStringList Interpreter::completions(const QString &line) const
     return candidates;
 }
 
-/// Returns what can stand for \a parameter: one of the words in it, or one of those that were added.
+/// Returns what can stand for \a parameter: one of the words in it, or one of those that were
+/// added.
 QStringList Interpreter::valuesOf(const QString &parameter) const
 {
     const QLatin1Char bar('|');

@@ -114,8 +114,8 @@ QVector<Command> NotificationCommands::commands()
          QStringLiteral("choose an action of a notification, or its default one"),
          [this](const QStringList &arguments, const Finish &finish) {
              if (const auto id = numberIn(arguments.at(0), finish))
-                 act(QStringLiteral("Click"),
-                     {*id, arguments.value(1, QStringLiteral("default"))}, finish);
+                 act(QStringLiteral("Click"), {*id, arguments.value(1, QStringLiteral("default"))},
+                     finish);
          }},
         {QStringLiteral("dismiss"),
          {QStringLiteral("ID")},

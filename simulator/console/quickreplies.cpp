@@ -104,14 +104,14 @@ void QuickReplies::edit(const Finish &finish)
                                                    "an editor with a window of its own")
                                         .arg(program));
                      });
-    QObject::connect(m_editor.get(), qOverload<int, QProcess::ExitStatus>(&QProcess::finished),
-                     m_editor.get(), [this, program](int code, QProcess::ExitStatus status) {
-                         if (code != 0 || status != QProcess::NormalExit)
-                             m_transcript.record(QStringLiteral("failed"),
-                                                 QStringLiteral("%1 has ended with status %2")
-                                                     .arg(program)
-                                                     .arg(code));
-                     });
+    QObject::connect(
+        m_editor.get(), qOverload<int, QProcess::ExitStatus>(&QProcess::finished), m_editor.get(),
+        [this, program](int code, QProcess::ExitStatus status) {
+            if (code != 0 || status != QProcess::NormalExit)
+                m_transcript.record(
+                    QStringLiteral("failed"),
+                    QStringLiteral("%1 has ended with status %2").arg(program).arg(code));
+        });
     m_editor->start(program, command << m_filePath);
 }
 

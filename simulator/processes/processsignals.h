@@ -20,8 +20,8 @@ public:
     static void block();
 
 Q_SIGNALS:
-    /// SIGINT, SIGQUIT, SIGTERM, SIGHUP or SIGPIPE. The process can end its children in order before
-    /// it exits.
+    /// SIGINT, SIGQUIT, SIGTERM, SIGHUP or SIGPIPE. The process can end its children in order
+    /// before it exits.
     void terminated(int signal);
     /// SIGWINCH or SIGCONT: the terminal has another size, or is this process's again.
     void terminalChanged();
