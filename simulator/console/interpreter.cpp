@@ -102,7 +102,7 @@ Interpreter::Interpreter(Transcript &transcript, AtFailure atFailure, QObject *p
           QStringLiteral("list the commands, or describe one"),
           [this](const QStringList &name, const Finish &finish) { help(name, finish); }},
          {QStringLiteral("quit"), {}, QStringLiteral("end the session"), quit},
-         {QStringLiteral("exit"), {}, QStringLiteral("the same"), quit},
+         {QStringLiteral("exit"), {}, QStringLiteral("end the session"), quit},
          {expectName,
           {QStringLiteral("TEXT...")},
           QStringLiteral("wait until a line reads TEXT; * stands for anything"),
