@@ -185,8 +185,11 @@ void Handset::placeCatalogue()
 /// Shows the control groups of a handset where the call UI puts itself into them.
 void Handset::placeControlGroups()
 {
-    if (!Sandbox::isPossible())
+    if (!Sandbox::isPossible()) {
+        m_transcript.say(QStringLiteral(
+            "Without bwrap, the call UI finds no control groups, and says so in its log."));
         return;
+    }
     for (const char *group : {"memory/noswapping", "cpu,cpuacct/interactive"}) {
         const QString name = QString::fromLatin1(group);
         const QString folder = m_folder.filePath(QLatin1String("control-groups/") + name);
