@@ -35,9 +35,9 @@ bool reads(const QString &line, const QString &pattern)
         .hasMatch();
 }
 
-bool beginsWith(const QStringList &words, const QStringList &beginning)
+bool beginsWith(const QStringList &all, const QStringList &beginning)
 {
-    return words.mid(0, beginning.size()) == beginning;
+    return all.mid(0, beginning.size()) == beginning;
 }
 
 QStringList nameOf(const Command &command)

@@ -30,14 +30,14 @@ Transcript::Transcript(QObject *parent)
 
 QStringList Transcript::linesOf(const QString &script)
 {
-    const QStringList all = script.split(QLatin1Char('\n'));
+    QStringList all = script.split(QLatin1Char('\n'));
     const bool isTranscript = std::any_of(all.cbegin(), all.cend(), [](const QString &line) {
         return afterPrompt(line).has_value();
     });
     if (!isTranscript)
         return all;
     QStringList lines;
-    for (const QString &line : all) {
+    for (const QString &line : qAsConst(all)) {
         if (const auto command = afterPrompt(line))
             lines.append(*command);
         else if (line.startsWith(QLatin1Char('#')))
