@@ -33,7 +33,7 @@ Q_DECL_EXPORT int main(int argc, char *argv[])
     const std::unique_ptr<QQuickView> view(MDeclarativeCache::qQuickView());
 
     QCoreApplication::setApplicationName(QStringLiteral("parley"));
-    QCoreApplication::setApplicationVersion(QStringLiteral("0.1.0"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(PARLEY_VERSION));
     QCoreApplication::setOrganizationName(QStringLiteral("com.nimbo"));
     QCoreApplication::setOrganizationDomain(QStringLiteral("nimbo.com"));
 

@@ -5,12 +5,15 @@ import QtQuick 2.15
 import com.nimbo.parley 1.0
 import "."
 import "text.js" as Words
+import "window.js" as Window
 
 /// All screens, and the requests that they handle.
 Item {
     id: phone
 
     property Item current: dialPad
+    /// The screens have come to the front for a call, and go again when it has ended.
+    property bool summoned: false
     readonly property Item topmost: dialog.open ? dialog : sheet.open ? sheet : current
     /// The scale of the screens; 1 for a screen that is 360 pixels wide and 640 high.
     readonly property real unit: Math.min(stage.width / 360, stage.height / 640)
@@ -55,16 +58,9 @@ Item {
     }
 
     function bringToFront() {
-        if (!__window.visible) {
-            if (__prestart)
-                __window.show();
-            else
-                __window.showFullScreen();
-            __window.requestActivate();
-        } else if (!__window.active) {
-            __window.raise();
-            __window.requestActivate();
-        }
+        if (!__window.visible)
+            summoned = line.active || incomingScreen.ringing;
+        Window.bringToFront();
     }
 
     function remind(number, when) {
@@ -113,6 +109,9 @@ Item {
         if (line.active) {
             callScreen.notify(note);
             present(callScreen);
+        } else if (summoned) {
+            current = dialPad;
+            __window.hide();
         } else {
             presentNote(note);
         }
@@ -127,6 +126,8 @@ Item {
         if (current === callScreen)
             current = incomingScreen.ringing ? incomingScreen : dialPad;
         line.end();
+        if (summoned && current === dialPad)
+            __window.hide();
     }
 
     function leave() {
@@ -192,7 +193,8 @@ Item {
             answer();
         } else if (line.active) {
             endCall();
-            present(current);
+            if (!summoned)
+                present(current);
         } else {
             presentNote("No call to answer or end");
         }

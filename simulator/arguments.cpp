@@ -3,6 +3,7 @@
 
 #include "arguments.h"
 
+#include "places.h"
 #include "prompt.h"
 
 #include <QCommandLineParser>
@@ -22,12 +23,13 @@ bool hasDisplay()
 
 Arguments Arguments::parse(int argc, char *argv[])
 {
+    const Places places = Places::find();
     const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
                                   QStringLiteral("Displays this help."));
     const QCommandLineOption version(QStringLiteral("version"),
                                      QStringLiteral("Displays the version."));
     const QCommandLineOption ui(QStringLiteral("ui"), QStringLiteral("The call UI to run."),
-                                QStringLiteral("program"), QStringLiteral(PARLEY_UI));
+                                QStringLiteral("program"), places.ui);
     const QCommandLineOption script(
         QStringLiteral("script"),
         QStringLiteral("Takes the commands from a file; the first that fails ends the run."),
@@ -42,7 +44,7 @@ Arguments Arguments::parse(int argc, char *argv[])
                        "discarded at exit otherwise."),
         QStringLiteral("folder"));
     const QCommandLineOption qml(QStringLiteral("qml"), QStringLiteral("The screens to show."),
-                                 QStringLiteral("file"), QStringLiteral(PARLEY_DEMO_QML));
+                                 QStringLiteral("file"), places.screens);
     const QCommandLineOption watch(
         QStringLiteral("watch"),
         QStringLiteral("Starts the call UI again when QML code in the screens' folder changes."));
@@ -73,12 +75,12 @@ Arguments Arguments::parse(int argc, char *argv[])
         arguments.answer = QStringLiteral("parley-handset " PARLEY_VERSION "\n");
     }
     arguments.handset.uiProgram = parser.value(ui);
-    arguments.handset.catalogueFolder = QStringLiteral(PARLEY_TRANSLATIONS);
+    arguments.handset.catalogueFolder = places.translations;
     arguments.handset.qmlFile = parser.value(qml);
     arguments.handset.stateFolder = parser.value(state);
     arguments.handset.hasPanel = hasDisplay() && !parser.isSet(noPanel);
     arguments.handset.watches = parser.isSet(watch);
-    arguments.script = parser.isSet(tour) ? QStringLiteral(PARLEY_TOUR) : parser.value(script);
+    arguments.script = parser.isSet(tour) ? places.tour : parser.value(script);
     arguments.handset.hasPrompt = arguments.script.isEmpty() && Prompt::isPossible();
     if (!arguments.script.isEmpty())
         arguments.handset.atFailure = Interpreter::AtFailure::Stop;

@@ -19,6 +19,8 @@ namespace {
 const QLatin1String sessionConnection("handset-session");
 const QLatin1String systemConnection("handset-system");
 const QLatin1String uiService("com.nimbo.parley.ui");
+/// Qt logs this for each request to raise a window without a display.
+const QLatin1String cannotRaise("This plugin does not support raise()");
 constexpr std::chrono::seconds uiPatience(30);
 /// Once the QML engine has complained. The complaint may be only a warning.
 constexpr std::chrono::seconds uiPatienceWithError(2);
@@ -176,8 +178,11 @@ void Handset::makePanel()
 /// Shows the catalogue of texts where the call UI looks for it.
 void Handset::placeCatalogue()
 {
+    const QString folder = QStringLiteral("/usr/share/translations");
+    if (m_options.catalogueFolder == folder)
+        return;
     if (Sandbox::isPossible())
-        m_sandbox.place(QStringLiteral("/usr/share/translations"), m_options.catalogueFolder);
+        m_sandbox.place(folder, m_options.catalogueFolder);
     else
         m_transcript.say(QStringLiteral("Without bwrap, texts are shown as their ids."));
 }
@@ -223,8 +228,9 @@ void Handset::startUi(const Finish &finish)
     m_qmlErrors.clear();
     m_uiPatience.start(uiPatience);
     m_sinceUiStart.start();
-    QStringList command = m_sandbox.wrap({m_options.uiProgram, QStringLiteral("-prestart"),
-                                          QStringLiteral("-qml"), m_options.qmlFile});
+    QStringList command =
+        m_sandbox.wrap({m_options.uiProgram, QStringLiteral("-prestart"),
+                        QStringLiteral("-windowed"), QStringLiteral("-qml"), m_options.qmlFile});
     const QString program = command.takeFirst();
     m_ui->start(program, command);
     if (m_panel)
@@ -253,6 +259,8 @@ Command Handset::restartCommand()
 
 void Handset::recordLog(const QString &line)
 {
+    if (line == cannotRaise)
+        return;
     if (m_qmlErrors.read(line) && m_uiFinish
         && m_uiPatience.remainingTimeAsDuration() > uiPatienceWithError)
         m_uiPatience.start(uiPatienceWithError);

@@ -8,9 +8,15 @@
 
 namespace {
 
+bool isSet(const QProcessEnvironment &environment, const QString &name)
+{
+    return !environment.value(name).isEmpty();
+}
+
 bool hasDisplay(const QProcessEnvironment &environment)
 {
-    return !environment.value(QStringLiteral("DISPLAY")).isEmpty();
+    return isSet(environment, QStringLiteral("DISPLAY"))
+        || isSet(environment, QStringLiteral("WAYLAND_DISPLAY"));
 }
 
 QProcessEnvironment environmentOf(const UiProcess::World &world)
@@ -23,6 +29,13 @@ QProcessEnvironment environmentOf(const UiProcess::World &world)
     if (!environment.contains(QStringLiteral("XAUTHORITY")))
         environment.insert(QStringLiteral("XAUTHORITY"),
                            QDir::homePath() + QLatin1String("/.Xauthority"));
+    // The socket of a Wayland display is in the user's runtime folder.
+    if (isSet(environment, QStringLiteral("WAYLAND_DISPLAY"))) {
+        const QDir runtimeFolder(environment.value(QStringLiteral("XDG_RUNTIME_DIR")));
+        environment.insert(
+            QStringLiteral("WAYLAND_DISPLAY"),
+            runtimeFolder.filePath(environment.value(QStringLiteral("WAYLAND_DISPLAY"))));
+    }
     environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), home);
 
     for (const char *variable :

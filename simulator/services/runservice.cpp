@@ -5,6 +5,7 @@
 
 #include "callhistory.h"
 #include "notificationservice.h"
+#include "places.h"
 #include "telephonystack.h"
 
 #include <QCoreApplication>
@@ -29,8 +30,9 @@ int run(Service &&service, const QDBusConnection &bus)
 }
 
 /// Goes on as a program that handsets ship. \a name takes the place of its own.
-int become(const char *program, const QString &name, const QStringList &arguments)
+int become(const QString &program, const QString &name, const QStringList &arguments)
 {
+    const QByteArray file = QFile::encodeName(program);
     QByteArrayList words{QFile::encodeName(name)};
     for (const QString &argument : arguments)
         words.append(QFile::encodeName(argument));
@@ -38,8 +40,8 @@ int become(const char *program, const QString &name, const QStringList &argument
     for (QByteArray &word : words)
         pointers.append(word.data());
     pointers.append(nullptr);
-    execv(program, pointers.data());
-    qWarning("%s cannot be run: %s", program, std::strerror(errno));
+    execv(file.constData(), pointers.data());
+    qWarning("%s cannot be run: %s", file.constData(), std::strerror(errno));
     return EXIT_FAILURE;
 }
 
@@ -47,13 +49,13 @@ int become(const char *program, const QString &name, const QStringList &argument
 
 int runService(const QString &name, const QString &stateFolder)
 {
+    const Places places = Places::find();
     if (name == QLatin1String("time-daemon"))
-        return become(PARLEY_TIME_DAEMON, name,
+        return become(places.timeDaemon, name,
                       {QStringLiteral("--control"), QStringLiteral("--state"),
                        stateFolder + QLatin1String("/alarms")});
     if (name == QLatin1String("alarm-service"))
-        return become(PARLEY_ALARM, name,
-                      {QStringLiteral("--translations"), QStringLiteral(PARLEY_TRANSLATIONS)});
+        return become(places.alarm, name, {QStringLiteral("--translations"), places.translations});
     if (name == QLatin1String("notification-service"))
         return run(NotificationService(), QDBusConnection::sessionBus());
     if (name == QLatin1String("call-history"))

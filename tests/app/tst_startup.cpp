@@ -142,7 +142,7 @@ void TestStartup::takesItsStepsInOrder()
         u"step: QGuiApplication"_s,
         u"step: QQuickView"_s,
         u"step: setApplicationName parley"_s,
-        u"step: setApplicationVersion 0.1.0"_s,
+        QStringLiteral("step: setApplicationVersion " PARLEY_VERSION),
         u"step: setOrganizationName com.nimbo"_s,
         u"step: setOrganizationDomain nimbo.com"_s,
     };
@@ -249,7 +249,8 @@ void TestStartup::isNamed()
 {
     QVERIFY(m_ui->startProbe({u"-prestart"_s}));
     QCOMPARE(m_ui->evaluate(u"Qt.application.name"_s).toString(), u"parley"_s);
-    QCOMPARE(m_ui->evaluate(u"Qt.application.version"_s).toString(), u"0.1.0"_s);
+    QCOMPARE(m_ui->evaluate(u"Qt.application.version"_s).toString(),
+             QStringLiteral(PARLEY_VERSION));
     QCOMPARE(m_ui->evaluate(u"Qt.application.organization"_s).toString(), u"com.nimbo"_s);
     QCOMPARE(m_ui->evaluate(u"Qt.application.domain"_s).toString(), u"nimbo.com"_s);
 }

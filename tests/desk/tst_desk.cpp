@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Parley developers
 // SPDX-License-Identifier: BSD-3-Clause
 
-#include "childprocess.h"
+#include "display.h"
 #include "handsetpart.h"
 #include "literals.h"
 #include "panelundertest.h"
@@ -219,18 +219,15 @@ int runOnADisplay(int argc, char *argv[])
 {
     QCoreApplication application(argc, argv);
     const QTemporaryDir home;
-    ChildProcess display;
-    // With -r a key that is released late on a busy machine does not repeat.
-    display.start(u"Xvfb"_s,
-                  {u"-r"_s, u"-displayfd"_s, u"1"_s, u"-screen"_s, u"0"_s, u"1400x1000x24"_s,
-                   u"-nolisten"_s, u"tcp"_s});
-    if (!display.waitForReadyRead(patience)) {
-        std::fprintf(stderr, "Xvfb: %s\n", qUtf8Printable(display.errorString()));
+    XDisplay display({1400, 1000});
+    if (const QString error = display.start(); !error.isEmpty()) {
+        std::fprintf(stderr, "%s\n", qUtf8Printable(error));
         return EXIT_FAILURE;
     }
-    qputenv("DISPLAY", ':' + display.readLine().trimmed());
+    const QMap<QString, QString> variables = display.environment();
+    for (auto it = variables.cbegin(); it != variables.cend(); ++it)
+        qputenv(qPrintable(it.key()), it.value().toUtf8());
     qunsetenv("WAYLAND_DISPLAY");
-    qputenv("QT_QPA_PLATFORM", "xcb");
     qputenv("QT_QUICK_BACKEND", "software");
     for (const char *variable : {"HOME", "XDG_RUNTIME_DIR", "XDG_CACHE_HOME"})
         qputenv(variable, home.path().toUtf8());

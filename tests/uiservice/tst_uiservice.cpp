@@ -51,6 +51,30 @@ Result run(const QString &program, const QStringList &arguments, const QString &
     return {process.exitCode(), QString::fromUtf8(process.readAll()).trimmed()};
 }
 
+/// Returns the members of the service's interface in an introspection, and the names of all
+/// \a interfaces.
+QStringList membersOf(const QString &introspection, QStringList *interfaces)
+{
+    QStringList members;
+    interfaces->clear();
+    QXmlStreamReader xml(introspection);
+    while (!xml.atEnd()) {
+        if (xml.readNext() != QXmlStreamReader::StartElement || xml.name() == u"node"_s)
+            continue;
+        const QXmlStreamAttributes attributes = xml.attributes();
+        if (xml.name() == u"interface"_s)
+            *interfaces << attributes.value(u"name"_s).toString();
+        else if (interfaces->constLast() != service)
+            continue;
+        else if (xml.name() == u"arg"_s)
+            members.last() += u' ' + attributes.value(u"direction"_s).toString() + u':'
+                + attributes.value(u"type"_s).toString();
+        else
+            members << xml.name().toString() + u' ' + attributes.value(u"name"_s).toString();
+    }
+    return xml.hasError() ? QStringList(xml.errorString()) : members;
+}
+
 QString json(const QJsonArray &array)
 {
     return QString::fromUtf8(QJsonDocument(array).toJson(QJsonDocument::Compact));
@@ -213,23 +237,7 @@ void TestUiService::describesItself()
     QCOMPARE(reply.type(), QDBusMessage::ReplyMessage);
 
     QStringList interfaces;
-    QStringList members;
-    QXmlStreamReader xml(reply.arguments().constFirst().toString());
-    while (!xml.atEnd()) {
-        if (xml.readNext() != QXmlStreamReader::StartElement)
-            continue;
-        const QXmlStreamAttributes attributes = xml.attributes();
-        if (xml.name() == QLatin1String("interface"))
-            interfaces << attributes.value(u"name"_s).toString();
-        else if (interfaces.value(interfaces.size() - 1) != service)
-            continue;
-        else if (xml.name() == QLatin1String("arg"))
-            members.last() += u' ' + attributes.value(u"direction"_s).toString() + u':'
-                + attributes.value(u"type"_s).toString();
-        else
-            members << xml.name().toString() + u' ' + attributes.value(u"name"_s).toString();
-    }
-    QVERIFY(!xml.hasError());
+    const QStringList members = membersOf(reply.arguments().constFirst().toString(), &interfaces);
     std::sort(interfaces.begin(), interfaces.end());
     QCOMPARE(interfaces,
              QStringList({service, u"org.freedesktop.DBus.Introspectable"_s,
@@ -240,6 +248,12 @@ void TestUiService::describesItself()
                      u"method dial out:b in:s"_s, u"method dialViaModem out:b in:s in:s"_s,
                      u"method showCellularErrorDialog"_s, u"method openContactCard in:s"_s,
                      u"method toggleCall"_s}));
+
+    // What is installed says the same.
+    QFile described(QStringLiteral(PARLEY_UI_INTERFACE));
+    QVERIFY(described.open(QIODevice::ReadOnly));
+    QCOMPARE(membersOf(QString::fromUtf8(described.readAll()), &interfaces), members);
+    QCOMPARE(interfaces, QStringList(service));
 }
 
 void TestUiService::refusesWhatItDoesNotOffer_data()
