@@ -4,6 +4,7 @@
 #include "arguments.h"
 
 #include "places.h"
+#include "prompt.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -25,6 +26,8 @@ Arguments Arguments::parse(int argc, char *argv[])
     const Places places = Places::find();
     const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
                                   QStringLiteral("Displays this help."));
+    const QCommandLineOption version(QStringLiteral("version"),
+                                     QStringLiteral("Displays the version."));
     const QCommandLineOption ui(QStringLiteral("ui"), QStringLiteral("The call UI to run."),
                                 QStringLiteral("program"), places.ui);
     const QCommandLineOption script(
@@ -55,7 +58,7 @@ Arguments Arguments::parse(int argc, char *argv[])
                        "buses, and takes commands\n"
                        "from standard input and from its control panel. The command \"help\" lists "
                        "them."));
-    parser.addOptions({help, ui, qml, watch, script, tour, state, noPanel});
+    parser.addOptions({help, version, ui, qml, watch, script, tour, state, noPanel});
     QStringList words;
     std::transform(argv, argv + argc, std::back_inserter(words),
                    [](const char *argument) { return QString::fromLocal8Bit(argument); });
@@ -63,9 +66,13 @@ Arguments Arguments::parse(int argc, char *argv[])
     Arguments arguments;
     if (!parser.parse(words))
         arguments.error = parser.errorText();
+    else if (const QStringList surplus = parser.positionalArguments(); !surplus.isEmpty())
+        arguments.error = QStringLiteral("Unexpected argument '%1'.").arg(surplus.constFirst());
     if (parser.isSet(help)) {
         const QCoreApplication application(argc, argv); // The text has its name.
-        arguments.help = parser.helpText();
+        arguments.answer = parser.helpText();
+    } else if (parser.isSet(version)) {
+        arguments.answer = QStringLiteral("parley-handset " PARLEY_VERSION "\n");
     }
     arguments.handset.uiProgram = parser.value(ui);
     arguments.handset.catalogueFolder = places.translations;
@@ -74,6 +81,7 @@ Arguments Arguments::parse(int argc, char *argv[])
     arguments.handset.hasPanel = hasDisplay() && !parser.isSet(noPanel);
     arguments.handset.watches = parser.isSet(watch);
     arguments.script = parser.isSet(tour) ? places.tour : parser.value(script);
+    arguments.handset.hasPrompt = arguments.script.isEmpty() && Prompt::isPossible();
     if (!arguments.script.isEmpty())
         arguments.handset.atFailure = Interpreter::AtFailure::Stop;
     return arguments;

@@ -16,6 +16,6 @@ struct Arguments
 
     Handset::Options handset;
     QString script; ///< The file with the commands; empty for standard input.
-    QString help; ///< The help text if it was requested, otherwise empty.
+    QString answer; ///< The help text or the version if requested, otherwise empty.
     QString error; ///< A message for the user; empty if the arguments are valid.
 };

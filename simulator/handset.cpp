@@ -65,6 +65,7 @@ bool Handset::start()
     if (m_options.hasPanel)
         makePanel();
     placeCatalogue();
+    placeControlGroups();
     startServicesAndUi();
     return true;
 }
@@ -123,6 +124,20 @@ void Handset::addCommands()
     m_interpreter.add(m_journal.commands());
     m_interpreter.add(m_replies.commands());
     m_interpreter.add({restartCommand()});
+    addValues();
+}
+
+/// What the lists have stands for the parameters that identify it.
+void Handset::addValues()
+{
+    const auto add = [this](const QString &parameter, const ServiceList *list) {
+        m_interpreter.addValues(parameter, [list] { return list->keys(); });
+    };
+    add(QStringLiteral("COOKIE"), m_services->alarms().list());
+    add(QStringLiteral("ID"), m_services->notifications().list());
+    add(QStringLiteral("MODEM"), m_services->sims().list());
+    add(QStringLiteral("[MODEM]"), m_services->sims().list());
+    m_interpreter.addValues(QStringLiteral("ACTION"), &CallRuleCommands::actionNames);
 }
 
 /// A start of the call UI is finished when it is on the bus or has taken too long.
@@ -172,12 +187,31 @@ void Handset::placeCatalogue()
         m_transcript.say(QStringLiteral("Without bwrap, texts are shown as their ids."));
 }
 
+/// Shows the control groups of a handset where the call UI puts itself into them.
+void Handset::placeControlGroups()
+{
+    if (!Sandbox::isPossible()) {
+        m_transcript.say(QStringLiteral(
+            "Without bwrap, the call UI finds no control groups, and says so in its log."));
+        return;
+    }
+    for (const char *group : {"memory/noswapping", "cpu,cpuacct/interactive"}) {
+        const QString name = QString::fromLatin1(group);
+        const QString folder = m_folder.filePath(QLatin1String("control-groups/") + name);
+        QDir().mkpath(folder);
+        QFile(folder + QLatin1String("/tasks")).open(QIODevice::WriteOnly);
+        m_sandbox.place(QLatin1String("/sys/fs/cgroup/") + name, folder);
+    }
+}
+
 /// Starts the call UI after the services, as a handset does, and then runs the commands.
 void Handset::startServicesAndUi()
 {
     m_services->start([this] {
         startUi([this](Outcome, const QString &text) {
             m_transcript.say(text);
+            if (m_options.hasPrompt)
+                m_services->follow();
             m_interpreter.start();
         });
     });

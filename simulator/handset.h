@@ -35,6 +35,7 @@ public:
         QString catalogueFolder; ///< The folder with the translations of the call UI.
         QString stateFolder; ///< Keeps the state of the services; empty to discard it.
         Interpreter::AtFailure atFailure = Interpreter::AtFailure::GoOn;
+        bool hasPrompt = false; ///< Its user types on a terminal, where words are completed.
         bool hasPanel = false; ///< Its user can start again what did not start.
         bool watches = false; ///< Starts the call UI again when its QML code changes.
     };
@@ -63,10 +64,12 @@ private:
     bool startHomeScreen();
     void makeServices();
     void addCommands();
+    void addValues();
     void watchUi();
     void watchScreens();
     void makePanel();
     void placeCatalogue();
+    void placeControlGroups();
     void startServicesAndUi();
     void startUi(const Finish &finish);
     void uiSettled(Outcome outcome, const QString &text);

@@ -5,7 +5,8 @@
 #include "handset.h"
 #include "handsetpart.h"
 #include "linereader.h"
-#include "terminationsignals.h"
+#include "processsignals.h"
+#include "prompt.h"
 
 #include <QFile>
 #include <QGuiApplication>
@@ -17,13 +18,68 @@
 
 namespace {
 
+bool isSet(const char *variable)
+{
+    return !qEnvironmentVariableIsEmpty(variable);
+}
+
+/// Qt's support of displays looks for the session bus of the user. Where there is none, libdbus
+/// would start one, which nobody would end.
+void startNoBus()
+{
+    const QString ofTheUser = qEnvironmentVariable("XDG_RUNTIME_DIR") + QLatin1String("/bus");
+    if (!isSet("DBUS_SESSION_BUS_ADDRESS") && !QFile::exists(ofTheUser))
+        qputenv("DBUS_SESSION_BUS_ADDRESS", "disabled:");
+}
+
+/// Without an X display, Qt would look for one all the same in some sessions.
+void chooseDisplay()
+{
+    if (isSet("WAYLAND_DISPLAY") && !isSet("DISPLAY") && !isSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "wayland");
+}
+
 std::unique_ptr<QCoreApplication> makeApplication(bool hasPanel, int &argc, char *argv[])
 {
     if (!hasPanel)
         return std::make_unique<QCoreApplication>(argc, argv);
-    TerminationSignals::block();
+    ProcessSignals::block();
     Panel::prepare();
+    startNoBus();
+    chooseDisplay();
     return std::make_unique<QGuiApplication>(argc, argv);
+}
+
+void runScript(QFile &script, Interpreter &interpreter)
+{
+    const QStringList lines = Transcript::linesOf(QString::fromUtf8(script.readAll()).trimmed());
+    for (const QString &line : lines)
+        interpreter.enqueue(line);
+    interpreter.endInput();
+}
+
+std::unique_ptr<Prompt> makePrompt(Handset &handset, ProcessSignals &signals)
+{
+    Interpreter &interpreter = handset.interpreter();
+    const Transcript &transcript = handset.transcript();
+    auto prompt = std::make_unique<Prompt>(
+        [&interpreter](const QString &line) { return interpreter.completions(line); });
+    QObject::connect(prompt.get(), &Prompt::lineRead, &interpreter, &Interpreter::enqueue);
+    QObject::connect(prompt.get(), &Prompt::ended, &interpreter, &Interpreter::endInput);
+    QObject::connect(&transcript, &Transcript::aboutToSay, prompt.get(), &Prompt::hide);
+    QObject::connect(&transcript, &Transcript::said, prompt.get(), &Prompt::show);
+    QObject::connect(&signals, &ProcessSignals::terminalChanged, prompt.get(), &Prompt::redraw);
+    return prompt;
+}
+
+std::unique_ptr<LineReader> readLines(Interpreter &interpreter, bool hasPanel)
+{
+    auto lines = std::make_unique<LineReader>(STDIN_FILENO);
+    QObject::connect(lines.get(), &LineReader::lineRead, &interpreter, &Interpreter::enqueue);
+    // With a panel, the end of standard input does not end the session.
+    if (!hasPanel)
+        QObject::connect(lines.get(), &LineReader::ended, &interpreter, &Interpreter::endInput);
+    return lines;
 }
 
 } // namespace
@@ -38,15 +94,15 @@ int main(int argc, char *argv[])
         std::fprintf(stderr, "parley-handset: %s\n", qUtf8Printable(arguments.error));
         return EXIT_FAILURE;
     }
-    if (!arguments.help.isEmpty()) {
-        std::fputs(qUtf8Printable(arguments.help), stdout);
+    if (!arguments.answer.isEmpty()) {
+        std::fputs(qUtf8Printable(arguments.answer), stdout);
         return EXIT_SUCCESS;
     }
 
     const bool hasPanel = arguments.handset.hasPanel;
     const auto application = makeApplication(hasPanel, argc, argv);
-    TerminationSignals terminationSignals;
-    QObject::connect(&terminationSignals, &TerminationSignals::received, application.get(),
+    ProcessSignals signals;
+    QObject::connect(&signals, &ProcessSignals::terminated, application.get(),
                      [](int signal) { QCoreApplication::exit(128 + signal); });
 
     const bool isScripted = !arguments.script.isEmpty();
@@ -58,12 +114,14 @@ int main(int argc, char *argv[])
     }
 
     Handset handset(arguments.handset);
-    LineReader lines(script.isOpen() ? script.handle() : STDIN_FILENO);
-    QObject::connect(&lines, &LineReader::lineRead, &handset.interpreter(), &Interpreter::enqueue);
-    // With a panel, the end of standard input does not end the session.
-    if (isScripted || !hasPanel)
-        QObject::connect(&lines, &LineReader::ended, &handset.interpreter(),
-                         &Interpreter::endInput);
+    std::unique_ptr<Prompt> prompt;
+    std::unique_ptr<LineReader> lines;
+    if (isScripted)
+        runScript(script, handset.interpreter());
+    else if (arguments.handset.hasPrompt)
+        prompt = makePrompt(handset, signals);
+    else
+        lines = readLines(handset.interpreter(), hasPanel);
     const auto end = [](bool succeeded) {
         QCoreApplication::exit(succeeded ? EXIT_SUCCESS : EXIT_FAILURE);
     };

@@ -11,7 +11,7 @@ _parley_handset() {
     --state)
         mapfile -t words < <(compgen -d -- "$word") ;;
     *)
-        mapfile -t words < <(compgen -W '--help --no-panel --qml --script --state --tour --ui --watch' -- "$word")
+        mapfile -t words < <(compgen -W '--help --no-panel --qml --script --state --tour --ui --version --watch' -- "$word")
         COMPREPLY=("${words[@]}")
         return ;;
     esac

@@ -69,20 +69,22 @@ QVector<Command> AlarmCommands::commands()
          {QStringLiteral("COOKIE")},
          QStringLiteral("fire an alarm ahead of its time"),
          [this](const QStringList &arguments, const Finish &finish) {
-             act(QStringLiteral("Fire"), {arguments.constFirst().toUInt()}, finish);
+             if (const auto cookie = numberIn(arguments.constFirst(), finish))
+                 act(QStringLiteral("Fire"), {*cookie}, finish);
          }},
         {QStringLiteral("cancel"),
          {QStringLiteral("COOKIE")},
          QStringLiteral("cancel an alarm"),
          [this](const QStringList &arguments, const Finish &finish) {
-             cancel(arguments.constFirst(), finish);
+             if (const auto cookie = numberIn(arguments.constFirst(), finish))
+                 cancel(*cookie, finish);
          }},
     };
 }
 
-void AlarmCommands::cancel(const QString &cookie, const Finish &finish)
+void AlarmCommands::cancel(uint cookie, const Finish &finish)
 {
-    ask(service, QStringLiteral("cancel"), {cookie.toUInt()}, QStringLiteral("b"), finish,
+    ask(service, QStringLiteral("cancel"), {cookie}, QStringLiteral("b"), finish,
         [cookie, finish](const QVariantList &values) {
             if (values.value(0).toBool())
                 finish(Outcome::Done, QStringLiteral("done"));

@@ -21,7 +21,7 @@ public:
     ServiceList *list() { return m_list; }
 
 private:
-    void cancel(const QString &cookie, const Finish &finish);
+    void cancel(uint cookie, const Finish &finish);
 
     ServiceList *const m_list;
 };

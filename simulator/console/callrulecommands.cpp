@@ -128,11 +128,20 @@ QVector<Command> CallRuleCommands::commands()
          }},
         {QStringLiteral("default"),
          {filter, QStringLiteral("ACTION")},
-         QStringLiteral("the same for calls of SIMs without a rule"),
+         QStringLiteral(
+             "block, ignore, allow or hangup (or a number) calls of SIMs without a rule"),
          [this](const QStringList &arguments, const Finish &finish) {
              setDefault(arguments.at(0), arguments.at(1), finish);
          }},
     };
+}
+
+QStringList CallRuleCommands::actionNames()
+{
+    QStringList names;
+    for (const NamedAction &action : actions)
+        names.append(QLatin1String(action.name));
+    return names;
 }
 
 void CallRuleCommands::set(const QString &filter, const QString &imsi, const QString &action,

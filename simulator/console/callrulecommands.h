@@ -16,6 +16,9 @@ public:
 
     QVector<Command> commands() override;
 
+    /// Returns the names of what a rule can do with a call.
+    static QStringList actionNames();
+
     /// The rules for calls that are dialled are maps with "imsi" and "action" (a name or a number).
     /// The default comes first and has no IMSI.
     ServiceList *dialList() { return m_dialList; }

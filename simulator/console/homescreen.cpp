@@ -91,7 +91,7 @@ QVector<Command> HomeScreen::commands()
          plain(QStringLiteral("toggleCall"))},
         {QStringLiteral("toggle-as"),
          {QStringLiteral("UID"), QStringLiteral("GID")},
-         QStringLiteral("the same from a process of that user and group (names or numbers)"),
+         QStringLiteral("toggle from a process of that user and group (names or numbers)"),
          [this](const QStringList &arguments, const Finish &finish) {
              toggleAs(arguments.at(0), arguments.at(1), finish);
          }},

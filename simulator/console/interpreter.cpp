@@ -12,6 +12,18 @@
 
 namespace {
 
+const QLatin1String helpName("help");
+const QLatin1String expectName("expect");
+
+/// The list of commands has their descriptions behind so many characters.
+constexpr int helpColumn = 28;
+
+/// Returns whether \a line is a remark, or empty.
+bool isSilent(const QString &line)
+{
+    return line.isEmpty() || line.startsWith(QLatin1Char('#'));
+}
+
 bool reads(const QString &line, const QString &pattern)
 {
     QStringList parts = pattern.split(QLatin1Char('*'));
@@ -23,11 +35,26 @@ bool reads(const QString &line, const QString &pattern)
         .hasMatch();
 }
 
+bool beginsWith(const QStringList &all, const QStringList &beginning)
+{
+    return all.mid(0, beginning.size()) == beginning;
+}
+
+QStringList nameOf(const Command &command)
+{
+    return command.name.split(QLatin1Char(' '));
+}
+
 /// Returns the number of words in the name of \a command if \a words begin with it, otherwise 0.
 int lengthOfName(const Command &command, const QStringList &words)
 {
-    const QStringList name = command.name.split(QLatin1Char(' '));
-    return words.mid(0, name.size()) == name ? name.size() : 0;
+    const QStringList name = nameOf(command);
+    return beginsWith(words, name) ? name.size() : 0;
+}
+
+bool isEndless(const QString &parameter)
+{
+    return parameter.contains(QLatin1String("..."));
 }
 
 bool takes(const Command &command, int arguments)
@@ -37,14 +64,19 @@ bool takes(const Command &command, int arguments)
         std::count_if(parameters.cbegin(), parameters.cend(), [](const QString &parameter) {
             return !parameter.startsWith(QLatin1Char('['));
         });
-    const bool endless =
-        !parameters.isEmpty() && parameters.constLast().endsWith(QLatin1String("...]"));
+    const bool endless = !parameters.isEmpty() && isEndless(parameters.constLast());
     return arguments >= required && (endless || arguments <= parameters.size());
 }
 
 QString synopsis(const Command &command)
 {
     return (QStringList(command.name) + command.parameters).join(QLatin1Char(' '));
+}
+
+QString noCommand(const QStringList &words)
+{
+    return QStringLiteral("there is no command \"%1\"; help lists them")
+        .arg(words.join(QLatin1Char(' ')));
 }
 
 } // namespace
@@ -60,20 +92,22 @@ Interpreter::Interpreter(Transcript &transcript, AtFailure atFailure, QObject *p
             [this] { ended(Outcome::Failed, QStringLiteral("not seen: ") + m_expected); });
     connect(&m_transcript, &Transcript::recorded, this, &Interpreter::checkExpectation);
 
-    add({{QStringLiteral("help"),
-          {},
-          QStringLiteral("list the commands"),
-          [this](const QStringList &, const Finish &finish) {
-              printHelp();
-              finish(Outcome::Done, {});
-          }},
-         {QStringLiteral("quit"),
-          {},
-          QStringLiteral("end the session"),
-          [this](const QStringList &, const Finish &finish) {
-              m_lines.clear();
-              endInput();
-              finish(Outcome::Done, {});
+    const auto quit = [this](const QStringList &, const Finish &finish) {
+        m_lines.clear();
+        endInput();
+        finish(Outcome::Done, {});
+    };
+    add({{helpName,
+          {QStringLiteral("[COMMAND...]")},
+          QStringLiteral("list the commands, or describe one"),
+          [this](const QStringList &name, const Finish &finish) { help(name, finish); }},
+         {QStringLiteral("quit"), {}, QStringLiteral("end the session"), quit},
+         {QStringLiteral("exit"), {}, QStringLiteral("end the session"), quit},
+         {expectName,
+          {QStringLiteral("TEXT...")},
+          QStringLiteral("wait until a line reads TEXT; * stands for anything"),
+          [this](const QStringList &text, const Finish &) {
+              expect(text.join(QLatin1Char(' ')));
           }}});
 }
 
@@ -82,9 +116,61 @@ void Interpreter::add(const QVector<Command> &commands)
     m_commands += commands;
 }
 
+void Interpreter::addValues(const QString &parameter, const Values &values)
+{
+    m_values.insert(parameter, values);
+}
+
+QStringList Interpreter::completions(const QString &line) const
+{
+    QStringList words = splitWords(line);
+    if (line.isEmpty() || line.back().isSpace())
+        words.append(QString());
+    const QString begun = words.takeLast();
+    if (line.contains(QLatin1Char('"')) || words.contains(QString()))
+        return {};
+    const bool wantsName = words.value(0) == helpName;
+    if (wantsName)
+        words.removeFirst();
+
+    QStringList candidates;
+    for (const Command &command : m_commands) {
+        const QStringList name = nameOf(command);
+        if (name.size() > words.size() && beginsWith(name, words))
+            candidates.append(name.at(words.size()));
+        else if (!wantsName && beginsWith(words, name))
+            candidates += valuesOf(command.parameters.value(words.size() - name.size()));
+    }
+    const auto isOther = [&begun](const QString &word) { return !word.startsWith(begun); };
+    candidates.erase(std::remove_if(candidates.begin(), candidates.end(), isOther),
+                     candidates.end());
+    candidates.removeDuplicates();
+    candidates.sort();
+    return candidates;
+}
+
+/// Returns what can stand for \a parameter: one of the words in it, or one of those that were
+/// added.
+QStringList Interpreter::valuesOf(const QString &parameter) const
+{
+    const QLatin1Char bar('|');
+    if (parameter.contains(bar))
+        return parameter.split(bar);
+    const Values values = m_values.value(parameter);
+    return values ? values() : QStringList();
+}
+
 void Interpreter::enqueue(const QString &line)
 {
-    m_lines.enqueue(line.trimmed());
+    const auto command = Transcript::afterPrompt(line);
+    const QString text = command.value_or(line).trimmed();
+    if (command)
+        m_followsPrompt = true;
+    else if (m_followsPrompt && line.startsWith(QLatin1Char(' ')))
+        return;
+    else if (!isSilent(text))
+        m_followsPrompt = false;
+    m_lines.enqueue(text);
     wake();
 }
 
@@ -123,29 +209,25 @@ void Interpreter::runNext()
 
 void Interpreter::run(const QString &line)
 {
-    if (line.isEmpty() || line.startsWith(QLatin1Char('#'))) {
+    if (isSilent(line)) {
         m_transcript.say(line);
         ended(Outcome::Done, {});
         return;
     }
-    const QLatin1String expectation("expect");
-    if (line.section(QLatin1Char(' '), 0, 0) == expectation) {
-        expect(line.mid(expectation.size()).trimmed());
-        return;
-    }
-
-    m_transcript.beginCommand(line);
-    m_lastWasSkipped = false;
     QStringList arguments = splitWords(line);
+    if (arguments.constFirst() == expectName) {
+        m_transcript.continueWith(line);
+    } else {
+        m_transcript.beginCommand(line);
+        m_lastWasSkipped = false;
+    }
     const auto command = std::max_element(
         m_commands.cbegin(), m_commands.cend(), [&arguments](const Command &a, const Command &b) {
             return lengthOfName(a, arguments) < lengthOfName(b, arguments);
         });
     const int nameLength = lengthOfName(*command, arguments);
     if (nameLength == 0) {
-        ended(Outcome::Failed,
-              QStringLiteral("there is no command \"%1\"; help lists them")
-                  .arg(arguments.join(QLatin1Char(' '))));
+        ended(Outcome::Failed, noCommand(arguments));
         return;
     }
     arguments = arguments.mid(nameLength);
@@ -206,12 +288,23 @@ void Interpreter::checkExpectation()
     }
 }
 
-void Interpreter::printHelp() const
+/// Prints the commands whose name begins with \a name.
+void Interpreter::help(const QStringList &name, const Finish &finish)
 {
-    for (const Command &command : m_commands)
-        m_transcript.say(QStringLiteral("  %1  %2").arg(synopsis(command), -28).arg(command.help));
-    m_transcript.say(
-        QStringLiteral("  %1  %2")
-            .arg(QLatin1String("expect TEXT"), -28)
-            .arg(QLatin1String("wait until a line reads TEXT; * stands for anything")));
+    bool isFound = false;
+    for (const Command &command : qAsConst(m_commands)) {
+        if (!beginsWith(nameOf(command), name))
+            continue;
+        isFound = true;
+        QString left = synopsis(command);
+        if (left.size() > helpColumn) {
+            m_transcript.say(QLatin1String("  ") + left);
+            left.clear();
+        }
+        m_transcript.say(QStringLiteral("  %1  %2").arg(left, -helpColumn).arg(command.help));
+    }
+    if (isFound)
+        finish(Outcome::Done, {});
+    else
+        finish(Outcome::Failed, noCommand(name));
 }

@@ -5,12 +5,14 @@
 
 #include "command.h"
 
+#include <QHash>
 #include <QObject>
 #include <QQueue>
 #include <QTimer>
 #include <QVector>
 
 #include <chrono>
+#include <functional>
 
 class Transcript;
 
@@ -18,10 +20,12 @@ class Transcript;
 ///
 /// A line is a command's name and its arguments, words as splitWords() finds them. Where the name
 /// of one command begins with that of another, the longer one counts. A line that begins with '#'
-/// is a remark and is printed.
-/// The interpreter itself has the commands "help", "quit" and "expect TEXT". The last one waits
-/// until a line that matches TEXT, in which '*' stands for any text, has been recorded since the
-/// command before it.
+/// is a remark and is printed. A line may have the prompt of a transcript before it, and the
+/// indented lines that follow such a line are its answers, which are passed over.
+///
+/// The interpreter itself has the commands "help", "quit", "exit" and "expect TEXT". The last one
+/// waits until a line that matches TEXT, in which '*' stands for any text, has been recorded since
+/// the command before it. The words of TEXT have one blank between them.
 class Interpreter : public QObject
 {
     Q_OBJECT
@@ -33,6 +37,14 @@ public:
     Interpreter(Transcript &transcript, AtFailure atFailure, QObject *parent = nullptr);
 
     void add(const QVector<Command> &commands);
+
+    using Values = std::function<QStringList()>;
+
+    /// Sets what can stand for a parameter that a command names as \a parameter.
+    void addValues(const QString &parameter, const Values &values);
+
+    /// Returns the words that the last word of \a line may become, in alphabetical order.
+    QStringList completions(const QString &line) const;
 
     /// Sets how long "expect" waits. The default is thirty seconds.
     void setPatience(std::chrono::milliseconds patience) { m_patience.setInterval(patience); }
@@ -57,14 +69,17 @@ private:
     void ended(Outcome outcome, const QString &text);
     void expect(const QString &text);
     void checkExpectation();
-    void printHelp() const;
+    QStringList valuesOf(const QString &parameter) const;
+    void help(const QStringList &name, const Finish &finish);
 
     Transcript &m_transcript;
     const AtFailure m_atFailure;
     QVector<Command> m_commands;
+    QHash<QString, Values> m_values; ///< By the parameter.
     QQueue<QString> m_lines;
     QString m_expected;
     QTimer m_patience;
+    bool m_followsPrompt = false; ///< The last command had the prompt of a transcript.
     bool m_started = false;
     bool m_busy = false; ///< Set while a command runs, and after the end.
     int m_skipped = 0;

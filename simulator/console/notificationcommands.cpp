@@ -113,14 +113,16 @@ QVector<Command> NotificationCommands::commands()
          {QStringLiteral("ID"), QStringLiteral("[ACTION]")},
          QStringLiteral("choose an action of a notification, or its default one"),
          [this](const QStringList &arguments, const Finish &finish) {
-             act(QStringLiteral("Click"),
-                 {arguments.at(0).toUInt(), arguments.value(1, QStringLiteral("default"))}, finish);
+             if (const auto id = numberIn(arguments.at(0), finish))
+                 act(QStringLiteral("Click"), {*id, arguments.value(1, QStringLiteral("default"))},
+                     finish);
          }},
         {QStringLiteral("dismiss"),
          {QStringLiteral("ID")},
          QStringLiteral("close a notification"),
          [this](const QStringList &arguments, const Finish &finish) {
-             act(QStringLiteral("Dismiss"), {arguments.at(0).toUInt()}, finish);
+             if (const auto id = numberIn(arguments.at(0), finish))
+                 act(QStringLiteral("Dismiss"), {*id}, finish);
          }},
     };
 }

@@ -91,7 +91,8 @@ void QuickReplies::edit(const Finish &finish)
     const QString program = command.takeFirst();
     m_editor = std::make_unique<ChildProcess>();
     m_editor->setStandardInputFile(QProcess::nullDevice());
-    m_editor->setProcessChannelMode(QProcess::ForwardedChannels);
+    m_editor->setStandardOutputFile(QProcess::nullDevice());
+    m_editor->setStandardErrorFile(QProcess::nullDevice());
     QObject::connect(m_editor.get(), &QProcess::started, m_editor.get(), [program, finish] {
         finish(Outcome::Done, QStringLiteral("opened with ") + program);
     });
@@ -99,8 +100,18 @@ void QuickReplies::edit(const Finish &finish)
                      [program, finish](QProcess::ProcessError what) {
                          if (what == QProcess::FailedToStart)
                              finish(Outcome::Failed,
-                                    QStringLiteral("%1 cannot be started").arg(program));
+                                    QStringLiteral("%1 cannot be started; VISUAL or EDITOR names "
+                                                   "an editor with a window of its own")
+                                        .arg(program));
                      });
+    QObject::connect(
+        m_editor.get(), qOverload<int, QProcess::ExitStatus>(&QProcess::finished), m_editor.get(),
+        [this, program](int code, QProcess::ExitStatus status) {
+            if (code != 0 || status != QProcess::NormalExit)
+                m_transcript.record(
+                    QStringLiteral("failed"),
+                    QStringLiteral("%1 has ended with status %2").arg(program).arg(code));
+        });
     m_editor->start(program, command << m_filePath);
 }
 

@@ -17,6 +17,14 @@ ServiceList::ServiceList(QDBusConnection bus, Source source, QObject *parent)
 {
 }
 
+QStringList ServiceList::keys() const
+{
+    QStringList keys;
+    for (const QVariant &item : m_items)
+        keys.append(item.toMap().value(m_source.key).toString());
+    return keys;
+}
+
 int ServiceList::rowCount(const QModelIndex &parent) const
 {
     return parent.isValid() ? 0 : m_items.size();

@@ -38,6 +38,8 @@ public:
 
     const Source &source() const { return m_source; }
     QVariantList items() const { return m_items; }
+    /// Returns what identifies each item.
+    QStringList keys() const;
     int rowCount(const QModelIndex &parent = {}) const override;
     QVariant data(const QModelIndex &index, int role) const override;
     QHash<int, QByteArray> roleNames() const override;

@@ -68,6 +68,16 @@ void ServiceTalk::act(const QString &method, const QVariantList &arguments, cons
         [finish](const QVariantList &) { finish(Outcome::Done, QStringLiteral("done")); });
 }
 
+std::optional<uint> ServiceTalk::numberIn(const QString &word, const Finish &finish)
+{
+    bool isNumber = false;
+    const uint number = word.toUInt(&isNumber);
+    if (isNumber)
+        return number;
+    finish(Outcome::Failed, QStringLiteral("\"%1\" is no number").arg(word));
+    return std::nullopt;
+}
+
 void ServiceTalk::ask(const QString &interface, const QString &method,
                       const QVariantList &arguments, const QString &signature, const Finish &finish,
                       const std::function<void(const QVariantList &values)> &answered)

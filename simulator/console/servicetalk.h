@@ -14,6 +14,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 class Transcript;
@@ -59,6 +60,8 @@ protected:
     void print(const Finish &finish, const QString &none = {});
     /// Calls a method of the control interface that returns nothing.
     void act(const QString &method, const QVariantList &arguments, const Finish &finish);
+    /// Returns the number that \a word is. If it is none, the command fails.
+    static std::optional<uint> numberIn(const QString &word, const Finish &finish);
     /// Calls a method and hands its results, which have the D-Bus \a signature, to \a answered.
     void ask(const QString &interface, const QString &method, const QVariantList &arguments,
              const QString &signature, const Finish &finish,

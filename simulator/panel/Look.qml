@@ -6,6 +6,7 @@ pragma Singleton
 import QtQuick 2.15
 
 QtObject {
+    readonly property string fixedPitch: "monospace"
     readonly property int size: 12
     readonly property int gap: 6
     readonly property int row: 24

@@ -9,6 +9,7 @@ import QtQuick.Window 2.15
 ApplicationWindow {
     id: window
 
+    /// The panel opens beside the phone.
     readonly property int phoneWidth: 376
     readonly property bool isWide: width >= 760
 
@@ -29,10 +30,7 @@ ApplicationWindow {
     minimumHeight: 300
     minimumWidth: 400
     title: "Handset"
-    visible: true
     width: Math.max(minimumWidth, Math.min(920, Screen.width - phoneWidth))
-    x: Math.max(0, Math.min(phoneWidth, Screen.width - width))
-    y: 0
 
     onActiveFocusItemChanged: reveal(activeFocusItem)
 

@@ -56,6 +56,7 @@ Section {
             KeyNavigation.tab: line
             background: null
             color: Look.text
+            font.family: Look.fixedPitch
             font.pixelSize: Look.size - 1
             objectName: "transcript"
             padding: 0
@@ -74,10 +75,30 @@ Section {
         Field {
             id: line
 
+            property string begun
+            property var typed: []
+            property int current: 0
+
+            /// Shows an earlier (-1) or a later (1) command; the last one is the one begun.
+            function recall(step) {
+                if (current + step < 0 || current + step > typed.length)
+                    return;
+                if (current === typed.length)
+                    begun = text;
+                current += step;
+                text = current === typed.length ? begun : typed[current];
+            }
+
             objectName: "command"
             placeholderText: "A command; help lists them"
+
+            Keys.onDownPressed: recall(1)
+            Keys.onUpPressed: recall(-1)
             onAccepted: {
                 panel.type(text);
+                if (text !== "")
+                    typed = typed.concat(text);
+                current = typed.length;
                 clear();
             }
         }

@@ -11,14 +11,22 @@
 #include "words.h"
 
 #include <QClipboard>
+#include <QDir>
 #include <QGuiApplication>
+#include <QLockFile>
 #include <QQmlContext>
 #include <QQuickWindow>
+#include <QScreen>
+
+#include <algorithm>
 
 namespace {
 
 /// The number of lines from before the window opened that are kept.
 constexpr int mostLines = 1000;
+/// How far below and beside the panel of another handset a panel opens, so that both can be seen.
+constexpr int step = 40;
+constexpr int mostSteps = 8;
 
 } // namespace
 
@@ -47,6 +55,8 @@ Panel::Panel(const Parts &handset, QObject *parent)
     connect(&handset.transcript, &Transcript::commandBegun, this,
             [this](const QString &line) { m_commands.append(line); });
 }
+
+Panel::~Panel() = default;
 
 void Panel::uiStarting()
 {
@@ -145,6 +155,28 @@ void Panel::open()
         qunsetenv(noCache);
     else
         qputenv(noCache, before);
+    if (window()) {
+        place();
+        window()->show();
+    }
+}
+
+/// Puts the window beside the phone and within the screen, its frame included, and away from those
+/// of other handsets.
+void Panel::place()
+{
+    int steps = 0;
+    for (; steps < mostSteps; ++steps) {
+        m_place = std::make_unique<QLockFile>(
+            QStringLiteral("%1/parley-panel-%2.lock").arg(QDir::tempPath()).arg(steps));
+        if (m_place->tryLock(0))
+            break;
+    }
+    const QRect screen = window()->screen()->availableGeometry();
+    const int phoneWidth = window()->property("phoneWidth").toInt();
+    const int x = std::max(0, std::min(phoneWidth, screen.width() - window()->width()));
+    const int away = step * (steps % mostSteps);
+    window()->setFramePosition(screen.topLeft() + QPoint(x + away, away));
 }
 
 void Panel::setUiEnd(const QString &how)

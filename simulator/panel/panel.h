@@ -8,9 +8,12 @@
 #include <QQmlApplicationEngine>
 #include <QVariantList>
 
+#include <memory>
+
 class HandsetServices;
 class Interpreter;
 class Journal;
+class QLockFile;
 class QQuickWindow;
 class QmlErrors;
 class Transcript;
@@ -50,6 +53,7 @@ public:
     static void prepare();
 
     explicit Panel(const Parts &handset, QObject *parent = nullptr);
+    ~Panel() override;
 
     /// Tells the panel that the call UI has been started. The window opens after the first start,
     /// so that it does not delay the call UI.
@@ -87,9 +91,11 @@ Q_SIGNALS:
 
 private:
     void open();
+    void place();
 
     const Parts m_handset;
     QQmlApplicationEngine m_engine;
+    std::unique_ptr<QLockFile> m_place; ///< No other panel of the machine has it.
     QString m_uiEnd;
     QStringList m_lines;
     QStringList m_commands;

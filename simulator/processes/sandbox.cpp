@@ -36,10 +36,12 @@ QStringList rebuilt(const QString &folder)
 
 bool Sandbox::isPossible()
 {
-    return QProcess::execute(QStringLiteral("bwrap"),
-                             {QStringLiteral("--dev-bind"), QStringLiteral("/"),
-                              QStringLiteral("/"), QStringLiteral("true")})
+    static const bool isPossible =
+        QProcess::execute(QStringLiteral("bwrap"),
+                          {QStringLiteral("--dev-bind"), QStringLiteral("/"), QStringLiteral("/"),
+                           QStringLiteral("true")})
         == 0;
+    return isPossible;
 }
 
 void Sandbox::place(const QString &path, const QString &source)

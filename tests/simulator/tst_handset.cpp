@@ -4,6 +4,7 @@
 #include "filterrule.h"
 #include "literals.h"
 #include "scriptedservice.h"
+#include "words.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -85,7 +86,10 @@ private Q_SLOTS:
     void playsTheTour();
     void runsCommandsFromStandardInput();
     void runsAScript();
+    void runsATranscript();
+    void hasControlGroups();
     void controlsTheServices();
+    void takesNumbersOnly();
     void controlsTheTelephony();
     void tellsWhatOthersDoToTheTelephony();
     void saysWhyTheTelephonyRefuses();
@@ -107,10 +111,12 @@ private Q_SLOTS:
     void showsAndWritesQuickReplies();
     void opensQuickRepliesInAnEditor();
     void saysWhyAnEditorDoesNotOpen();
+    void saysThatAnEditorHasFailed();
     void endsAScriptAtItsFirstFailure();
     void ignoresTheUsersOwnWorld();
     void listsItsCommands();
     void listsItsOptions();
+    void tellsItsVersion();
     void refusesBadArguments_data();
     void refusesBadArguments();
     void saysWhyTheUiDoesNotStart();
@@ -287,6 +293,33 @@ void TestHandset::runsAScript()
     QVERIFY2(ends(0), qUtf8Printable(m_output));
 }
 
+/// A saved session, with all that was printed, is a script.
+void TestHandset::runsATranscript()
+{
+    const QByteArray commands = "dial \"+1 555\"\nexpect screen: calling +1 555\n"
+                                "expect \"screen: ongoing *\"\ntoggle\n# Then\nshow\n";
+    start({u"--script"_s, writeScript(commands)});
+    QVERIFY2(ends(0), qUtf8Printable(m_output));
+    const QByteArray transcript = m_output.toUtf8();
+    m_output.clear();
+    start({u"--script"_s, writeScript(transcript)});
+    QVERIFY2(ends(0), qUtf8Printable(m_output));
+    const QRegularExpression command(u"^(?:> |(?=#))(.*)\n"_s, QRegularExpression::MultilineOption);
+    QString run;
+    for (auto it = command.globalMatch(m_output); it.hasNext();)
+        run += it.next().captured(1) + u'\n';
+    QCOMPARE(run, QString::fromUtf8(commands));
+    QCOMPARE(m_output.count(u"  as expected: "_s), 2);
+}
+
+/// The lines about control groups come from a machine without those of a handset.
+void TestHandset::hasControlGroups()
+{
+    start({u"--script"_s, writeScript("show\nexpect screen: dial pad\n")});
+    QVERIFY2(ends(0), qUtf8Printable(m_output));
+    QVERIFY2(!m_output.contains(u"disabling caching"_s), qUtf8Printable(m_output));
+}
+
 void TestHandset::controlsTheServices()
 {
     // These screens have no reminders, so the call UI does not use the services.
@@ -315,6 +348,23 @@ void TestHandset::controlsTheServices()
     const bool succeeded = ends(0);
     QVERIFY(screens.remove());
     QVERIFY2(succeeded, qUtf8Printable(m_output));
+}
+
+void TestHandset::takesNumbersOnly()
+{
+    start({});
+    for (const QByteArray &command : {QByteArrayLiteral("fire"), QByteArrayLiteral("cancel"),
+                                      QByteArrayLiteral("click"), QByteArrayLiteral("dismiss")}) {
+        for (const QByteArray &word : {QByteArrayLiteral("abc"), QByteArrayLiteral("-1"),
+                                       QByteArrayLiteral("1x"), QByteArrayLiteral("4294967296")}) {
+            m_output.clear();
+            m_handset->write(command + ' ' + word + '\n');
+            QVERIFY2(says(u"failed: \"%1\" is no number"_s.arg(QString::fromUtf8(word))),
+                     qUtf8Printable(m_output));
+        }
+        m_handset->write(command + " 7\n");
+        QVERIFY2(says(u"failed: .*\\b7\\b.*"_s), qUtf8Printable(m_output));
+    }
 }
 
 void TestHandset::controlsTheTelephony()
@@ -412,21 +462,22 @@ void TestHandset::saysWhyTheTelephonyRefuses()
     start({});
     m_handset->write("sim insert 5 ril_0\n");
     for (const auto &[command, complaint] : refusals)
-        m_handset->write(command + QByteArray("\nexpect ") + complaint + '\n');
+        m_handset->write(command + QByteArray("\nexpect ")
+                         + joinWords({QString::fromUtf8(complaint)}).toUtf8() + '\n');
     m_handset->write("sims\nexpect /ril_0, 5\nexpect /ril_1, no SIM\nrules\n");
     m_handset->closeWriteChannel();
     QVERIFY2(ends(0), qUtf8Printable(m_output));
     for (const auto &[command, complaint] : refusals) {
         const QString step = m_output.section(u"> %1\n"_s.arg(QString::fromUtf8(command)), 1)
-                                 .section(u"\n> "_s, 0, 0);
+                                 .section(u"\n> "_s, 0, 1); // The expectation is the second.
         QVERIFY2(step.startsWith(u"  failed: "_s)
                      && step.endsWith(u"  as expected: "_s + QString::fromUtf8(complaint)),
                  qUtf8Printable(QLatin1String(command) + u": "_s + step));
     }
     QCOMPARE(m_output.count(u"  failed: "_s), static_cast<int>(std::size(refusals)));
     QCOMPARE(m_output.count(u"default: allow"_s), 2);
-    // A complaint says that there is no such rule, and its expectation says so again.
-    QCOMPARE(m_output.count(u" rule for "_s), 2);
+    // A complaint says that there is no such rule, and its expectation says so twice.
+    QCOMPARE(m_output.count(u" rule for "_s), 3);
 }
 
 void TestHandset::keepsAlarmsInAFolder()
@@ -530,23 +581,25 @@ void TestHandset::goesOnWithoutAService()
 
 void TestHandset::keepsAJournal()
 {
-    start({u"--script"_s,
-           writeScript(
-               "dial 5551234\nalarms\nsims\njournal 100\n"
-               "expect *:*:*.* session -> dial(\"5551234\") = true, *.* ms\n"
-               "open remind:5550100?seconds=1000\n"
-               "expect screen: contact 5550100 (reminder)\nexpect 1 shown: *\n"
-               "alarms\nnotifications\n" // The replies to earlier calls come first.
-               "journal 100\n"
-               "expect * session -> openUrl([\"remind:5550100?seconds=1000\"]) = done, * ms\n"
-               "expect * system <- add_event((*\"phoneNumber\": \"5550100\"*)) at * = 1, * ms\n"
-               "expect * session <- Notify(\"Phone\", 0, *) at * = 1, * ms\n"
-               "expect * system -> alarm_triggers_changed({1: *}) at *\n"
-               "sim insert 26201 ril_0\nexpect sims: 1\njournal 100\n"
-               "expect * system -> PropertyChanged(\"Present\", true) at /ril_0\n"
-               "expect * system <- GetProperties() at /ril_0 = {*}, * ms\n"
-               "restart\njournal clear\ndial 77\njournal 100\n"
-               "expect * session -> dial(\"77\") = true, * ms\n")});
+    start(
+        {u"--script"_s,
+         writeScript(
+             "dial 5551234\nalarms\nsims\njournal 100\n"
+             "expect \"*:*:*.* session -> dial(\\\"5551234\\\") = true, *.* ms\"\n"
+             "open remind:5550100?seconds=1000\n"
+             "expect screen: contact 5550100 (reminder)\nexpect 1 shown: *\n"
+             "alarms\nnotifications\n" // The replies to earlier calls come first.
+             "journal 100\n"
+             "expect \"* session -> openUrl([\\\"remind:5550100?seconds=1000\\\"]) = done, * ms\"\n"
+             "expect \"* system <- add_event((*\\\"phoneNumber\\\": \\\"5550100\\\"*)) at * = 1, * "
+             "ms\"\n"
+             "expect \"* session <- Notify(\\\"Phone\\\", 0, *) at * = 1, * ms\"\n"
+             "expect * system -> alarm_triggers_changed({1: *}) at *\n"
+             "sim insert 26201 ril_0\nexpect sims: 1\njournal 100\n"
+             "expect \"* system -> PropertyChanged(\\\"Present\\\", true) at /ril_0\"\n"
+             "expect * system <- GetProperties() at /ril_0 = {*}, * ms\n"
+             "restart\njournal clear\ndial 77\njournal 100\n"
+             "expect \"* session -> dial(\\\"77\\\") = true, * ms\"\n")});
     QVERIFY2(ends(0), qUtf8Printable(m_output.right(800)));
     for (const QString &control :
          {u" List("_s, u" ListSims("_s, u" GetNameOwner("_s, u" AddMatch("_s})
@@ -722,8 +775,9 @@ void TestHandset::showsAndWritesQuickReplies()
                "replies\nexpect */home/.local/share/system/privileged/Phone/quick-replies.json\n"
                "expect there is no such file; the defaults are shown\n"
                "replies write \"On my way\" \"Who is \\\"Ada\\\"?\" \"\"\n"
-               "replies\nexpect *\"On my way\",\nexpect *\"Who is \\\"Ada\\\"?\",\n"
-               "expect *\"\"\nreplies write\nreplies\nexpect [\nexpect ]\n")});
+               "replies\nexpect \"*\\\"On my way\\\",\"\nexpect \"*\\\"Who is "
+               "\\\\\\\"Ada\\\\\\\"?\\\",\"\n"
+               "expect \"*\\\"\\\"\"\nreplies write\nreplies\nexpect [\nexpect ]\n")});
     QVERIFY2(ends(0), qUtf8Printable(m_output));
 }
 
@@ -754,7 +808,18 @@ void TestHandset::saysWhyAnEditorDoesNotOpen()
     setVariable(u"EDITOR"_s, u"/nonexistent --wait"_s);
     start({u"--script"_s, writeScript("replies edit\n")});
     QVERIFY(ends(1));
-    QVERIFY2(says(u"failed: /nonexistent cannot be started"_s), qUtf8Printable(m_output));
+    QVERIFY2(says(u"failed: /nonexistent cannot be started; VISUAL or EDITOR names an editor with "
+                  "a window of its own"_s),
+             qUtf8Printable(m_output));
+}
+
+void TestHandset::saysThatAnEditorHasFailed()
+{
+    setVariable(u"VISUAL"_s, u"sh -c \"exit 3\""_s);
+    start({});
+    QVERIFY(says(u"The call UI is on the bus after .*"_s));
+    m_handset->write("replies edit\n");
+    QVERIFY2(says(u"failed: sh has ended with status 3"_s), qUtf8Printable(m_output));
 }
 
 void TestHandset::endsAScriptAtItsFirstFailure()
@@ -817,10 +882,11 @@ void TestHandset::listsItsCommands()
                                    u"notification-service stop\\|start\\|hang\\|continue"_s,
                                    u"alarm-service stop\\|start\\|hang\\|continue"_s,
                                    u"telephony stop\\|start\\|hang\\|continue"_s,
-                                   u"help"_s,
+                                   u"help \\[COMMAND\\.\\.\\.\\]"_s,
                                    u"quit"_s,
-                                   u"expect TEXT"_s})
-        QVERIFY2(says(command + u" {2,}\\S.*"_s), qUtf8Printable(command));
+                                   u"exit"_s,
+                                   u"expect TEXT\\.\\.\\."_s})
+        QVERIFY2(says(command + u"( {2,}|\n {32})\\S.*"_s), qUtf8Printable(command));
 }
 
 /// This needs no display, even if there seems to be one.
@@ -832,9 +898,16 @@ void TestHandset::listsItsOptions()
     QVERIFY2(says(u"Usage: \\S*parley-handset \\[options\\]"_s), qUtf8Printable(m_output));
     for (const QString &option :
          {u"--help"_s, u"--ui <program>"_s, u"--qml <file>"_s, u"--watch"_s, u"--script <file>"_s,
-          u"--tour"_s, u"--state <folder>"_s, u"--no-panel"_s})
+          u"--tour"_s, u"--state <folder>"_s, u"--no-panel"_s, u"--version"_s})
         QVERIFY2(says(u"(-h, )?"_s + option + u" +\\S.*"_s), qUtf8Printable(m_output));
     QVERIFY(!m_output.contains(u"--service"_s));
+}
+
+void TestHandset::tellsItsVersion()
+{
+    start({u"--version"_s});
+    QVERIFY2(ends(0), qUtf8Printable(m_output));
+    QCOMPARE(m_output, u"parley-handset " PARLEY_VERSION "\n"_s);
 }
 
 void TestHandset::refusesBadArguments_data()
@@ -844,6 +917,8 @@ void TestHandset::refusesBadArguments_data()
 
     QTest::newRow("unknown option")
         << QStringList(u"--bogus"_s) << u"(parley-handset: )?Unknown option 'bogus'\\."_s;
+    QTest::newRow("surplus argument") << QStringList{u"--no-panel"_s, u"surplus"_s}
+                                      << u"parley-handset: Unexpected argument 'surplus'\\."_s;
     QTest::newRow("no such script") << QStringList{u"--script"_s, u"/nonexistent"_s}
                                     << u"/nonexistent: No such file or directory"_s;
     QTest::newRow("folder as script")

@@ -32,14 +32,27 @@ private Q_SLOTS:
     void countsArguments();
     void goesOnAfterAFailureOrStops_data();
     void goesOnAfterAFailureOrStops();
+    void quitsBeforeTheRest_data();
     void quitsBeforeTheRest();
     void runsNothingBeforeItIsStarted();
     void seesWhatHasHappened();
     void seesWhatHappensLater();
     void seesWholeLinesOnly();
+    void readsQuotesInAnExpectation_data();
+    void readsQuotesInAnExpectation();
+    void expectsSomething();
     void forgetsWhatEarlierCommandsDid();
     void skipsWhatIsExpectedOfASkippedCommand();
     void runsManyLines();
+    void runsATranscript();
+    void keepsTheCommandsOfATranscript_data();
+    void keepsTheCommandsOfATranscript();
+    void replaysItsTranscript();
+    void describesCommands_data();
+    void describesCommands();
+    void alignsTheListOfCommands();
+    void completesWords_data();
+    void completesWords();
 
 private:
     void make(Interpreter::AtFailure atFailure = Interpreter::AtFailure::GoOn);
@@ -50,6 +63,7 @@ private:
     std::unique_ptr<Transcript> m_transcript;
     std::unique_ptr<Interpreter> m_interpreter;
     QVector<QStringList> m_called;
+    QStringList m_printed;
     Finish m_finish; ///< Ends the command that is under way.
 };
 
@@ -232,9 +246,19 @@ void TestInterpreter::goesOnAfterAFailureOrStops()
     QCOMPARE(m_called.contains({u"1"_s}), !stops);
 }
 
+void TestInterpreter::quitsBeforeTheRest_data()
+{
+    QTest::addColumn<QString>("command");
+
+    QTest::newRow("quit") << u"quit"_s;
+    QTest::newRow("exit") << u"exit"_s;
+}
+
 void TestInterpreter::quitsBeforeTheRest()
 {
-    QVERIFY(run({u"do 1"_s, u"quit"_s, u"do 2"_s}));
+    QFETCH(QString, command);
+
+    QVERIFY(run({u"do 1"_s, command, u"do 2"_s}));
     QCOMPARE(m_called, QVector<QStringList>({{u"1"_s}}));
 }
 
@@ -257,7 +281,7 @@ void TestInterpreter::seesWhatHasHappened()
 void TestInterpreter::seesWhatHappensLater()
 {
     m_interpreter->enqueue(u"do 1"_s);
-    m_interpreter->enqueue(u"expect [a] (b) \"c\" .?"_s);
+    m_interpreter->enqueue(u"expect \"[a] (b) \\\"c\\\" .?\""_s);
     m_interpreter->enqueue(u"do 2"_s);
     m_interpreter->start();
     m_interpreter->setPatience(std::chrono::minutes(1));
@@ -273,6 +297,35 @@ void TestInterpreter::seesWholeLinesOnly()
 {
     make(Interpreter::AtFailure::Stop);
     QVERIFY(!run({u"do 12"_s, u"expect said 1"_s}));
+}
+
+void TestInterpreter::readsQuotesInAnExpectation_data()
+{
+    QTest::addColumn<QString>("expectation");
+    QTest::addColumn<bool>("isMet");
+
+    QTest::newRow("without quotes") << u"expect said a  b"_s << false;
+    QTest::newRow("around it") << u"expect \"said a  b\""_s << true;
+    QTest::newRow("around a word") << u"expect said \"a  b\""_s << true;
+    QTest::newRow("pattern") << u"expect \"s* a  *\""_s << true;
+    QTest::newRow("quotes that were not said") << u"expect \"said \\\"a  b\\\"\""_s << false;
+}
+
+/// They mean the same as in any other command.
+void TestInterpreter::readsQuotesInAnExpectation()
+{
+    QFETCH(QString, expectation);
+    QFETCH(bool, isMet);
+
+    make(Interpreter::AtFailure::Stop);
+    QCOMPARE(run({u"do \"a  b\""_s, expectation}), isMet);
+}
+
+void TestInterpreter::expectsSomething()
+{
+    run({u"expect"_s});
+    QCOMPARE(m_transcript->happened(),
+             QStringList(u"usage: expect TEXT... (an argument with blanks in double quotes)"_s));
 }
 
 void TestInterpreter::forgetsWhatEarlierCommandsDid()
@@ -297,6 +350,133 @@ void TestInterpreter::runsManyLines()
     QVERIFY(run(lines));
     QCOMPARE(m_called.size(), 5000);
     QCOMPARE(m_called.constLast(), QStringList(u"4999"_s));
+}
+
+/// As a user pastes it, one line after another.
+void TestInterpreter::runsATranscript()
+{
+    QVERIFY(run({u"> do 1"_s, u"  reply: said 1"_s, u"# remark"_s, u"  do 2"_s, QString(),
+                 u"  do 3"_s, u">  do 4"_s, u"do 5"_s, u"  do 6"_s}));
+    QCOMPARE(m_called, QVector<QStringList>({{u"1"_s}, {u"4"_s}, {u"5"_s}, {u"6"_s}}));
+}
+
+void TestInterpreter::keepsTheCommandsOfATranscript_data()
+{
+    QTest::addColumn<QString>("script");
+    QTest::addColumn<QStringList>("lines");
+
+    QTest::newRow("script") << u"do 1\n  do 2\n# do 3\n\n>do 4"_s
+                            << QStringList{u"do 1"_s, u"  do 2"_s, u"# do 3"_s, QString(),
+                                           u">do 4"_s};
+    QTest::newRow("transcript")
+        << u"The call UI is on the bus after 9 ms.\n> do 1\n  reply: said\n\n# remark\ndo 2\n"
+           "> expect said 1\n  as expected: said 1\n"_s
+        << QStringList{u"do 1"_s, u"# remark"_s, u"expect said 1"_s};
+    QTest::newRow("nothing") << QString() << QStringList(QString());
+}
+
+void TestInterpreter::keepsTheCommandsOfATranscript()
+{
+    QFETCH(QString, script);
+    QFETCH(QStringList, lines);
+
+    QCOMPARE(Transcript::linesOf(script), lines);
+}
+
+/// What is printed runs again, with what was expected.
+void TestInterpreter::replaysItsTranscript()
+{
+    const QStringList script{u"# remark"_s, u"do \"a b\""_s, u"expect \"said a b\""_s, u"do 2"_s};
+    for (int i = 0; i < 2; ++i) {
+        make(Interpreter::AtFailure::Stop);
+        QStringList printed;
+        connect(m_transcript.get(), &Transcript::said, this,
+                [&printed](const QString &line) { printed.append(line); });
+        m_called.clear();
+        QVERIFY(run(i == 0 ? script : Transcript::linesOf(m_printed.join(u'\n'))));
+        QCOMPARE(m_called, QVector<QStringList>({{u"a b"_s}, {u"2"_s}}));
+        QCOMPARE(printed.filter(u"as expected: said a b"_s).size(), 1);
+        m_printed = printed;
+    }
+}
+
+void TestInterpreter::describesCommands_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<QStringList>("described");
+
+    QTest::newRow("one") << u"help two"_s << QStringList(u"two A [B]"_s);
+    QTest::newRow("of two words") << u"help of words"_s << QStringList(u"of words A"_s);
+    QTest::newRow("beginning") << u"help of"_s << QStringList(u"of words A"_s);
+    QTest::newRow("none") << u"help bogus"_s << QStringList();
+    QTest::newRow("none of two words") << u"help of word"_s << QStringList();
+}
+
+void TestInterpreter::describesCommands()
+{
+    QFETCH(QString, line);
+    QFETCH(QStringList, described);
+
+    QStringList printed;
+    connect(m_transcript.get(), &Transcript::said, this, [&printed](const QString &one) {
+        if (one.startsWith(u"  "_s) && !one.startsWith(u"  failed"_s))
+            printed.append(one.mid(2).section(u"  "_s, 0, 0));
+    });
+    run({line});
+    QCOMPARE(printed, described);
+    const QString problem =
+        u"there is no command \"%1\"; help lists them"_s.arg(line.section(u' ', 1));
+    QCOMPARE(m_transcript->happened(), described.isEmpty() ? QStringList(problem) : QStringList());
+}
+
+/// The descriptions begin in one column, those of long commands in the next line.
+void TestInterpreter::alignsTheListOfCommands()
+{
+    m_interpreter->add({{u"with-a-name-that-is-long"_s, {u"AND-A-PARAMETER"_s}, u"longest"_s, {}}});
+    QStringList printed;
+    connect(m_transcript.get(), &Transcript::said, this,
+            [&printed](const QString &line) { printed.append(line); });
+    QVERIFY(run({u"help"_s}));
+    const int column = 32;
+    int described = 0;
+    for (const QString &line : printed.mid(1)) {
+        if (line == u"  with-a-name-that-is-long AND-A-PARAMETER"_s)
+            continue;
+        ++described;
+        QVERIFY2(line.at(column - 1) == u' ' && line.at(column) != u' ', qUtf8Printable(line));
+    }
+    QCOMPARE(described, 11); // Four of the interpreter, and seven of the test.
+    QCOMPARE(printed.constLast(), QString(column, u' ') + u"longest"_s);
+}
+
+void TestInterpreter::completesWords_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<QStringList>("words");
+
+    QTest::newRow("command") << u"ski"_s << QStringList(u"skip"_s);
+    QTest::newRow("commands") << u"e"_s << QStringList{u"exit"_s, u"expect"_s};
+    QTest::newRow("second word") << u"of "_s << QStringList(u"words"_s);
+    QTest::newRow("beginning of the second word") << u"of  wo"_s << QStringList(u"words"_s);
+    QTest::newRow("whole") << u"of words"_s << QStringList(u"words"_s);
+    QTest::newRow("parameter of some words") << u"turn o"_s << QStringList{u"off"_s, u"on"_s};
+    QTest::newRow("parameter with values") << u"turn on "_s << QStringList{u"lamp"_s, u"radio"_s};
+    QTest::newRow("behind the last parameter") << u"turn on lamp "_s << QStringList();
+    QTest::newRow("parameter with none") << u"two "_s << QStringList();
+    QTest::newRow("no command") << u"bogus "_s << QStringList();
+    QTest::newRow("help") << u"help of "_s << QStringList(u"words"_s);
+    QTest::newRow("help, no parameter") << u"help turn "_s << QStringList();
+    QTest::newRow("in quotes") << u"\"ski"_s << QStringList();
+}
+
+void TestInterpreter::completesWords()
+{
+    QFETCH(QString, line);
+    QFETCH(QStringList, words);
+
+    m_interpreter->add({{u"turn"_s, {u"on|off"_s, u"THING"_s}, u"turns"_s, {}}});
+    m_interpreter->addValues(u"THING"_s, [] { return QStringList{u"radio"_s, u"lamp"_s}; });
+    QCOMPARE(m_interpreter->completions(line), words);
 }
 
 QTEST_GUILESS_MAIN(TestInterpreter)

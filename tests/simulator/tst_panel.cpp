@@ -7,6 +7,7 @@
 
 #include <QClipboard>
 #include <QFile>
+#include <QFontInfo>
 #include <QGuiApplication>
 #include <QProcess>
 #include <QQuickWindow>
@@ -46,6 +47,7 @@ private Q_SLOTS:
     void showsErrorsOfScreens();
     void showsTheJournal();
     void showsTheTranscript();
+    void recallsTypedCommands();
     void givesAScriptThatCanBeReplayed();
     void reachesEverythingWithTheKeyboard();
     void fitsASmallWindow();
@@ -307,11 +309,39 @@ void TestPanel::showsTheTranscript()
     QTRY_VERIFY(
         textOf(u"transcript"_s).contains(u"> dial 555 # not a remark\n  failed: usage: "_s));
     QVERIFY(textOf(u"transcript"_s).contains(u"The call UI is on the bus after "_s));
+    // The list of commands is aligned.
+    QVERIFY(QFontInfo(item(u"transcript"_s)->property("font").value<QFont>()).fixedPitch());
 
     for (int i = 0; i < 1200; ++i)
         panel()->type(u"# remark %1"_s.arg(i));
     QTRY_VERIFY_WITH_TIMEOUT(textOf(u"transcript"_s).endsWith(u"# remark 1199"_s), patience);
     QVERIFY(textOf(u"transcript"_s).count(u'\n') < 1100);
+}
+
+void TestPanel::recallsTypedCommands()
+{
+    QVERIFY(startWith(screens));
+    QQuickItem *field = item(u"command"_s);
+    const auto key = [&](Qt::Key one) {
+        field->forceActiveFocus();
+        QTest::keyClick(panel()->window(), one);
+        return textOf(u"command"_s);
+    };
+    QCOMPARE(key(Qt::Key_Up), QString());
+    for (const QString &command : {u"# one"_s, QString(), u"# two"_s}) {
+        QVERIFY(setText(u"command"_s, command));
+        QCOMPARE(key(Qt::Key_Return), QString());
+    }
+    QVERIFY(setText(u"command"_s, u"begun"_s));
+    QCOMPARE(key(Qt::Key_Up), u"# two"_s);
+    QCOMPARE(key(Qt::Key_Up), u"# one"_s);
+    QCOMPARE(key(Qt::Key_Up), u"# one"_s);
+    QCOMPARE(key(Qt::Key_Down), u"# two"_s);
+    QCOMPARE(key(Qt::Key_Down), u"begun"_s);
+    QCOMPARE(key(Qt::Key_Down), u"begun"_s);
+    QCOMPARE(key(Qt::Key_Up), u"# two"_s);
+    QCOMPARE(key(Qt::Key_Return), QString());
+    QTRY_COMPARE(m_lines.count(u"# two"_s), 2);
 }
 
 void TestPanel::givesAScriptThatCanBeReplayed()
