@@ -42,7 +42,7 @@ Rectangle {
         anchors.left: parent.left
         anchors.leftMargin: Style.px(16)
         anchors.verticalCenter: parent.verticalCenter
-        color: Style.red
+        color: Style.alert
         name: "barred"
         size: 20
     }

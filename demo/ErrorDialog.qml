@@ -51,7 +51,7 @@ Rectangle {
 
             Icon {
                 anchors.horizontalCenter: parent.horizontalCenter
-                color: Style.red
+                color: Style.alert
                 name: "network"
                 size: 40
             }

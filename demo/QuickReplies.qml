@@ -43,7 +43,7 @@ BaseScreen {
         }
 
         Label {
-            color: screen.replies.hasError ? Style.red : Style.dimText
+            color: screen.replies.hasError ? Style.alert : Style.dimText
             size: 13
             text: {
                 if (screen.replies.hasError)

@@ -127,7 +127,7 @@ Item {
             }
 
             SheetRow {
-                ink: Style.red
+                ink: Style.alert
                 text: "Remove reminder"
                 visible: mark.marked
                 width: parent.width

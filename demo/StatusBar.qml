@@ -47,7 +47,7 @@ Item {
 
         Icon {
             anchors.verticalCenter: parent.verticalCenter
-            color: Style.red
+            color: Style.alert
             name: "barred"
             size: 14
             visible: bar.sims.reason !== ""
