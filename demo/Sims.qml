@@ -23,6 +23,15 @@ QtObject {
         return "dial " + (mayDial ? "yes" : "no") + ", receive " + (mayReceive ? "yes" : "no");
     }
 
+    /// Whether the user has waited for an answer long enough to be told that there is none.
+    property bool overdue: false
+
+    readonly property Timer waiting: Timer {
+        interval: 5000
+        running: !known
+        onTriggered: overdue = true
+    }
+
     onCountChanged: console.info("sims: " + count)
     onPermissionsChanged: {
         if (known)

@@ -57,7 +57,11 @@ Item {
             anchors.verticalCenter: parent.verticalCenter
             color: Style.dimText
             size: 12
-            text: !bar.sims.known ? "Checking SIMs…" : bar.sims.count === 0 ? "No SIM" : ""
+            text: {
+                if (!bar.sims.known)
+                    return bar.sims.overdue ? "No telephony answers" : "Checking SIMs…";
+                return bar.sims.count === 0 ? "No SIM" : "";
+            }
             visible: text !== ""
         }
 
