@@ -68,7 +68,7 @@ Rectangle {
             color: Style.dimText
             horizontalAlignment: Text.AlignLeft
             size: 11
-            text: "Emergency numbers can still be called"
+            text: qsTr("Emergency numbers can still be called")
             visible: !strip.sims.mayDial
             width: parent.width
         }

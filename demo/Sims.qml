@@ -14,8 +14,10 @@ QtObject {
     readonly property string reason: {
         if (mayDial && mayReceive)
             return "";
-        var which = mayDial ? "Calls to" : mayReceive ? "Calls from" : "All calls of";
-        return which + " this phone are barred by its management";
+        if (mayDial)
+            return qsTr("Calls to this phone are barred by its management");
+        return mayReceive ? qsTr("Calls from this phone are barred by its management")
+                          : qsTr("All calls of this phone are barred by its management");
     }
     readonly property string permissions: {
         if (!known)

@@ -7,6 +7,8 @@ import QtQuick 2.15
 
 QtObject {
     property real unit: 1
+    /// Whether there is room for the parts of a screen side by side.
+    property bool wide: false
     property bool animated: false
     readonly property int duration: animated ? 170 : 0
 
