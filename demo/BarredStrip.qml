@@ -42,7 +42,7 @@ Rectangle {
         anchors.left: parent.left
         anchors.leftMargin: Style.px(16)
         anchors.verticalCenter: parent.verticalCenter
-        color: Style.red
+        color: Style.alert
         name: "barred"
         size: 20
     }
@@ -68,7 +68,7 @@ Rectangle {
             color: Style.dimText
             horizontalAlignment: Text.AlignLeft
             size: 11
-            text: "Emergency numbers can still be called"
+            text: qsTr("Emergency numbers can still be called")
             visible: !strip.sims.mayDial
             width: parent.width
         }

@@ -6,10 +6,16 @@ import "."
 
 Item {
     property bool current: false
+    /// What a screen reader calls the screen.
+    property string title
     /// The description of the screen's content that is reported in the log.
     property string summary
 
     signal closeRequested()
+
+    Accessible.focusable: true
+    Accessible.name: title
+    Accessible.role: Accessible.Pane
 
     anchors.fill: parent
     enabled: current

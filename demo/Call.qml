@@ -16,11 +16,11 @@ QtObject {
     readonly property bool ongoing: active && current.since > 0
     readonly property string number: active ? current.number : ""
     /// The number in the form in which it is shown.
-    readonly property string name: number !== "" ? Words.display(number) : "Private number"
+    readonly property string name: number !== "" ? Words.display(number) : qsTr("Private number")
     readonly property string modem: active ? current.modem : ""
     /// The number of the call that this one replaced.
     readonly property string replaced: active ? current.replaced : ""
-    readonly property string state: ongoing ? Words.duration(now - current.since) : "Calling…"
+    readonly property string state: ongoing ? Words.duration(now - current.since) : qsTr("Calling…")
     readonly property string summary: {
         if (current === null)
             return "no call";

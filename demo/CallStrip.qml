@@ -11,6 +11,7 @@ Pressable {
     property string text
     property bool open: false
 
+    name: text
     clip: true
     enabled: open
     height: open ? Style.px(36) : 0
@@ -32,6 +33,7 @@ Pressable {
         anchors.centerIn: parent
         elide: Text.ElideMiddle
         font.bold: true
+        silent: true
         size: 13
         text: strip.text
         width: parent.width - Style.px(40)

@@ -26,6 +26,8 @@ BaseScreen {
         return "contact " + reminder.phoneNumber + (reminder.exists ? " (reminder)" : "");
     }
 
+    title: number !== "" ? qsTr("Contact card of %1").arg(Words.isolated(number)) : qsTr("Contact card")
+
     Keys.onPressed: {
         if (event.key !== Qt.Key_Return && event.key !== Qt.Key_Enter)
             return;
@@ -50,75 +52,83 @@ BaseScreen {
         phoneNumber: card.number
     }
 
-    Column {
-        anchors.left: parent.left
-        anchors.margins: Style.px(24)
-        anchors.right: parent.right
-        spacing: Style.px(6)
-        y: barred.height + (buttons.y - barred.height - height) * 0.45
+    Pane {
+        anchors.top: barred.bottom
 
-        Avatar {
-            anchors.horizontalCenter: parent.horizontalCenter
-            size: 132
-        }
+        Column {
+            anchors.left: parent.left
+            anchors.margins: Style.px(24)
+            anchors.right: parent.right
+            spacing: Style.px(6)
+            y: Style.wide ? (parent.height - height) / 2 : (buttons.y - height) * 0.45
 
-        Item {
-            height: Style.px(16)
-            width: 1
-        }
+            Avatar {
+                anchors.horizontalCenter: parent.horizontalCenter
+                size: 132
+            }
 
-        Label {
-            font.weight: Font.Light
-            fontSizeMode: Text.HorizontalFit
-            height: Style.px(46)
-            minimumPixelSize: Math.max(1, Style.px(18))
-            size: 34
-            text: card.number !== "" ? Words.display(card.number) : "No number"
-            width: parent.width
-        }
+            Item {
+                height: Style.px(16)
+                width: 1
+            }
 
-        Label {
-            color: Style.dimText
-            size: 14
-            text: "Not in your contacts"
-            width: parent.width
-        }
+            Label {
+                font.weight: Font.Light
+                fontSizeMode: Text.HorizontalFit
+                height: Style.px(46)
+                minimumPixelSize: Math.max(1, Style.px(18))
+                size: 34
+                text: card.number !== "" ? Words.display(card.number) : qsTr("No number")
+                width: parent.width
+            }
 
-        ReminderMark {
-            anchors.horizontalCenter: parent.horizontalCenter
-            now: card.now
-            reminder: reminder
+            Label {
+                color: Style.dimText
+                size: 14
+                text: qsTr("Not in your contacts")
+                width: parent.width
+            }
+
+            ReminderMark {
+                anchors.horizontalCenter: parent.horizontalCenter
+                now: card.now
+                reminder: reminder
+            }
         }
     }
 
-    Row {
-        id: buttons
+    Pane {
+        anchors.top: barred.bottom
+        second: true
 
-        anchors.bottom: parent.bottom
-        anchors.bottomMargin: Style.px(32)
-        anchors.horizontalCenter: parent.horizontalCenter
-        spacing: Style.px(44)
+        Row {
+            id: buttons
 
-        RoundButton {
-            enabled: card.callable
-            fill: Style.green
-            icon: "call"
-            label: "Call"
-            onClicked: card.callRequested(card.number)
-        }
+            anchors.horizontalCenter: parent.horizontalCenter
+            spacing: Style.px(44)
+            y: Style.wide ? (parent.height - height) / 2 : parent.height - height - Style.px(32)
 
-        RoundButton {
-            enabled: card.number !== ""
-            icon: "bell"
-            label: "Remind me"
-            objectName: "remind"
-            onClicked: card.remindRequested(card.number)
-        }
+            RoundButton {
+                enabled: card.callable
+                fill: Style.green
+                icon: "call"
+                label: qsTr("Call")
+                onClicked: card.callRequested(card.number)
+            }
 
-        RoundButton {
-            icon: "close"
-            label: "Close"
-            onClicked: card.closeRequested()
+            RoundButton {
+                enabled: card.number !== ""
+                icon: "bell"
+                label: qsTr("Remind me")
+                objectName: "remind"
+                onClicked: card.remindRequested(card.number)
+            }
+
+            RoundButton {
+                icon: "close"
+                label: qsTr("Close")
+                onClicked: card.closeRequested()
+            }
         }
     }
 }

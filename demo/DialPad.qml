@@ -10,7 +10,9 @@ BaseScreen {
     id: pad
 
     property string number
-    property string note
+    /// What has just happened, as texts for the user ("shown") and the log ("logged"); null for
+    /// nothing.
+    property var note: null
     property var specials
     /// The typed special sequence, with its service and URL; null for none.
     property var special: null
@@ -18,6 +20,7 @@ BaseScreen {
     property RemindersBase reminders
     property Sims sims
     property date now
+    readonly property real buttonsHeight: Style.px(112)
     readonly property bool callable: number !== "" && (sims.mayDial || Words.isEmergency(number))
 
     signal callRequested(string number)
@@ -44,11 +47,11 @@ BaseScreen {
             special = found;
         number = text;
         special = found;
-        note = "";
+        note = null;
     }
 
-    function notify(text) {
-        note = text;
+    function notify(happened) {
+        note = happened;
         if (noteTimer.running)
             noteTimer.restart();
     }
@@ -76,14 +79,16 @@ BaseScreen {
 
     // Use the reminder's number, which changes together with its state.
     summary: {
-        if (note !== "")
-            return "dial pad: " + note;
+        if (note !== null)
+            return "dial pad: " + note.logged;
         if (special !== null)
             return ["special", special.sequence, special.target].join(" ").trim();
         var typed = reminder.phoneNumber === "" ? "" : " " + reminder.phoneNumber;
         var mark = typed !== "" && reminder.exists ? " (reminder)" : "";
         return "dial pad" + typed + mark + (sims.mayDial ? "" : " (barred)");
     }
+
+    title: qsTr("Dial pad")
 
     Keys.onPressed: {
         if (event.key === Qt.Key_Backspace) {
@@ -111,8 +116,8 @@ BaseScreen {
         id: noteTimer
 
         interval: 4000
-        running: pad.watched && pad.note !== ""
-        onTriggered: pad.note = ""
+        running: pad.watched && pad.note !== null
+        onTriggered: pad.note = null
     }
 
     BarredStrip {
@@ -122,12 +127,10 @@ BaseScreen {
         width: parent.width
     }
 
-    Item {
+    Pane {
         id: display
 
-        anchors.bottom: keys.top
-        anchors.left: parent.left
-        anchors.right: parent.right
+        anchors.bottomMargin: Style.wide ? buttonsHeight : parent.height - keysPane.y - keys.y
         anchors.top: barred.bottom
 
         Label {
@@ -156,12 +159,15 @@ BaseScreen {
         RoundButton {
             id: eraseButton
 
+            // It is behind the number, which is written from left to right.
+            LayoutMirroring.enabled: false
             anchors.right: parent.right
             anchors.rightMargin: Style.px(8)
             enabled: pad.number !== ""
             fill: "transparent"
             icon: "backspace"
             iconSize: 24
+            name: qsTr("Erase")
             ink: Style.dimText
             size: 48
             visible: enabled
@@ -177,62 +183,75 @@ BaseScreen {
             anchors.bottomMargin: Style.px(14)
             anchors.horizontalCenter: parent.horizontalCenter
             text: {
-                if (pad.note !== "" || pad.special === null)
-                    return pad.note;
+                if (pad.note !== null)
+                    return pad.note.shown;
+                if (pad.special === null)
+                    return "";
                 var parts = [pad.special.service, pad.special.url].map(Words.clean);
                 return parts.filter(function(part) { return part !== ""; }).join("  ·  ")
-                        || "Special sequence";
+                        || qsTr("Special sequence");
             }
             widest: display.width - Style.px(80)
         }
     }
 
-    KeyGrid {
-        id: keys
+    Pane {
+        id: keysPane
 
-        anchors.bottom: callButton.top
-        anchors.bottomMargin: Style.px(18)
-        anchors.horizontalCenter: parent.horizontalCenter
-        onTyped: pad.type(input)
+        anchors.top: barred.bottom
+        second: true
+
+        KeyGrid {
+            id: keys
+
+            anchors.horizontalCenter: parent.horizontalCenter
+            y: Style.wide ? (parent.height - height) / 2 : parent.height - buttonsHeight - height
+            onTyped: pad.type(input)
+        }
     }
 
-    RoundButton {
-        anchors.horizontalCenter: keys.left
-        anchors.horizontalCenterOffset: Style.px(36)
-        anchors.top: callButton.top
-        anchors.topMargin: Style.px(4)
-        fill: "transparent"
-        icon: "bell"
-        ink: Style.dimText
-        label: "Reminders"
-        size: 48
-        onClicked: pad.remindersRequested()
-    }
+    Pane {
+        readonly property real offset: Style.px(96)
 
-    RoundButton {
-        id: callButton
+        RoundButton {
+            anchors.horizontalCenter: parent.horizontalCenter
+            anchors.horizontalCenterOffset: -parent.offset
+            anchors.top: callButton.top
+            anchors.topMargin: Style.px(4)
+            fill: "transparent"
+            icon: "bell"
+            ink: Style.dimText
+            label: qsTr("Reminders")
+            size: 48
+            onClicked: pad.remindersRequested()
+        }
 
-        anchors.bottom: parent.bottom
-        anchors.bottomMargin: Style.px(22)
-        anchors.horizontalCenter: parent.horizontalCenter
-        enabled: pad.special !== null || pad.callable
-        fill: pad.special !== null ? Style.raised : Style.green
-        icon: pad.special !== null ? "page" : "call"
-        objectName: "call"
-        size: 72
-        onClicked: pad.call()
-    }
+        RoundButton {
+            id: callButton
 
-    RoundButton {
-        anchors.horizontalCenter: keys.right
-        anchors.horizontalCenterOffset: -Style.px(36)
-        anchors.top: callButton.top
-        anchors.topMargin: Style.px(4)
-        fill: "transparent"
-        icon: "message"
-        ink: Style.dimText
-        label: "Replies"
-        size: 48
-        onClicked: pad.repliesRequested()
+            anchors.bottom: parent.bottom
+            anchors.bottomMargin: Style.px(22)
+            anchors.horizontalCenter: parent.horizontalCenter
+            enabled: pad.special !== null || pad.callable
+            fill: pad.special !== null ? Style.raised : Style.green
+            icon: pad.special !== null ? "page" : "call"
+            name: pad.special !== null ? qsTr("Open") : qsTr("Call")
+            objectName: "call"
+            size: 72
+            onClicked: pad.call()
+        }
+
+        RoundButton {
+            anchors.horizontalCenter: parent.horizontalCenter
+            anchors.horizontalCenterOffset: parent.offset
+            anchors.top: callButton.top
+            anchors.topMargin: Style.px(4)
+            fill: "transparent"
+            icon: "message"
+            ink: Style.dimText
+            label: qsTr("Replies")
+            size: 48
+            onClicked: pad.repliesRequested()
+        }
     }
 }

@@ -10,6 +10,10 @@ Rectangle {
     property bool open: false
     readonly property string summary: "cellular error"
 
+    Accessible.focusable: true
+    Accessible.name: heading.text
+    Accessible.role: Accessible.Dialog
+
     color: Style.shade
     enabled: open
     opacity: open ? 1 : 0
@@ -51,15 +55,17 @@ Rectangle {
 
             Icon {
                 anchors.horizontalCenter: parent.horizontalCenter
-                color: Style.red
+                color: Style.alert
                 name: "network"
                 size: 40
             }
 
             Label {
+                id: heading
+
                 font.bold: true
                 size: 17
-                text: "Cellular network unavailable"
+                text: qsTr("Cellular network unavailable")
                 width: parent.width
                 wrapMode: Text.Wrap
             }
@@ -68,8 +74,8 @@ Rectangle {
                 color: Style.dimText
                 lineHeight: 1.15
                 size: 14
-                text: "Calls cannot be made now. Check the SIM card and the network settings, "
-                      + "and try again."
+                text: qsTr("Calls cannot be made now. Check the SIM card and the network settings, "
+                           + "and try again.")
                 width: parent.width
                 wrapMode: Text.Wrap
             }
@@ -80,7 +86,7 @@ Rectangle {
             }
 
             PillButton {
-                text: "OK"
+                text: qsTr("OK")
                 width: parent.width
                 onClicked: dialog.open = false
             }

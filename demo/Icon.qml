@@ -4,12 +4,20 @@
 import QtQuick 2.15
 import "."
 
+/// An icon, drawn with a pixel for each of the display's. A canvas does that with every renderer;
+/// shapes have smooth edges only where the renderer samples a pixel more than once.
 Canvas {
     id: icon
 
     property string name
     property color color: Style.text
     property real size: 24
+    /// What the icon tells the user; empty if it only decorates.
+    property string meaning
+
+    Accessible.ignored: meaning === ""
+    Accessible.name: meaning
+    Accessible.role: Accessible.Graphic
 
     height: width
     width: Style.px(size)

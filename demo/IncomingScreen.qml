@@ -18,7 +18,7 @@ BaseScreen {
     /// The current call, which ends if the user answers.
     property Call call
     property date now
-    readonly property string caller: number !== "" ? Words.display(number) : "Private number"
+    readonly property string caller: number !== "" ? Words.display(number) : qsTr("Private number")
 
     signal answerRequested()
     signal declineRequested()
@@ -44,6 +44,8 @@ BaseScreen {
         return "incoming " + reminder.phoneNumber + (reminder.exists ? " (reminder)" : "");
     }
 
+    title: qsTr("Incoming call from %1").arg(Words.isolated(caller))
+
     Keys.onPressed: {
         if (event.key !== Qt.Key_Return && event.key !== Qt.Key_Enter)
             return;
@@ -58,157 +60,169 @@ BaseScreen {
         phoneNumber: screen.number
     }
 
-    Column {
-        anchors.left: parent.left
-        anchors.margins: Style.px(24)
-        anchors.right: parent.right
-        spacing: Style.px(4)
-        y: Math.max(Style.px(12), ((answers.visible ? answers.y : buttons.y) - height) * 0.5)
+    Pane {
+        Column {
+            anchors.left: parent.left
+            anchors.margins: Style.px(24)
+            anchors.right: parent.right
+            spacing: Style.px(4)
+            y: {
+                var room = Style.wide ? parent.height : answers.visible ? answers.y : buttons.y;
+                return Math.max(Style.px(12), (room - height) * 0.5);
+            }
 
-        Avatar {
-            anchors.horizontalCenter: parent.horizontalCenter
-            size: 104
+            Avatar {
+                anchors.horizontalCenter: parent.horizontalCenter
+                size: 104
 
-            Rectangle {
-                anchors.centerIn: parent
-                border.color: Style.accent
-                border.width: Math.max(1, Style.px(2))
-                color: "transparent"
-                height: width
-                radius: width / 2
-                width: parent.width + Style.px(16)
+                Rectangle {
+                    anchors.centerIn: parent
+                    border.color: Style.accent
+                    border.width: Math.max(1, Style.px(2))
+                    color: "transparent"
+                    height: width
+                    radius: width / 2
+                    width: parent.width + Style.px(16)
 
-                SequentialAnimation on opacity {
-                    loops: Animation.Infinite
-                    running: screen.current && screen.ringing && Style.animated
+                    SequentialAnimation on opacity {
+                        loops: Animation.Infinite
+                        running: screen.current && screen.ringing && Style.animated
 
-                    NumberAnimation { duration: 700; from: 0; to: 0.8 }
-                    NumberAnimation { duration: 900; from: 0.8; to: 0 }
+                        NumberAnimation { duration: 700; from: 0; to: 0.8 }
+                        NumberAnimation { duration: 900; from: 0.8; to: 0 }
+                    }
                 }
             }
-        }
 
-        Item {
-            height: Style.px(14)
-            width: 1
-        }
+            Item {
+                height: Style.px(14)
+                width: 1
+            }
 
-        Label {
-            font.weight: Font.Light
-            fontSizeMode: Text.HorizontalFit
-            height: Style.px(46)
-            minimumPixelSize: Math.max(1, Style.px(18))
-            size: 34
-            text: screen.caller
-            width: parent.width
-        }
+            Label {
+                font.weight: Font.Light
+                fontSizeMode: Text.HorizontalFit
+                height: Style.px(46)
+                minimumPixelSize: Math.max(1, Style.px(18))
+                size: 34
+                text: screen.caller
+                width: parent.width
+            }
 
-        Label {
-            color: Style.accent
-            size: 16
-            text: "Incoming call"
-            width: parent.width
-        }
+            Label {
+                color: Style.accent
+                size: 16
+                text: qsTr("Incoming call")
+                width: parent.width
+            }
 
-        Label {
-            color: Style.dimText
-            size: 13
-            text: "Answering ends the call with " + screen.call.name
-            visible: screen.call.active
-            width: parent.width
-        }
+            Label {
+                color: Style.dimText
+                size: 13
+                text: qsTr("Answering ends the call with %1").arg(Words.isolated(screen.call.name))
+                visible: screen.call.active
+                width: parent.width
+            }
 
-        ReminderMark {
-            anchors.horizontalCenter: parent.horizontalCenter
-            now: screen.now
-            reminder: reminder
-        }
-    }
-
-    Column {
-        id: answers
-
-        anchors.bottom: buttons.top
-        anchors.bottomMargin: Style.px(20)
-        anchors.left: parent.left
-        anchors.margins: Style.px(24)
-        anchors.right: parent.right
-        spacing: Style.px(8)
-        visible: screen.number !== ""
-
-        Label {
-            color: Style.dimText
-            size: 13
-            text: screen.replies.count > 0 ? "Reply instead" : "There are no quick replies"
-            width: parent.width
-        }
-
-        ListView {
-            id: list
-
-            // Part of the fourth reply is visible, to show that there are more.
-            readonly property int most: Style.px(3 * 46 + 2 * 6 + 20)
-
-            boundsBehavior: Flickable.StopAtBounds
-            clip: true
-            height: Math.min(contentHeight, most)
-            model: screen.replies
-            spacing: Style.px(6)
-            width: parent.width
-
-            delegate: SheetRow {
-                height: visible ? Style.px(46) : 0
-                text: Words.clean(model.display)
-                visible: text !== ""
-                width: list.width
-                onActiveFocusChanged: {
-                    if (activeFocus)
-                        list.positionViewAtIndex(index, ListView.Contain);
-                }
-                onClicked: screen.replyRequested(text)
+            ReminderMark {
+                anchors.horizontalCenter: parent.horizontalCenter
+                now: screen.now
+                reminder: reminder
             }
         }
     }
 
-    Row {
-        id: buttons
+    Pane {
+        second: true
 
-        anchors.bottom: parent.bottom
-        anchors.bottomMargin: Style.px(26)
-        anchors.horizontalCenter: parent.horizontalCenter
-        spacing: Style.px(24)
+        Column {
+            id: answers
 
-        RoundButton {
-            fill: Style.red
-            icon: "end"
-            label: "Decline"
-            size: 64
-            onClicked: screen.declineRequested()
+            anchors.bottom: buttons.top
+            anchors.bottomMargin: Style.px(20)
+            anchors.left: parent.left
+            anchors.margins: Style.px(24)
+            anchors.right: parent.right
+            spacing: Style.px(8)
+            visible: screen.number !== ""
+
+            Label {
+                color: Style.dimText
+                size: 13
+                text: screen.replies.count > 0 ? qsTr("Reply instead") : qsTr("There are no quick replies")
+                width: parent.width
+            }
+
+            ListView {
+                id: list
+
+                Accessible.name: qsTr("Quick replies")
+                Accessible.role: Accessible.List
+
+                // Part of the fourth reply is visible, to show that there are more.
+                readonly property int most: Style.px(3 * 46 + 2 * 6 + 20)
+
+                boundsBehavior: Flickable.StopAtBounds
+                clip: true
+                height: Math.min(contentHeight, most)
+                model: screen.replies
+                spacing: Style.px(6)
+                width: parent.width
+
+                delegate: SheetRow {
+                    height: visible ? Style.px(46) : 0
+                    text: Words.clean(model.display)
+                    visible: text !== ""
+                    width: list.width
+                    onActiveFocusChanged: {
+                        if (activeFocus)
+                            list.positionViewAtIndex(index, ListView.Contain);
+                    }
+                    onClicked: screen.replyRequested(text)
+                }
+            }
         }
 
-        RoundButton {
-            enabled: screen.number !== ""
-            icon: "bell"
-            label: "Remind me"
-            size: 56
-            y: Style.px(8)
-            onClicked: screen.remindRequested(screen.number)
-        }
+        Row {
+            id: buttons
 
-        RoundButton {
-            icon: "message"
-            label: "Replies"
-            size: 56
-            y: Style.px(8)
-            onClicked: screen.editRequested()
-        }
+            anchors.bottom: parent.bottom
+            anchors.bottomMargin: Style.px(26)
+            anchors.horizontalCenter: parent.horizontalCenter
+            spacing: Style.px(24)
 
-        RoundButton {
-            fill: Style.green
-            icon: "call"
-            label: "Answer"
-            size: 64
-            onClicked: screen.answerRequested()
+            RoundButton {
+                fill: Style.red
+                icon: "end"
+                label: qsTr("Decline")
+                size: 64
+                onClicked: screen.declineRequested()
+            }
+
+            RoundButton {
+                enabled: screen.number !== ""
+                icon: "bell"
+                label: qsTr("Remind me")
+                size: 56
+                y: Style.px(8)
+                onClicked: screen.remindRequested(screen.number)
+            }
+
+            RoundButton {
+                icon: "message"
+                label: qsTr("Replies")
+                size: 56
+                y: Style.px(8)
+                onClicked: screen.editRequested()
+            }
+
+            RoundButton {
+                fill: Style.green
+                icon: "call"
+                label: qsTr("Answer")
+                size: 64
+                onClicked: screen.answerRequested()
+            }
         }
     }
 }

@@ -19,6 +19,10 @@ Grid {
         }
     }
 
+    // The keys are where they are on every phone.
+    LayoutMirroring.childrenInherit: true
+    LayoutMirroring.enabled: false
+
     columnSpacing: Style.px(keySize / 3)
     columns: 3
     rowSpacing: Style.px(keySize / 6)

@@ -6,6 +6,12 @@ import "."
 
 Text {
     property real size: 15
+    /// Whether the text is only seen, because the item that it belongs to has it as its name.
+    property bool silent: false
+
+    Accessible.ignored: silent || text === ""
+    Accessible.name: text
+    Accessible.role: Accessible.StaticText
 
     color: Style.text
     elide: Text.ElideRight

@@ -11,6 +11,10 @@ Rectangle {
     property string text
     property real widest: Style.px(280)
 
+    Accessible.ignored: text === ""
+    Accessible.name: text
+    Accessible.role: Accessible.AlertMessage
+
     border.color: Style.outline
     border.width: Math.max(1, Style.px(1))
     color: Style.raised
@@ -30,6 +34,7 @@ Rectangle {
 
         anchors.centerIn: parent
         maximumLineCount: 2
+        silent: true
         size: 13
         text: notice.text
         width: Math.min(implicitWidth, notice.widest)

@@ -13,11 +13,21 @@ Rectangle {
     property string heldText
     readonly property bool tabStop: true
     readonly property bool isSign: text === "*" || text === "#"
+    readonly property string signName: text === "*" ? qsTr("Star") : text === "#" ? qsTr("Hash") : ""
 
     signal typed(string input)
 
     function flash() {
         fading.restart();
+    }
+
+    Accessible.description: letters
+    Accessible.focusable: true
+    Accessible.name: signName || text
+    Accessible.role: Accessible.Button
+    Accessible.onPressAction: {
+        if (enabled)
+            typed(text);
     }
 
     color: Style.surface
@@ -59,6 +69,7 @@ Rectangle {
         anchors.verticalCenterOffset: key.isSign ? 0 : -key.width * 0.09
         font.pixelSize: Math.max(1, Math.round(key.width * (key.isSign ? signScale : 0.4)))
         font.weight: Font.Light
+        silent: true
         text: Words.display(key.text)
     }
 
@@ -66,6 +77,7 @@ Rectangle {
         anchors.centerIn: parent
         anchors.verticalCenterOffset: key.width * 0.24
         color: Style.dimText
+        silent: true
         font.letterSpacing: key.width * 0.02
         font.pixelSize: Math.max(1, Math.round(key.width * (key.letters === "+" ? 0.19 : 0.135)))
         text: key.letters

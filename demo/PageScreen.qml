@@ -18,86 +18,97 @@ BaseScreen {
         content = {urls: head, more: urls.length - head.length};
     }
 
-    summary: "page " + content.urls.join(" ") + (content.more > 0 ? " " + rest.text : "")
+    summary: "page " + content.urls.join(" ") + (content.more > 0 ? " and " + content.more + " more" : "")
 
-    Column {
-        id: header
+    title: heading.text
 
-        anchors.left: parent.left
-        anchors.margins: Style.px(24)
-        anchors.right: parent.right
-        spacing: Style.px(10)
-        y: Style.px(20)
+    Pane {
+        Column {
+            id: header
 
-        Icon {
-            anchors.horizontalCenter: parent.horizontalCenter
-            color: Style.accent
-            name: "page"
-            size: 44
-        }
+            anchors.left: parent.left
+            anchors.margins: Style.px(24)
+            anchors.right: parent.right
+            spacing: Style.px(10)
+            y: Style.px(20)
 
-        Label {
-            size: 20
-            text: page.content.urls.length > 1 ? "Open pages" : "Open page"
-            width: parent.width
-        }
-    }
+            Icon {
+                anchors.horizontalCenter: parent.horizontalCenter
+                color: Style.accent
+                name: "page"
+                size: 44
+            }
 
-    Column {
-        anchors.left: parent.left
-        anchors.leftMargin: Style.px(20)
-        anchors.right: parent.right
-        anchors.rightMargin: Style.px(20)
-        anchors.top: header.bottom
-        anchors.topMargin: Style.px(18)
-        spacing: Style.px(8)
+            Label {
+                id: heading
 
-        Repeater {
-            model: page.content.urls
-
-            Rectangle {
-                border.color: Style.outline
-                border.width: Math.max(1, Style.px(1))
-                color: Style.surface
-                height: url.height + Style.px(22)
-                radius: Style.px(12)
+                size: 20
+                text: page.content.urls.length > 1 ? qsTr("Open pages") : qsTr("Open page")
                 width: parent.width
-
-                Label {
-                    id: url
-
-                    anchors.left: parent.left
-                    anchors.margins: Style.px(14)
-                    anchors.right: parent.right
-                    anchors.verticalCenter: parent.verticalCenter
-                    horizontalAlignment: Text.AlignLeft
-                    maximumLineCount: page.content.urls.length > 1 ? 2 : 10
-                    size: 14
-                    text: modelData
-                    wrapMode: Text.WrapAnywhere
-                }
             }
         }
+    }
 
-        Label {
-            id: rest
+    Pane {
+        second: true
 
-            color: Style.dimText
-            height: Style.px(24)
-            size: 13
-            text: "and " + page.content.more + " more"
-            visible: page.content.more > 0
-            width: parent.width
+        Column {
+            anchors.left: parent.left
+            anchors.leftMargin: Style.px(20)
+            anchors.right: parent.right
+            anchors.rightMargin: Style.px(20)
+            spacing: Style.px(8)
+            y: Style.px(20) + (Style.wide ? 0 : header.height + Style.px(18))
+
+            Repeater {
+                model: page.content.urls
+
+                Rectangle {
+                    border.color: Style.outline
+                    border.width: Math.max(1, Style.px(1))
+                    color: Style.surface
+                    height: url.height + Style.px(22)
+                    radius: Style.px(12)
+                    width: parent.width
+
+                    Label {
+                        id: url
+
+                        anchors.left: parent.left
+                        anchors.margins: Style.px(14)
+                        anchors.right: parent.right
+                        anchors.verticalCenter: parent.verticalCenter
+                        horizontalAlignment: Text.AlignLeft
+                        maximumLineCount: page.content.urls.length > 1 ? 2 : 10
+                        size: 14
+                        text: modelData
+                        wrapMode: Text.WrapAnywhere
+                    }
+                }
+            }
+
+            Label {
+                id: rest
+
+                color: Style.dimText
+                height: Style.px(24)
+                size: 13
+                text: qsTr("and %n more", "", page.content.more)
+                visible: page.content.more > 0
+                width: parent.width
+            }
         }
     }
 
-    RoundButton {
-        anchors.bottom: parent.bottom
-        anchors.bottomMargin: Style.px(22)
-        anchors.horizontalCenter: parent.horizontalCenter
-        icon: "close"
-        label: "Close"
-        size: 60
-        onClicked: page.closeRequested()
+    Pane {
+        RoundButton {
+            anchors.bottom: parent.bottom
+            anchors.bottomMargin: Style.px(22)
+            anchors.horizontalCenter: parent.horizontalCenter
+            icon: "close"
+            label: qsTr("Close")
+            size: 60
+            onClicked: page.closeRequested()
+        }
     }
 }

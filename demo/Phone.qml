@@ -15,8 +15,12 @@ Item {
     /// The screens have come to the front for a call, and go again when it has ended.
     property bool summoned: false
     readonly property Item topmost: dialog.open ? dialog : sheet.open ? sheet : current
-    /// The scale of the screens; 1 for a screen that is 360 pixels wide and 640 high.
-    readonly property real unit: Math.min(stage.width / 360, stage.height / 640)
+    /// Whether the parts of a screen are side by side, as on a phone that is held sideways.
+    readonly property bool wide: width > height * 1.2
+    /// The scale of the screens; 1 for a screen that is 360 pixels wide and 640 high, or a wide one
+    /// of 720 pixels and 400.
+    readonly property real unit: wide ? Math.min(width / 720, height / 400)
+                                      : Math.min(stage.width / 360, height / 640)
 
     /// A screen wants these URLs to be opened.
     signal urlsRequested(var urls)
@@ -25,7 +29,7 @@ Item {
     function present(screen) {
         current = screen;
         if (screen !== dialPad)
-            dialPad.note = "";
+            dialPad.note = null;
         sheet.open = false;
         dialog.open = false;
         bringToFront();
@@ -34,6 +38,14 @@ Item {
     function presentPad(number) {
         dialPad.fill(number);
         present(dialPad);
+    }
+
+    /// Returns a note of what has happened, which is logged in English. A "%1" in the text stands
+    /// for what the note is about.
+    function note(text, subject, loggedSubject) {
+        if (subject === undefined)
+            return {shown: qsTr(text), logged: text};
+        return {shown: qsTr(text).arg(Words.isolated(subject)), logged: text.arg(loggedSubject)};
     }
 
     function presentNote(note) {
@@ -52,7 +64,7 @@ Item {
         sheet.show(number);
         contactCard.number = number;
         current = contactCard;
-        dialPad.note = "";
+        dialPad.note = null;
         dialog.open = false;
         bringToFront();
     }
@@ -65,8 +77,9 @@ Item {
 
     function remind(number, when) {
         reminderList.learn(number);
-        base.createWithStrings(number, when, "Phone", number, "Call back " + number,
-                               Qt.formatDateTime(when, "ddd d MMM yyyy, hh:mm"));
+        base.createWithStrings(number, when, qsTr("Phone"), number,
+                               qsTr("Call back %1").arg(Words.isolated(number)),
+                               Qt.formatDateTime(when, qsTr("ddd d MMM yyyy, hh:mm", "date")));
     }
 
     function place(number, modem) {
@@ -104,22 +117,25 @@ Item {
         present(callScreen);
     }
 
-    function turnAway(note) {
+    /// The text has a "%1" for the caller.
+    function turnAway(text) {
+        var caller = incomingScreen.number === "" ? "Private number" : incomingScreen.caller;
+        var happened = note(text, incomingScreen.caller, caller);
         incomingScreen.stop();
         if (line.active) {
-            callScreen.notify(note);
+            callScreen.notify(happened.shown);
             present(callScreen);
         } else if (summoned) {
             current = dialPad;
             __window.hide();
         } else {
-            presentNote(note);
+            presentNote(happened);
         }
     }
 
     function reply(text) {
         console.info("screen: replied " + text + " to " + incomingScreen.number);
-        turnAway("Replied to " + incomingScreen.caller);
+        turnAway(QT_TR_NOOP("Replied to %1"));
     }
 
     function endCall() {
@@ -139,7 +155,7 @@ Item {
         if (incomingScreen.ringing && incomingScreen.number !== "" && text !== "")
             reply(text);
         else
-            presentNote("No reply to send");
+            presentNote(note(QT_TR_NOOP("No reply to send")));
     }
 
     function changeReplies(command, text, index) {
@@ -160,8 +176,9 @@ Item {
 
     function openSpecial(service, url) {
         if (url === "") {
-            dialPad.notify(service === "" ? "Nothing is set for this sequence"
-                           : Words.clean(service) + " is not on this phone");
+            var name = Words.clean(service);
+            dialPad.notify(name === "" ? note(QT_TR_NOOP("Nothing is set for this sequence"))
+                                       : note(QT_TR_NOOP("%1 is not on this phone"), name, name));
             return;
         }
         urlsRequested([url]);
@@ -170,7 +187,7 @@ Item {
     }
 
     function show() {
-        dialPad.note = "";
+        dialPad.note = null;
         bringToFront();
     }
 
@@ -178,13 +195,13 @@ Item {
         if (line.active)
             present(callScreen);
         else
-            presentNote("No ongoing call");
+            presentNote(note(QT_TR_NOOP("No ongoing call")));
     }
 
     function showError() {
         dialog.open = true;
         sheet.open = false;
-        dialPad.note = "";
+        dialPad.note = null;
         bringToFront();
     }
 
@@ -196,7 +213,7 @@ Item {
             if (!summoned)
                 present(current);
         } else {
-            presentNote("No call to answer or end");
+            presentNote(note(QT_TR_NOOP("No call to answer or end")));
         }
     }
 
@@ -248,7 +265,7 @@ Item {
         anchors.bottom: parent.bottom
         anchors.horizontalCenter: parent.horizontalCenter
         anchors.top: parent.top
-        width: Math.min(parent.width, Math.round(parent.height * 0.75))
+        width: phone.wide ? parent.width : Math.min(parent.width, Math.round(parent.height * 0.75))
 
         StatusBar {
             id: statusBar
@@ -266,8 +283,9 @@ Item {
 
             anchors.top: statusBar.bottom
             open: (line.active || incomingScreen.ringing) && phone.current !== target
-            text: target === incomingScreen ? incomingScreen.caller + "  ·  Incoming call"
-                                            : line.name + "  ·  " + line.state
+            text: target === incomingScreen
+                  ? Words.isolated(incomingScreen.caller) + "  ·  " + qsTr("Incoming call")
+                  : Words.isolated(line.name) + "  ·  " + line.state
             width: parent.width
             onClicked: phone.current = target
         }
@@ -314,7 +332,7 @@ Item {
                 replies: texts
                 onAnswerRequested: phone.answer()
                 onCloseRequested: phone.current = line.active ? callScreen : dialPad
-                onDeclineRequested: phone.turnAway("Declined " + caller)
+                onDeclineRequested: phone.turnAway(QT_TR_NOOP("Declined %1"))
                 onEditRequested: phone.current = quickReplies
                 onRemindRequested: sheet.show(number)
                 onReplyRequested: phone.reply(text)
@@ -368,7 +386,7 @@ Item {
         onChosen: {
             phone.remind(number, when);
             if (phone.current === incomingScreen && incomingScreen.ringing)
-                phone.turnAway("Declined " + incomingScreen.caller);
+                phone.turnAway(QT_TR_NOOP("Declined %1"));
         }
     }
 

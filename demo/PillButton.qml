@@ -9,6 +9,7 @@ Pressable {
 
     property string text
 
+    name: text
     height: Style.px(46)
 
     Rectangle {
@@ -23,6 +24,7 @@ Pressable {
         anchors.centerIn: parent
         color: Style.accent
         font.bold: true
+        silent: true
         text: pill.text
     }
 }

@@ -7,11 +7,21 @@ import QtQuick 2.15
 Item {
     id: pressable
 
+    /// What it does, for a screen reader.
+    property string name
     readonly property bool tabStop: true
     readonly property alias down: area.pressed
 
     signal clicked()
     signal held()
+
+    Accessible.focusable: true
+    Accessible.name: name
+    Accessible.role: Accessible.Button
+    Accessible.onPressAction: {
+        if (enabled)
+            clicked();
+    }
 
     Keys.onPressed: {
         if ([Qt.Key_Return, Qt.Key_Enter, Qt.Key_Space].indexOf(event.key) < 0)

@@ -31,6 +31,10 @@ Item {
         open = false;
     }
 
+    Accessible.focusable: true
+    Accessible.name: heading.text
+    Accessible.role: Accessible.Dialog
+
     enabled: open
     visible: rise > 0
 
@@ -65,7 +69,7 @@ Item {
         color: Style.surface
         height: content.height + Style.px(40) + radius
         radius: Style.px(20)
-        width: Math.min(parent.width, Style.px(360))
+        width: Math.min(parent.width, Style.px(Style.wide ? 640 : 360))
         // The lower corners stay below the edge.
         y: parent.height - (height - radius) * sheet.rise
 
@@ -83,9 +87,11 @@ Item {
             y: Style.px(20)
 
             Label {
+                id: heading
+
                 font.bold: true
                 size: 17
-                text: "Remind me to call back"
+                text: qsTr("Remind me to call back")
                 width: parent.width
             }
 
@@ -110,30 +116,40 @@ Item {
                 width: 1
             }
 
-            Repeater {
-                model: Words.reminderChoices.length
+            Grid {
+                id: rows
+
+                readonly property real columnWidth: (width - (columns - 1) * spacing) / columns
+
+                columns: Style.wide ? 2 : 1
+                spacing: Style.px(8)
+                width: parent.width
+
+                Repeater {
+                    model: Words.reminderChoices.length
+
+                    SheetRow {
+                        // As model data the object would lose its functions.
+                        readonly property var choice: Words.reminderChoices[index]
+
+                        detail: Qt.formatTime(choice.when(sheet.now), "hh:mm")
+                        objectName: choice.text
+                        text: choice.text
+                        visible: choice.offered(sheet.now)
+                        width: rows.columnWidth
+                        onClicked: sheet.choose(choice)
+                    }
+                }
 
                 SheetRow {
-                    // As model data the object would lose its functions.
-                    readonly property var choice: Words.reminderChoices[index]
-
-                    detail: Qt.formatTime(choice.when(sheet.now), "hh:mm")
-                    objectName: choice.text
-                    text: choice.text
-                    visible: choice.offered(sheet.now)
-                    width: content.width
-                    onClicked: sheet.choose(choice)
-                }
-            }
-
-            SheetRow {
-                ink: Style.red
-                text: "Remove reminder"
-                visible: mark.marked
-                width: parent.width
-                onClicked: {
-                    reminder.remove();
-                    sheet.open = false;
+                    ink: Style.alert
+                    text: qsTr("Remove reminder")
+                    visible: mark.marked
+                    width: rows.columnWidth
+                    onClicked: {
+                        reminder.remove();
+                        sheet.open = false;
+                    }
                 }
             }
 
@@ -143,7 +159,7 @@ Item {
             }
 
             PillButton {
-                text: "Close"
+                text: qsTr("Close")
                 width: parent.width
                 onClicked: sheet.open = false
             }

@@ -53,96 +53,116 @@ BaseScreen {
 
     summary: "reminders: " + (marked.length > 0 ? marked.join(", ") : "none")
 
+    title: heading.text
+
     ListModel {
         id: numbers
     }
 
-    Column {
-        id: header
-
-        anchors.left: parent.left
-        anchors.margins: Style.px(24)
-        anchors.right: parent.right
-        spacing: Style.px(4)
-        y: Style.px(16)
-
-        Label {
-            size: 20
-            text: "Reminders"
-            width: parent.width
-        }
-
-        Label {
-            color: Style.dimText
-            size: 13
-            text: screen.marked.length === 0 ? "There is nobody to call back"
-                  : screen.marked.length === 1 ? "1 number to call back"
-                  : screen.marked.length + " numbers to call back"
-            width: parent.width
-        }
-    }
-
-    Icon {
-        anchors.centerIn: list
-        color: Style.outline
-        name: "bell"
-        size: 96
-        visible: screen.marked.length === 0
-    }
-
-    Flickable {
-        id: list
-
-        function reveal(item) {
-            var top = item.mapToItem(column, 0, 0).y;
-            contentY = Math.max(0, Math.min(top, Math.max(contentY, top + item.height - height)));
-        }
-
-        anchors.bottom: closeButton.top
-        anchors.bottomMargin: Style.px(14)
-        anchors.left: parent.left
-        anchors.leftMargin: Style.px(20)
-        anchors.right: parent.right
-        anchors.rightMargin: Style.px(10)
-        anchors.top: header.bottom
-        anchors.topMargin: Style.px(14)
-        boundsBehavior: Flickable.StopAtBounds
-        clip: true
-        contentHeight: column.height
-
+    Pane {
         Column {
-            id: column
+            id: header
 
-            spacing: Style.px(8)
-            width: parent.width
+            anchors.left: parent.left
+            anchors.margins: Style.px(24)
+            anchors.right: parent.right
+            spacing: Style.px(4)
+            y: Style.px(16)
 
-            Repeater {
-                id: rows
+            Label {
+                id: heading
 
-                model: numbers
+                size: 20
+                text: qsTr("Reminders")
+                width: parent.width
+            }
 
-                ReminderRow {
-                    number: model.number
-                    now: screen.now
-                    reminders: screen.reminders
-                    width: column.width - Style.px(4) // room for the focus ring
-                    onChosen: screen.chosen(number)
-                    onMarkedChanged: Qt.callLater(screen.arrange)
-                    onWhenChanged: Qt.callLater(screen.arrange)
+            Label {
+                color: Style.dimText
+                size: 13
+                text: screen.marked.length === 0 ? qsTr("There is nobody to call back")
+                      : screen.marked.length === 1 ? qsTr("1 number to call back")
+                      : qsTr("%n numbers to call back", "", screen.marked.length)
+                width: parent.width
+            }
+        }
+    }
+
+    Pane {
+        second: true
+
+        Icon {
+            anchors.centerIn: list
+            color: Style.outline
+            name: "bell"
+            size: 96
+            visible: screen.marked.length === 0
+        }
+
+        Flickable {
+            id: list
+
+            /// Scrolls to a row.
+            function reveal(item) {
+                var top = item.mapToItem(column, 0, 0).y;
+                contentY = Math.max(0, Math.min(top, Math.max(contentY, top + item.height - height)));
+            }
+
+            Accessible.name: heading.text
+            Accessible.role: Accessible.List
+
+            anchors.bottom: parent.bottom
+            anchors.bottomMargin: Style.wide ? Style.px(22) : parent.height - closeButton.y + Style.px(14)
+            anchors.left: parent.left
+            anchors.leftMargin: Style.px(20)
+            anchors.right: parent.right
+            anchors.rightMargin: Style.px(10)
+            anchors.top: parent.top
+            anchors.topMargin: Style.px(16) + (Style.wide ? 0 : header.height + Style.px(14))
+            boundsBehavior: Flickable.StopAtBounds
+            clip: true
+            contentHeight: column.height
+
+            Column {
+                id: column
+
+                spacing: Style.px(8)
+                width: parent.width
+
+                Repeater {
+                    id: rows
+
+                    model: numbers
+
+                    ReminderRow {
+                        number: model.number
+                        now: screen.now
+                        reminders: screen.reminders
+                        width: column.width
+                        onFocusedChanged: {
+                            if (focused)
+                                list.reveal(this);
+                        }
+                        onChosen: screen.chosen(number)
+                        onMarkedChanged: Qt.callLater(screen.arrange)
+                        onWhenChanged: Qt.callLater(screen.arrange)
+                    }
                 }
             }
         }
     }
 
-    RoundButton {
-        id: closeButton
+    Pane {
+        RoundButton {
+            id: closeButton
 
-        anchors.bottom: parent.bottom
-        anchors.bottomMargin: Style.px(22)
-        anchors.horizontalCenter: parent.horizontalCenter
-        icon: "close"
-        label: "Close"
-        size: 60
-        onClicked: screen.closeRequested()
+            anchors.bottom: parent.bottom
+            anchors.bottomMargin: Style.px(22)
+            anchors.horizontalCenter: parent.horizontalCenter
+            icon: "close"
+            label: qsTr("Close")
+            size: 60
+            onClicked: screen.closeRequested()
+        }
     }
 }

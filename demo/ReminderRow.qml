@@ -15,12 +15,16 @@ Item {
     property date now
     readonly property alias marked: reminder.exists
     readonly property alias when: reminder.when
+    readonly property bool focused: body.activeFocus || removeButton.activeFocus
 
     signal chosen()
 
     function remove() {
         reminder.remove();
     }
+
+    Accessible.name: body.name
+    Accessible.role: Accessible.ListItem
 
     height: Style.px(60)
     visible: marked
@@ -40,6 +44,8 @@ Item {
         anchors.right: removeButton.left
         anchors.rightMargin: Style.px(6)
         anchors.top: parent.top
+        name: Words.display(row.number)
+        Accessible.description: due.text
         onClicked: row.chosen()
 
         Rectangle {
@@ -64,14 +70,18 @@ Item {
 
             Label {
                 horizontalAlignment: Text.AlignLeft
+                silent: true
                 size: 17
-                text: Words.display(row.number)
+                text: body.name
                 width: parent.width
             }
 
             Label {
+                id: due
+
                 color: Style.accent
                 horizontalAlignment: Text.AlignLeft
+                silent: true
                 size: 13
                 text: row.marked ? Words.left(row.when, row.now) + "  ·  " + Words.due(row.when, row.now) : ""
                 width: parent.width
@@ -83,10 +93,12 @@ Item {
         id: removeButton
 
         anchors.right: parent.right
+        anchors.rightMargin: Style.px(4) // room for the focus ring
         anchors.verticalCenter: parent.verticalCenter
         fill: "transparent"
         icon: "remove"
         iconSize: 20
+        name: qsTr("Remove the reminder for %1").arg(Words.isolated(row.number))
         ink: Style.dimText
         size: 42
         onClicked: row.remove()

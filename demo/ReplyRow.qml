@@ -8,12 +8,17 @@ import "."
 Item {
     id: row
 
+    /// The position of the reply, from 1.
+    property int number
     property string reply
     readonly property alias editing: field.editing
 
     signal edited(string text)
     signal removeRequested()
     signal done()
+
+    Accessible.role: Accessible.ListItem
+    Accessible.name: field.name
 
     height: field.height
 
@@ -23,7 +28,8 @@ Item {
         anchors.left: parent.left
         anchors.right: removeButton.left
         anchors.rightMargin: Style.px(6)
-        hint: "Empty: it is not saved"
+        name: qsTr("Reply %1").arg(row.number)
+        hint: qsTr("Empty: it is not saved")
         value: row.reply
 
         onAbandoned: {
@@ -44,10 +50,12 @@ Item {
         id: removeButton
 
         anchors.right: parent.right
+        anchors.rightMargin: Style.px(4) // room for the focus ring
         anchors.verticalCenter: parent.verticalCenter
         fill: "transparent"
         icon: "remove"
         iconSize: 20
+        name: qsTr("Remove reply %1").arg(row.number)
         ink: Style.dimText
         size: 42
         onClicked: {

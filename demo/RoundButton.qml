@@ -13,11 +13,16 @@ Pressable {
     property real iconSize: size * 0.46
     property color fill: Style.raised
     property color ink: Style.text
+    property bool checkable: false
     property bool checked: false
 
+    name: label
     height: circle.height + (label === "" ? 0 : caption.height + Style.px(8))
     opacity: enabled ? 1 : 0.35
     width: Style.px(size)
+
+    Accessible.checkable: checkable
+    Accessible.checked: checked
 
     Behavior on opacity { NumberAnimation { duration: Style.duration } }
 
@@ -60,8 +65,12 @@ Pressable {
         anchors.bottom: parent.bottom
         anchors.horizontalCenter: parent.horizontalCenter
         color: Style.dimText
+        fontSizeMode: Text.HorizontalFit
+        minimumPixelSize: Math.max(1, Style.px(9))
+        silent: true
         size: 12
         text: button.label
         visible: text !== ""
+        width: parent.width + Style.px(20)
     }
 }

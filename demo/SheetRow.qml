@@ -11,7 +11,10 @@ Pressable {
     property string detail
     property color ink: Style.text
 
+    name: text
     height: Style.px(46)
+
+    Accessible.description: detail
 
     Rectangle {
         anchors.fill: parent
@@ -32,6 +35,7 @@ Pressable {
         anchors.verticalCenter: parent.verticalCenter
         color: row.ink
         horizontalAlignment: Text.AlignLeft
+        silent: true
         text: row.text
     }
 
@@ -42,6 +46,7 @@ Pressable {
         anchors.rightMargin: Style.px(16)
         anchors.verticalCenter: parent.verticalCenter
         color: Style.dimText
+        silent: true
         size: 13
         text: row.detail
     }

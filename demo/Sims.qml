@@ -14,13 +14,24 @@ QtObject {
     readonly property string reason: {
         if (mayDial && mayReceive)
             return "";
-        var which = mayDial ? "Calls to" : mayReceive ? "Calls from" : "All calls of";
-        return which + " this phone are barred by its management";
+        if (mayDial)
+            return qsTr("Calls to this phone are barred by its management");
+        return mayReceive ? qsTr("Calls from this phone are barred by its management")
+                          : qsTr("All calls of this phone are barred by its management");
     }
     readonly property string permissions: {
         if (!known)
             return "not known";
         return "dial " + (mayDial ? "yes" : "no") + ", receive " + (mayReceive ? "yes" : "no");
+    }
+
+    /// Whether the user has waited for an answer long enough to be told that there is none.
+    property bool overdue: false
+
+    readonly property Timer waiting: Timer {
+        interval: 5000
+        running: !known
+        onTriggered: overdue = true
     }
 
     onCountChanged: console.info("sims: " + count)

@@ -27,6 +27,7 @@ Item {
         anchors.leftMargin: Style.px(14)
         anchors.verticalCenter: parent.verticalCenter
         color: Style.green
+        meaning: qsTr("Call in progress")
         name: "call"
         size: 14
         visible: bar.inCall
@@ -47,7 +48,8 @@ Item {
 
         Icon {
             anchors.verticalCenter: parent.verticalCenter
-            color: Style.red
+            color: Style.alert
+            meaning: bar.sims.reason
             name: "barred"
             size: 14
             visible: bar.sims.reason !== ""
@@ -57,12 +59,17 @@ Item {
             anchors.verticalCenter: parent.verticalCenter
             color: Style.dimText
             size: 12
-            text: !bar.sims.known ? "Checking SIMs…" : bar.sims.count === 0 ? "No SIM" : ""
+            text: {
+                if (!bar.sims.known)
+                    return bar.sims.overdue ? qsTr("No telephony answers") : qsTr("Checking SIMs…");
+                return bar.sims.count === 0 ? qsTr("No SIM") : "";
+            }
             visible: text !== ""
         }
 
         Icon {
             anchors.verticalCenter: parent.verticalCenter
+            meaning: bar.sims.count === 1 ? qsTr("1 SIM") : qsTr("%n SIMs", "", bar.sims.count)
             name: "sim"
             size: 14
             visible: bar.sims.count > 0
@@ -70,6 +77,7 @@ Item {
 
         Label {
             anchors.verticalCenter: parent.verticalCenter
+            silent: true
             size: 12
             text: bar.sims.count
             visible: bar.sims.count > 1

@@ -8,6 +8,8 @@ import "."
 Rectangle {
     id: field
 
+    /// What the field is for, for a screen reader.
+    property string name
     /// The text to be edited.
     property string value
     /// The text that has been typed.
@@ -36,6 +38,11 @@ Rectangle {
         id: input
 
         readonly property bool tabStop: true
+
+        Accessible.description: text === "" ? field.hint : ""
+        Accessible.focusable: true
+        Accessible.name: field.name
+        Accessible.role: Accessible.EditableText
 
         anchors.fill: parent
         anchors.leftMargin: Style.px(14)
@@ -70,6 +77,7 @@ Rectangle {
         anchors.fill: input
         color: Style.dimText
         horizontalAlignment: Text.AlignLeft
+        silent: true
         text: field.hint
         visible: input.text === ""
     }

@@ -34,6 +34,9 @@ Rectangle {
             item.forceActiveFocus(Qt.TabFocusReason);
     }
 
+    LayoutMirroring.childrenInherit: true
+    LayoutMirroring.enabled: Words.isRightToLeft()
+
     focus: true
     height: 640
     width: 360
@@ -66,6 +69,12 @@ Rectangle {
         target: Style
         property: "unit"
         value: Math.max(0.3, phone.unit)
+    }
+
+    Binding {
+        target: Style
+        property: "wide"
+        value: phone.wide
     }
 
     Binding {

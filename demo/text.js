@@ -12,6 +12,15 @@ function clean(text) {
     return line.length > longest ? line.slice(0, longest) + "…" : line;
 }
 
+function isRightToLeft() {
+    return Qt.locale().textDirection === Qt.RightToLeft;
+}
+
+// Keeps a number together in a sentence that is written from right to left.
+function isolated(text) {
+    return isRightToLeft() ? "\u2068" + text + "\u2069" : text;
+}
+
 // Replaces the plain asterisk, which sits too high beside digits.
 function display(number) {
     return number.replace(/\*/g, "\u2217");
@@ -31,27 +40,27 @@ function always() {
 
 var reminderChoices = [
     {
-        text: "In 1 minute",
+        text: qsTr("In 1 minute"),
         offered: always,
         when: function(now) { return secondsLater(now, 60); }
     },
     {
-        text: "In 30 minutes",
+        text: qsTr("In 30 minutes"),
         offered: always,
         when: function(now) { return secondsLater(now, 30 * 60); }
     },
     {
-        text: "In 1 hour",
+        text: qsTr("In 1 hour"),
         offered: always,
         when: function(now) { return secondsLater(now, 60 * 60); }
     },
     {
-        text: "This evening",
+        text: qsTr("This evening"),
         offered: function(now) { return now.getHours() < 17; },
         when: function(now) { return onDay(now, 0, 18); }
     },
     {
-        text: "Tomorrow morning",
+        text: qsTr("Tomorrow morning"),
         offered: always,
         when: function(now) { return onDay(now, 1, 9); }
     }
@@ -61,25 +70,26 @@ var reminderChoices = [
 function due(when, now) {
     if (isNaN(when.getTime()))
         return "";
-    var time = twoDigits(when.getHours()) + ":" + twoDigits(when.getMinutes());
+    var time = Qt.formatTime(when, "hh:mm");
     for (var days = 0; days < 2; ++days) {
         if (onDay(when, 0, 0).getTime() === onDay(now, days, 0).getTime())
-            return (days === 0 ? "today " : "tomorrow ") + time;
+            return (days === 0 ? qsTr("today %1") : qsTr("tomorrow %1")).arg(time);
     }
-    var year = when.getFullYear() === now.getFullYear() ? "" : " yyyy";
-    return Qt.formatDate(when, "ddd d MMM" + year) + " " + time;
+    var isThisYear = when.getFullYear() === now.getFullYear();
+    var format = isThisYear ? qsTr("ddd d MMM", "date") : qsTr("ddd d MMM yyyy", "date");
+    return Qt.formatDate(when, format) + " " + time;
 }
 
 // The time left until something is due.
 function left(when, now) {
     var minutes = Math.ceil((when.getTime() - now.getTime()) / 60000);
     if (!(minutes > 0))
-        return "now";
+        return qsTr("now");
     if (minutes < 60)
-        return "in " + minutes + " min";
+        return qsTr("in %n min", "", minutes);
     if (minutes < 48 * 60)
-        return "in " + Math.floor(minutes / 60) + " h " + twoDigits(minutes % 60) + " min";
-    return "in " + Math.floor(minutes / (24 * 60)) + " days";
+        return qsTr("in %1 h %2 min").arg(Math.floor(minutes / 60)).arg(twoDigits(minutes % 60));
+    return qsTr("in %n days", "", Math.floor(minutes / (24 * 60)));
 }
 
 // Whether two numbers share a reminder: they do if their ends are the same.
