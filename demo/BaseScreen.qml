@@ -14,6 +14,7 @@ Item {
     signal closeRequested()
 
     Accessible.focusable: true
+    Accessible.ignored: !enabled
     Accessible.name: title
     Accessible.role: Accessible.Pane
 

@@ -11,6 +11,7 @@ Rectangle {
     readonly property string summary: "cellular error"
 
     Accessible.focusable: true
+    Accessible.ignored: !enabled
     Accessible.name: heading.text
     Accessible.role: Accessible.Dialog
 

@@ -15,7 +15,7 @@ Canvas {
     /// What the icon tells the user; empty if it only decorates.
     property string meaning
 
-    Accessible.ignored: meaning === ""
+    Accessible.ignored: !enabled || meaning === ""
     Accessible.name: meaning
     Accessible.role: Accessible.Graphic
 

@@ -156,6 +156,7 @@ BaseScreen {
             ListView {
                 id: list
 
+                Accessible.ignored: !enabled
                 Accessible.name: qsTr("Quick replies")
                 Accessible.role: Accessible.List
 

@@ -9,7 +9,7 @@ Text {
     /// Whether the text is only seen, because the item that it belongs to has it as its name.
     property bool silent: false
 
-    Accessible.ignored: silent || text === ""
+    Accessible.ignored: silent || !enabled || text === ""
     Accessible.name: text
     Accessible.role: Accessible.StaticText
 

@@ -11,7 +11,7 @@ Rectangle {
     property string text
     property real widest: Style.px(280)
 
-    Accessible.ignored: text === ""
+    Accessible.ignored: !enabled || text === ""
     Accessible.name: text
     Accessible.role: Accessible.AlertMessage
 

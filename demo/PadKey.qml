@@ -23,12 +23,10 @@ Rectangle {
 
     Accessible.description: letters
     Accessible.focusable: true
+    Accessible.ignored: !enabled
     Accessible.name: signName || text
     Accessible.role: Accessible.Button
-    Accessible.onPressAction: {
-        if (enabled)
-            typed(text);
-    }
+    Accessible.onPressAction: typed(text)
 
     color: Style.surface
     height: width

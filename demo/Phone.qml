@@ -265,6 +265,8 @@ Item {
         anchors.bottom: parent.bottom
         anchors.horizontalCenter: parent.horizontalCenter
         anchors.top: parent.top
+        // A screen reader finds only what can be used below the sheet and the dialog.
+        enabled: phone.topmost === phone.current
         width: phone.wide ? parent.width : Math.min(parent.width, Math.round(parent.height * 0.75))
 
         StatusBar {

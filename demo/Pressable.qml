@@ -16,12 +16,10 @@ Item {
     signal held()
 
     Accessible.focusable: true
+    Accessible.ignored: !enabled // A screen reader cannot be told that it is disabled.
     Accessible.name: name
     Accessible.role: Accessible.Button
-    Accessible.onPressAction: {
-        if (enabled)
-            clicked();
-    }
+    Accessible.onPressAction: clicked()
 
     Keys.onPressed: {
         if ([Qt.Key_Return, Qt.Key_Enter, Qt.Key_Space].indexOf(event.key) < 0)

@@ -67,6 +67,7 @@ BaseScreen {
         ListView {
             id: list
 
+            Accessible.ignored: !enabled
             Accessible.name: heading.text
             Accessible.role: Accessible.List
 

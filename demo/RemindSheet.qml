@@ -32,6 +32,7 @@ Item {
     }
 
     Accessible.focusable: true
+    Accessible.ignored: !enabled
     Accessible.name: heading.text
     Accessible.role: Accessible.Dialog
 

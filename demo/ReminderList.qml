@@ -108,6 +108,7 @@ BaseScreen {
                 contentY = Math.max(0, Math.min(top, Math.max(contentY, top + item.height - height)));
             }
 
+            Accessible.ignored: !enabled
             Accessible.name: heading.text
             Accessible.role: Accessible.List
 

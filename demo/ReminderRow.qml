@@ -23,6 +23,7 @@ Item {
         reminder.remove();
     }
 
+    Accessible.ignored: !enabled
     Accessible.name: body.name
     Accessible.role: Accessible.ListItem
 
@@ -45,8 +46,9 @@ Item {
         anchors.rightMargin: Style.px(6)
         anchors.top: parent.top
         name: Words.display(row.number)
-        Accessible.description: due.text
         onClicked: row.chosen()
+
+        Accessible.description: due.text
 
         Rectangle {
             anchors.fill: parent

@@ -17,8 +17,9 @@ Item {
     signal removeRequested()
     signal done()
 
-    Accessible.role: Accessible.ListItem
+    Accessible.ignored: !enabled
     Accessible.name: field.name
+    Accessible.role: Accessible.ListItem
 
     height: field.height
 

@@ -41,6 +41,7 @@ Rectangle {
 
         Accessible.description: text === "" ? field.hint : ""
         Accessible.focusable: true
+        Accessible.ignored: !enabled
         Accessible.name: field.name
         Accessible.role: Accessible.EditableText
 
