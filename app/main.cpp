@@ -47,6 +47,7 @@ Q_DECL_EXPORT int main(int argc, char *argv[])
     installEngineeringEnglish(engineeringEnglish);
     QTranslator userLanguage;
     installUserLanguage(userLanguage);
+    //: The name of the program.
     //% "Phone"
     view->setTitle(qtTrId("parley-ap-name"));
 

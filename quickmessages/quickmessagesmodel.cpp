@@ -20,10 +20,13 @@ namespace {
 
 /// The default messages in their stored form. They are translated when they are shown.
 const QStringList defaultMessageIds{
+    //: A message to a caller whose call is not answered.
     //% "Please call later"
     QString::fromLatin1(QT_TRID_NOOP("parley-me-please_call_later")),
+    //: A message to a caller whose call is not answered.
     //% "I can't talk at the moment"
     QString::fromLatin1(QT_TRID_NOOP("parley-me-cant_talk_at_the_moment")),
+    //: A message to a caller whose call is not answered.
     //% "I will call back"
     QString::fromLatin1(QT_TRID_NOOP("parley-me-will_call_back"))};
 

@@ -80,7 +80,8 @@ Arguments Arguments::parse(int argc, char *argv[])
     arguments.handset.stateFolder = parser.value(state);
     arguments.handset.hasPanel = hasDisplay() && !parser.isSet(noPanel);
     arguments.handset.watches = parser.isSet(watch);
-    arguments.script = parser.isSet(tour) ? places.tour : parser.value(script);
+    arguments.isTour = parser.isSet(tour);
+    arguments.script = arguments.isTour ? places.tour : parser.value(script);
     arguments.handset.hasPrompt = arguments.script.isEmpty() && Prompt::isPossible();
     if (!arguments.script.isEmpty())
         arguments.handset.atFailure = Interpreter::AtFailure::Stop;

@@ -16,6 +16,7 @@ struct Arguments
 
     Handset::Options handset;
     QString script; ///< The file with the commands; empty for standard input.
+    bool isTour = false; ///< The commands are those of the tour.
     QString answer; ///< The help text or the version if requested, otherwise empty.
     QString error; ///< A message for the user; empty if the arguments are valid.
 };

@@ -99,6 +99,11 @@ int main(int argc, char *argv[])
         return EXIT_SUCCESS;
     }
 
+    if (arguments.isTour) {
+        // The tour checks texts of the screens, which it has in English.
+        qputenv("LC_ALL", "C.UTF-8");
+        qunsetenv("LANGUAGE");
+    }
     const bool hasPanel = arguments.handset.hasPanel;
     const auto application = makeApplication(hasPanel, argc, argv);
     ProcessSignals signals;

@@ -21,7 +21,7 @@ namespace {
 
 const QString noSwappingTasks = u"/sys/fs/cgroup/memory/noswapping/tasks"_s;
 const QString interactiveTasks = u"/sys/fs/cgroup/cpu,cpuacct/interactive/tasks"_s;
-const QString installedScreens = u"/usr/share/parley-ui-nimbo/main.qml"_s;
+const QString screensFolder = u"/usr/share/parley-ui-nimbo"_s;
 const QString cataloguesFolder = u"/usr/share/translations"_s;
 
 constexpr uid_t nobody = 65534;
@@ -122,6 +122,9 @@ void TestStartup::takesItsStepsInOrder()
         {u"/desktop/nimbo/specials/supported"_s, u"['one']"_s},
         {u"/desktop/nimbo/specials/one/sequence"_s, u"'*#1#'"_s},
     }));
+    // The machine's own catalogues would translate the title.
+    QVERIFY(QDir(m_ui->folder()).mkdir(u"translations"_s));
+    m_ui->sandbox().place(cataloguesFolder, m_ui->folder() + u"/translations"_s);
     m_ui->setEnvironment(u"LD_PRELOAD"_s, QStringLiteral(PARLEY_STARTUP_PROBE));
     const QString screens = m_ui->writeFile(u"screens.qml"_s, screensSaying("step: loaded"));
     QStringList arguments{u"-qml"_s, screens};
@@ -318,8 +321,10 @@ void TestStartup::loadsTheScreensItIsTold()
     m_ui->writeFile(u"first.qml"_s, screensSaying("first"));
     m_ui->writeFile(u"second.qml"_s, screensSaying("second"));
     m_ui->writeFile(u"\u00e9 %41 #?.qml"_s, screensSaying("odd"));
-    m_ui->sandbox().place(installedScreens,
-                          m_ui->writeFile(u"installed.qml"_s, screensSaying("installed")));
+    // The whole folder: the machine's own may have a compiled form of the screens.
+    QVERIFY(QDir(m_ui->folder()).mkdir(u"installed"_s));
+    m_ui->writeFile(u"installed/main.qml"_s, screensSaying("installed"));
+    m_ui->sandbox().place(screensFolder, m_ui->folder() + u"/installed"_s);
     arguments.replaceInStrings(u"FOLDER"_s, m_ui->folder());
     m_ui->start(arguments);
     if (loaded.isEmpty())

@@ -17,7 +17,6 @@ namespace {
 
 const QString name = u"com.nimbo.parley.alarm"_s;
 const QString nowhere = u"unix:path=/nowhere"_s;
-const QString catalogue = u"/parley_eng_en.qm"_s;
 
 } // namespace
 
@@ -91,12 +90,13 @@ void TestAlarm::callsWhomItShows_data()
 
     const QDateTime due = QDateTime::currentDateTime().addDays(-2);
     const QLocale locale(QLocale::Finnish, QLocale::Finland);
-    const QString since = u"\nDue since "_s + locale.toString(due, QLocale::ShortFormat);
-    const QStringList translated{u"call"_s, u"Call"_s, u"snooze"_s, u"In 10 minutes"_s};
+    const QString time = locale.toString(due, QLocale::ShortFormat);
     QTest::newRow("in engineering English")
-        << due << QStringList(catalogue) << u"Phone"_s << since << translated;
+        << due << QStringList(u"/parley_eng_en.qm"_s) << u"Phone"_s << u"\nDue since "_s + time
+        << QStringList{u"call"_s, u"Call"_s, u"snooze"_s, u"In 10 minutes"_s};
     QTest::newRow("in the user's language")
-        << due << QStringList(u"/parley-fi.qm"_s) << u"Phone"_s << since << translated;
+        << due << QStringList(u"/parley-fi.qm"_s) << u"Puhelin"_s << u"\nMääräaika oli "_s + time
+        << QStringList{u"call"_s, u"Soita"_s, u"snooze"_s, u"10 minuutin kuluttua"_s};
     QTest::newRow("without a catalogue")
         << due << QStringList() << u"parley-ap-name"_s << u"\nparley-la-due_since"_s
         << QStringList{u"call"_s, u"parley-bt-call"_s, u"snooze"_s, u"parley-bt-in_10_minutes"_s};
@@ -111,7 +111,7 @@ void TestAlarm::callsWhomItShows()
 
     const QTemporaryDir folder;
     for (const QString &file : qAsConst(catalogues))
-        QVERIFY(QFile::copy(QStringLiteral(PARLEY_TRANSLATIONS) + catalogue, folder.path() + file));
+        QVERIFY(QFile::copy(QStringLiteral(PARLEY_TRANSLATIONS) + file, folder.path() + file));
     m_process->sandbox().place(u"/usr/share/translations"_s, folder.path());
     m_process->setEnvironment(u"LC_ALL"_s, u"fi_FI.UTF-8"_s);
     m_process->start();

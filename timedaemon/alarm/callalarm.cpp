@@ -47,6 +47,7 @@ QString CallAlarm::name() const
 
 CallAlarm::Notification CallAlarm::notification(const QDateTime &now) const
 {
+    //: The title of a notification that it is time to call somebody without a name and a number.
     //% "Reminder"
     QStringList titles{name(), number(), qtTrId("parley-he-reminder")};
     titles.removeAll(QString());
@@ -58,9 +59,11 @@ CallAlarm::Notification CallAlarm::notification(const QDateTime &now) const
     notification.body = lines.join(QLatin1Char('\n'));
 
     if (!number().isEmpty()) {
+        //: A button of a notification: calls the person.
         //% "Call"
         notification.actions << callAction() << qtTrId("parley-bt-call");
     }
+    //: A button of a notification: shows it again in 10 minutes.
     //% "In 10 minutes"
     notification.actions << snoozeAction() << qtTrId("parley-bt-in_10_minutes");
     return notification;
@@ -78,6 +81,7 @@ QString CallAlarm::dueTime(const QDateTime &now) const
         ? locale.toString(due.time(), QLocale::ShortFormat)
         : locale.toString(due, QLocale::ShortFormat);
     // Without a catalogue the text is its id, for which arg() would log a warning.
+    //: %1 is a time, or a date and a time if that was on another day.
     //% "Due since %1"
     return qtTrId("parley-la-due_since").replace(QLatin1String("%1"), time);
 }
