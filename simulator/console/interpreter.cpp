@@ -72,6 +72,7 @@ Interpreter::Interpreter(Transcript &transcript, AtFailure atFailure, QObject *p
           QStringLiteral("end the session"),
           [this](const QStringList &, const Finish &finish) {
               m_lines.clear();
+              m_started = true; // There is nothing to wait for.
               endInput();
               finish(Outcome::Done, {});
           }}});
@@ -108,7 +109,8 @@ void Interpreter::wake()
 
 void Interpreter::runNext()
 {
-    if (!m_started || m_busy)
+    const bool quits = !m_lines.isEmpty() && m_lines.head() == QLatin1String("quit");
+    if (m_busy || !(m_started || quits))
         return;
     if (!m_lines.isEmpty()) {
         m_busy = true;
