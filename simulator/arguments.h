@@ -16,6 +16,9 @@ struct Arguments
 
     Handset::Options handset;
     QString script; ///< The file with the commands; empty for standard input.
+    QString testFolder; ///< The folder with scripts to run as tests; empty for a session.
+    QString reportFile; ///< The report of these tests; empty for none.
+    QString kitFolder; ///< The folder to print if it was requested, otherwise empty.
     QString help; ///< The help text if it was requested, otherwise empty.
     QString error; ///< A message for the user; empty if the arguments are valid.
 };

@@ -5,6 +5,7 @@
 #include "handset.h"
 #include "handsetpart.h"
 #include "linereader.h"
+#include "screentests.h"
 #include "terminationsignals.h"
 
 #include <QFile>
@@ -26,6 +27,32 @@ std::unique_ptr<QCoreApplication> makeApplication(bool hasPanel, int &argc, char
     return std::make_unique<QGuiApplication>(argc, argv);
 }
 
+void endAtSignals(const TerminationSignals &signals)
+{
+    QObject::connect(&signals, &TerminationSignals::received, QCoreApplication::instance(),
+                     [](int signal) { QCoreApplication::exit(128 + signal); });
+}
+
+void end(bool succeeded)
+{
+    QCoreApplication::exit(succeeded ? EXIT_SUCCESS : EXIT_FAILURE);
+}
+
+int runTests(const Arguments &arguments, int &argc, char *argv[])
+{
+    QCoreApplication application(argc, argv);
+    const TerminationSignals terminationSignals;
+    endAtSignals(terminationSignals);
+    ScreenTests tests({arguments.testFolder,
+                       arguments.reportFile,
+                       {QStringLiteral("--ui"), arguments.handset.uiProgram,
+                        QStringLiteral("--qml"), arguments.handset.qmlFile}});
+    // Queued, because it may be emitted before the event loop runs.
+    QObject::connect(&tests, &ScreenTests::ended, &application, &end, Qt::QueuedConnection);
+    tests.start();
+    return QCoreApplication::exec();
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -43,11 +70,17 @@ int main(int argc, char *argv[])
         return EXIT_SUCCESS;
     }
 
+    if (!arguments.kitFolder.isEmpty()) {
+        std::puts(qUtf8Printable(arguments.kitFolder));
+        return EXIT_SUCCESS;
+    }
+    if (!arguments.testFolder.isEmpty())
+        return runTests(arguments, argc, argv);
+
     const bool hasPanel = arguments.handset.hasPanel;
     const auto application = makeApplication(hasPanel, argc, argv);
-    TerminationSignals terminationSignals;
-    QObject::connect(&terminationSignals, &TerminationSignals::received, application.get(),
-                     [](int signal) { QCoreApplication::exit(128 + signal); });
+    const TerminationSignals terminationSignals;
+    endAtSignals(terminationSignals);
 
     const bool isScripted = !arguments.script.isEmpty();
     QFile script(arguments.script);
@@ -64,11 +97,8 @@ int main(int argc, char *argv[])
     if (isScripted || !hasPanel)
         QObject::connect(&lines, &LineReader::ended, &handset.interpreter(),
                          &Interpreter::endInput);
-    const auto end = [](bool succeeded) {
-        QCoreApplication::exit(succeeded ? EXIT_SUCCESS : EXIT_FAILURE);
-    };
     // Queued, because it may be emitted before the event loop runs.
-    QObject::connect(&handset, &Handset::ended, application.get(), end, Qt::QueuedConnection);
+    QObject::connect(&handset, &Handset::ended, application.get(), &end, Qt::QueuedConnection);
     if (!handset.start())
         return EXIT_FAILURE;
     if (hasPanel && !isScripted)
