@@ -139,8 +139,8 @@ void Kit::readData()
                              << (file.isOpen() ? error.errorString() : file.errorString());
     for (auto it = values.cbegin(); it != values.cend(); ++it) {
         // Not setProperty(), which would add a property that does not exist.
-        const int index = metaObject()->indexOfProperty(it.key().toUtf8().constData());
-        if (index < 0 || !metaObject()->property(index).write(this, it.value()))
+        const int index = staticMetaObject.indexOfProperty(it.key().toUtf8().constData());
+        if (index < 0 || !staticMetaObject.property(index).write(this, it.value()))
             qWarning().noquote() << name << "has an unknown value:" << it.key();
     }
 }

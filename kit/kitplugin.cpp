@@ -11,6 +11,10 @@
 #include <QtQml>
 
 /// The types and the root context of the process, for tools.
+///
+/// Its qmldir does not name the module, so Qt warns that the module cannot be protected. With a
+/// name, Qt would refuse the import in the process, which has types of its own, if its user has the
+/// kit among the import paths. As it is, the plugin does nothing there.
 class KitPlugin : public QQmlExtensionPlugin
 {
     Q_OBJECT

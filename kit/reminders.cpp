@@ -5,16 +5,19 @@
 
 #include "kit.h"
 
-#include <seasidecache.h>
+#include <QRegularExpression>
 
 namespace {
 
 const QLatin1String numberKey("phoneNumber");
 
-/// Returns what is the same in all forms of a number.
+/// Returns what is the same in all forms of a number: its last seven digits. A text without a digit
+/// has only one form.
 QString keyOf(const QString &number)
 {
-    return SeasideCache::minimizePhoneNumber(number, false);
+    static const QRegularExpression noDigits(QStringLiteral("\\D"));
+    const QString digits = QString(number).remove(noDigits);
+    return digits.isEmpty() ? number : digits.right(7);
 }
 
 } // namespace
