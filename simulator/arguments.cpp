@@ -8,6 +8,7 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QFileInfo>
 
 #include <algorithm>
 
@@ -48,6 +49,22 @@ Arguments Arguments::parse(int argc, char *argv[])
     const QCommandLineOption watch(
         QStringLiteral("watch"),
         QStringLiteral("Starts the call UI again when QML code in the screens' folder changes."));
+    const QCommandLineOption replay(
+        QStringLiteral("replay"),
+        QStringLiteral("With --watch: sends the last request again after that."));
+    const QCommandLineOption tests(
+        QStringLiteral("tests"),
+        QStringLiteral("Runs each file named *.script in a folder on a handset of its own, "
+                       "without a display."),
+        QStringLiteral("folder"));
+    const QCommandLineOption junit(
+        QStringLiteral("junit"),
+        QStringLiteral("With --tests: writes a report for CI systems, in the form of JUnit."),
+        QStringLiteral("file"));
+    const QCommandLineOption kit(
+        QStringLiteral("kit"),
+        QStringLiteral("Prints the folder of the QML modules with which tools run screens "
+                       "(QML2_IMPORT_PATH)."));
     const QCommandLineOption noPanel(
         QStringLiteral("no-panel"),
         QStringLiteral("Opens no control panel; without a display there is none anyway."));
@@ -58,7 +75,8 @@ Arguments Arguments::parse(int argc, char *argv[])
                        "buses, and takes commands\n"
                        "from standard input and from its control panel. The command \"help\" lists "
                        "them."));
-    parser.addOptions({help, version, ui, qml, watch, script, tour, state, noPanel});
+    parser.addOptions(
+        {help, version, ui, qml, watch, replay, script, tour, tests, junit, kit, state, noPanel});
     QStringList words;
     std::transform(argv, argv + argc, std::back_inserter(words),
                    [](const char *argument) { return QString::fromLocal8Bit(argument); });
@@ -73,13 +91,22 @@ Arguments Arguments::parse(int argc, char *argv[])
         arguments.answer = parser.helpText();
     } else if (parser.isSet(version)) {
         arguments.answer = QStringLiteral("parley-handset " PARLEY_VERSION "\n");
+    } else if (parser.isSet(kit)) {
+        arguments.answer = places.kit + QLatin1Char('\n');
+    } else if (arguments.error.isEmpty() && !QFileInfo(parser.value(qml)).isFile()) {
+        arguments.error = QStringLiteral("There is no file %1.").arg(parser.value(qml));
     }
     arguments.handset.uiProgram = parser.value(ui);
     arguments.handset.catalogueFolder = places.translations;
     arguments.handset.qmlFile = parser.value(qml);
+    arguments.handset.phoneFolder = places.phone;
+    arguments.handset.kitFolder = places.kit;
     arguments.handset.stateFolder = parser.value(state);
     arguments.handset.hasPanel = hasDisplay() && !parser.isSet(noPanel);
     arguments.handset.watches = parser.isSet(watch);
+    arguments.handset.replays = parser.isSet(replay);
+    arguments.testFolder = parser.value(tests);
+    arguments.reportFile = parser.value(junit);
     arguments.isTour = parser.isSet(tour);
     arguments.script = arguments.isTour ? places.tour : parser.value(script);
     arguments.handset.hasPrompt = arguments.script.isEmpty() && Prompt::isPossible();

@@ -17,6 +17,8 @@ struct Arguments
     Handset::Options handset;
     QString script; ///< The file with the commands; empty for standard input.
     bool isTour = false; ///< The commands are those of the tour.
-    QString answer; ///< The help text or the version if requested, otherwise empty.
+    QString testFolder; ///< The folder with scripts to run as tests; empty for a session.
+    QString reportFile; ///< The report of these tests; empty for none.
+    QString answer; ///< What was asked for, such as the help text; empty for a session or tests.
     QString error; ///< A message for the user; empty if the arguments are valid.
 };

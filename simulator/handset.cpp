@@ -11,6 +11,7 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <chrono>
 #include <utility>
 
@@ -24,6 +25,20 @@ const QLatin1String cannotRaise("This plugin does not support raise()");
 constexpr std::chrono::seconds uiPatience(30);
 /// Once the QML engine has complained. The complaint may be only a warning.
 constexpr std::chrono::seconds uiPatienceWithError(2);
+/// Once the screens have been loaded, which creates the service in all but strange cases.
+constexpr std::chrono::seconds uiPatienceWhenLoaded(1);
+
+/// Returns \a paths, separated by colons, without \a folder.
+QString without(const QString &folder, const QString &paths)
+{
+    QStringList others = paths.split(QLatin1Char(':'));
+    const QDir unwanted(folder);
+    const auto isUnwanted = [&unwanted](const QString &path) {
+        return QDir(QDir::cleanPath(path)) == unwanted;
+    };
+    others.erase(std::remove_if(others.begin(), others.end(), isUnwanted), others.end());
+    return others.join(QLatin1Char(':'));
+}
 
 } // namespace
 
@@ -123,7 +138,7 @@ void Handset::addCommands()
     m_interpreter.add(m_services->commands());
     m_interpreter.add(m_journal.commands());
     m_interpreter.add(m_replies.commands());
-    m_interpreter.add({restartCommand()});
+    m_interpreter.add(restartCommands());
     addValues();
 }
 
@@ -165,8 +180,11 @@ void Handset::watchScreens()
 {
     const QString folder = QFileInfo(m_options.qmlFile).absolutePath();
     auto *watch = new FolderWatch(folder, this);
-    connect(watch, &FolderWatch::changed, this,
-            [this] { m_interpreter.enqueue(QStringLiteral("restart")); });
+    connect(watch, &FolderWatch::changed, this, [this] {
+        m_interpreter.enqueue(QStringLiteral("restart keep"));
+        if (m_options.replays && m_homeScreen->hasRequested())
+            m_interpreter.enqueue(QStringLiteral("replay"));
+    });
 }
 
 void Handset::makePanel()
@@ -217,11 +235,34 @@ void Handset::startServicesAndUi()
     });
 }
 
+/// The plugin is the display of the phone. The kit would only stand in for what the call UI has.
+QProcessEnvironment Handset::uiEnvironment(const QProcessEnvironment &world) const
+{
+    QProcessEnvironment environment = world;
+    const QString plugins = QStringLiteral("QT_PLUGIN_PATH");
+    const QStringList folders{m_options.phoneFolder, environment.value(plugins)};
+    environment.insert(plugins, folders.join(QLatin1Char(':')));
+    environment.insert(QStringLiteral("QT_QPA_GENERIC_PLUGINS"), QStringLiteral("ParleyPhone"));
+    if (m_uiIsShown)
+        environment.insert(QStringLiteral("PARLEY_PHONE_SHOWN"), QStringLiteral("1"));
+    for (const char *name : {"QML2_IMPORT_PATH", "QML_IMPORT_PATH"}) {
+        const QString imports = QString::fromLatin1(name);
+        if (environment.contains(imports))
+            environment.insert(imports, without(m_options.kitFolder, environment.value(imports)));
+    }
+    return environment;
+}
+
 void Handset::startUi(const Finish &finish)
 {
     m_uiFinish = finish;
+    if (!QFileInfo(m_options.qmlFile).isFile()) {
+        uiSettled(Outcome::Failed, QStringLiteral("There is no file ") + m_options.qmlFile);
+        return;
+    }
     m_ui = std::make_unique<UiProcess>(
         UiProcess::World{m_sessionBus.address(), m_systemBus.address(), m_folder.path()});
+    m_ui->setProcessEnvironment(uiEnvironment(m_ui->processEnvironment()));
     connect(m_ui.get(), &UiProcess::logged, this, &Handset::recordLog);
     connect(m_ui.get(), &UiProcess::ended, this, &Handset::uiDied);
 
@@ -246,15 +287,23 @@ void Handset::uiSettled(Outcome outcome, const QString &text)
         m_transcript.say(text);
 }
 
-Command Handset::restartCommand()
+QVector<Command> Handset::restartCommands()
 {
-    return {QStringLiteral("restart"),
-            {},
-            QStringLiteral("end the call UI and start it again"),
-            [this](const QStringList &, const Finish &finish) {
-                m_ui.reset();
-                startUi(finish);
-            }};
+    const auto restart = [this](bool isShown, const Finish &finish) {
+        m_ui.reset();
+        m_uiIsShown = isShown;
+        startUi(finish);
+    };
+    return {{QStringLiteral("restart"),
+             {},
+             QStringLiteral("end the call UI and start it again"),
+             [restart](const QStringList &, const Finish &finish) { restart(false, finish); }},
+            {QStringLiteral("restart keep"),
+             {},
+             QStringLiteral("the same; a window that was visible is visible again"),
+             [this, restart](const QStringList &, const Finish &finish) {
+                 restart(m_uiIsShown, finish);
+             }}};
 }
 
 void Handset::recordLog(const QString &line)
@@ -264,11 +313,24 @@ void Handset::recordLog(const QString &line)
     if (m_qmlErrors.read(line) && m_uiFinish
         && m_uiPatience.remainingTimeAsDuration() > uiPatienceWithError)
         m_uiPatience.start(uiPatienceWithError);
+    const QLatin1String fromPhone("phone: ");
+    if (line.startsWith(fromPhone)) {
+        phoneReported(line.mid(fromPhone.size()));
+        return;
+    }
     const QLatin1String fromScreens("qml: ");
     if (line.startsWith(fromScreens))
         m_transcript.record(QStringLiteral("ui"), line.mid(fromScreens.size()));
     else
         m_transcript.record(QStringLiteral("ui log"), line);
+}
+
+void Handset::phoneReported(const QString &what)
+{
+    if (what != QLatin1String("loaded"))
+        m_uiIsShown = what == QLatin1String("shown");
+    else if (m_uiFinish && m_uiPatience.remainingTimeAsDuration() > uiPatienceWhenLoaded)
+        m_uiPatience.start(uiPatienceWhenLoaded);
 }
 
 /// A user can start the call UI again. A script has to end.

@@ -33,11 +33,14 @@ public:
         QString uiProgram;
         QString qmlFile;
         QString catalogueFolder; ///< The folder with the translations of the call UI.
+        QString phoneFolder; ///< The folder of the plugin that is the display of the phone.
+        QString kitFolder; ///< The folder of the QML modules that are not for the call UI.
         QString stateFolder; ///< Keeps the state of the services; empty to discard it.
         Interpreter::AtFailure atFailure = Interpreter::AtFailure::GoOn;
         bool hasPrompt = false; ///< Its user types on a terminal, where words are completed.
         bool hasPanel = false; ///< Its user can start again what did not start.
         bool watches = false; ///< Starts the call UI again when its QML code changes.
+        bool replays = false; ///< Sends the last request again after that.
     };
 
     explicit Handset(const Options &options, QObject *parent = nullptr);
@@ -71,10 +74,12 @@ private:
     void placeCatalogue();
     void placeControlGroups();
     void startServicesAndUi();
+    QProcessEnvironment uiEnvironment(const QProcessEnvironment &world) const;
     void startUi(const Finish &finish);
     void uiSettled(Outcome outcome, const QString &text);
-    Command restartCommand();
+    QVector<Command> restartCommands();
     void recordLog(const QString &line);
+    void phoneReported(const QString &what);
     void uiDied(const QString &how);
     void partDied(const QString &what);
 
@@ -95,5 +100,6 @@ private:
     QElapsedTimer m_sinceUiStart;
     QTimer m_uiPatience;
     bool m_uiHasBeenUp = false;
+    bool m_uiIsShown = false; ///< Whether its window is, or is to be shown at the start.
     Finish m_uiFinish; ///< Null unless the call UI is being started.
 };

@@ -7,6 +7,7 @@
 #include "linereader.h"
 #include "processsignals.h"
 #include "prompt.h"
+#include "screentests.h"
 
 #include <QFile>
 #include <QGuiApplication>
@@ -82,6 +83,32 @@ std::unique_ptr<LineReader> readLines(Interpreter &interpreter, bool hasPanel)
     return lines;
 }
 
+void endAtSignals(const ProcessSignals &signals)
+{
+    QObject::connect(&signals, &ProcessSignals::terminated, QCoreApplication::instance(),
+                     [](int signal) { QCoreApplication::exit(128 + signal); });
+}
+
+void end(bool succeeded)
+{
+    QCoreApplication::exit(succeeded ? EXIT_SUCCESS : EXIT_FAILURE);
+}
+
+int runTests(const Arguments &arguments, int &argc, char *argv[])
+{
+    QCoreApplication application(argc, argv);
+    const ProcessSignals signals;
+    endAtSignals(signals);
+    ScreenTests tests({arguments.testFolder,
+                       arguments.reportFile,
+                       {QStringLiteral("--ui"), arguments.handset.uiProgram,
+                        QStringLiteral("--qml"), arguments.handset.qmlFile}});
+    // Queued, because it may be emitted before the event loop runs.
+    QObject::connect(&tests, &ScreenTests::ended, &application, &end, Qt::QueuedConnection);
+    tests.start();
+    return QCoreApplication::exec();
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -104,11 +131,13 @@ int main(int argc, char *argv[])
         qputenv("LC_ALL", "C.UTF-8");
         qunsetenv("LANGUAGE");
     }
+    if (!arguments.testFolder.isEmpty())
+        return runTests(arguments, argc, argv);
+
     const bool hasPanel = arguments.handset.hasPanel;
     const auto application = makeApplication(hasPanel, argc, argv);
     ProcessSignals signals;
-    QObject::connect(&signals, &ProcessSignals::terminated, application.get(),
-                     [](int signal) { QCoreApplication::exit(128 + signal); });
+    endAtSignals(signals);
 
     const bool isScripted = !arguments.script.isEmpty();
     QFile script(arguments.script);
@@ -127,11 +156,8 @@ int main(int argc, char *argv[])
         prompt = makePrompt(handset, signals);
     else
         lines = readLines(handset.interpreter(), hasPanel);
-    const auto end = [](bool succeeded) {
-        QCoreApplication::exit(succeeded ? EXIT_SUCCESS : EXIT_FAILURE);
-    };
     // Queued, because it may be emitted before the event loop runs.
-    QObject::connect(&handset, &Handset::ended, application.get(), end, Qt::QueuedConnection);
+    QObject::connect(&handset, &Handset::ended, application.get(), &end, Qt::QueuedConnection);
     if (!handset.start())
         return EXIT_FAILURE;
     if (hasPanel && !isScripted)

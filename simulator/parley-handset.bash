@@ -6,12 +6,12 @@
 _parley_handset() {
     local word=${COMP_WORDS[COMP_CWORD]} words
     case ${COMP_WORDS[COMP_CWORD - 1]} in
-    --ui | --qml | --script)
+    --junit | --ui | --qml | --script)
         mapfile -t words < <(compgen -f -- "$word") ;;
-    --state)
+    --state | --tests)
         mapfile -t words < <(compgen -d -- "$word") ;;
     *)
-        mapfile -t words < <(compgen -W '--help --no-panel --qml --script --state --tour --ui --version --watch' -- "$word")
+        mapfile -t words < <(compgen -W '--help --junit --kit --no-panel --qml --replay --script --state --tests --tour --ui --version --watch' -- "$word")
         COMPREPLY=("${words[@]}")
         return ;;
     esac

@@ -95,11 +95,17 @@ QVector<Command> HomeScreen::commands()
          [this](const QStringList &arguments, const Finish &finish) {
              toggleAs(arguments.at(0), arguments.at(1), finish);
          }},
+        {QStringLiteral("replay"),
+         {},
+         QStringLiteral("send the last of these requests again"),
+         [this](const QStringList &, const Finish &finish) { replay(finish); }},
     };
 }
 
 void HomeScreen::request(const QString &method, const QVariantList &arguments, const Finish &finish)
 {
+    m_lastMethod = method;
+    m_lastArguments = arguments;
     QDBusMessage call =
         QDBusMessage::createMethodCall(uiService, QStringLiteral("/"), uiService, method);
     call.setArguments(arguments);
@@ -115,6 +121,14 @@ void HomeScreen::request(const QString &method, const QVariantList &arguments, c
         finish(Outcome::Done,
                QStringLiteral("%1 (%2 ms)").arg(describe(answer)).arg(milliseconds, 0, 'f', 1));
     });
+}
+
+void HomeScreen::replay(const Finish &finish)
+{
+    if (hasRequested())
+        request(m_lastMethod, QVariantList(m_lastArguments), finish);
+    else
+        finish(Outcome::Failed, QStringLiteral("there was no request yet"));
 }
 
 void HomeScreen::toggleAs(const QString &user, const QString &group, const Finish &finish)

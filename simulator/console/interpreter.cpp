@@ -94,6 +94,7 @@ Interpreter::Interpreter(Transcript &transcript, AtFailure atFailure, QObject *p
 
     const auto quit = [this](const QStringList &, const Finish &finish) {
         m_lines.clear();
+        m_started = true; // There is nothing to wait for.
         endInput();
         finish(Outcome::Done, {});
     };
@@ -194,7 +195,9 @@ void Interpreter::wake()
 
 void Interpreter::runNext()
 {
-    if (!m_started || m_busy)
+    const bool quits = !m_lines.isEmpty()
+        && (m_lines.head() == QLatin1String("quit") || m_lines.head() == QLatin1String("exit"));
+    if (m_busy || !(m_started || quits))
         return;
     if (!m_lines.isEmpty()) {
         m_busy = true;

@@ -49,7 +49,8 @@ public:
     /// Sets how long "expect" waits. The default is thirty seconds.
     void setPatience(std::chrono::milliseconds patience) { m_patience.setInterval(patience); }
 
-    /// Runs \a line after start() and after all earlier lines.
+    /// Runs \a line after start() and after all earlier lines. "quit" with no line before it does
+    /// not wait for start().
     void enqueue(const QString &line);
 
     /// No more lines follow.

@@ -17,7 +17,9 @@ Places Places::find()
     return {place("ui", PARLEY_INSTALLED_BIN "/parley-ui"),
             place("time-daemon", PARLEY_INSTALLED_SBIN "/parley-time-daemon"),
             place("alarm", PARLEY_INSTALLED_BIN "/parley-alarm"),
+            place("phone", PARLEY_INSTALLED_LIB "/parley-handset"),
             place("screens", PARLEY_INSTALLED_SCREENS "/main.qml"),
             place("translations", PARLEY_INSTALLED_TRANSLATIONS),
+            place("kit", PARLEY_INSTALLED_LIB "/parley-handset/kit"),
             place("tour", PARLEY_INSTALLED_DATA "/parley-handset/tour")};
 }

@@ -12,8 +12,10 @@ struct Places
     QString ui; ///< The call UI.
     QString timeDaemon;
     QString alarm; ///< The program that shows due alarms.
+    QString phone; ///< The folder of the plugin that is the display of the phone.
     QString screens; ///< The QML file of the call screens.
     QString translations; ///< The folder of the catalogues of texts.
+    QString kit; ///< The folder of the QML modules for authors of screens.
     QString tour; ///< The script of the tour.
 
     static Places find();

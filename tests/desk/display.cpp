@@ -5,6 +5,7 @@
 
 #include "literals.h"
 
+#include <QColor>
 #include <QFile>
 #include <QLibraryInfo>
 #include <QStandardPaths>
@@ -58,6 +59,19 @@ QByteArray contentOf(const QString &fileName)
 }
 
 } // namespace
+
+int Display::count(const QColor &color) const
+{
+    const QImage shown = picture().convertToFormat(QImage::Format_RGB32);
+    int found = 0;
+    for (int y = 0; y < shown.height(); ++y) {
+        const auto *line = reinterpret_cast<const QRgb *>(shown.constScanLine(y));
+        found += static_cast<int>(std::count_if(line, line + shown.width(), [&](QRgb pixel) {
+            return (pixel | 0xff000000U) == color.rgb();
+        }));
+    }
+    return found;
+}
 
 XDisplay::XDisplay(const QSize &size, QString windowManager)
     : m_size(size)

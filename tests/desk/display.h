@@ -30,6 +30,8 @@ public:
     virtual bool showOtherWorkspace() const { return true; }
     /// Returns what the display shows.
     virtual QImage picture() const = 0;
+    /// Returns how many pixels of the picture have a colour.
+    int count(const QColor &color) const;
 
 private:
     Q_DISABLE_COPY(Display)

@@ -9,7 +9,6 @@
 #include <QDBusMessage>
 #include <QTest>
 
-#include <algorithm>
 #include <memory>
 
 #include <unistd.h>
@@ -64,7 +63,6 @@ private:
     bool startScreens(UiUnderTest &ui, const QString &fileName, const QStringList &arguments = {});
     bool cover();
     bool request(const QString &method, const QVariant &argument = {});
-    int count(const QColor &color) const;
     bool shows(const QColor &color, const QSize &size) const;
 
     std::unique_ptr<Display> m_display;
@@ -114,24 +112,10 @@ bool TestFront::request(const QString &method, const QVariant &argument)
     return m_ui->call(method, arguments).type() == QDBusMessage::ReplyMessage;
 }
 
-/// Returns how many pixels of the display have a colour.
-int TestFront::count(const QColor &color) const
-{
-    const QImage picture = m_display->picture().convertToFormat(QImage::Format_RGB32);
-    int found = 0;
-    for (int y = 0; y < picture.height(); ++y) {
-        const auto *line = reinterpret_cast<const QRgb *>(picture.constScanLine(y));
-        found += static_cast<int>(std::count_if(line, line + picture.width(), [&](QRgb pixel) {
-            return (pixel | 0xff000000U) == color.rgb();
-        }));
-    }
-    return found;
-}
-
 /// Waits until so much of the display has a colour.
 bool TestFront::shows(const QColor &color, const QSize &size) const
 {
-    return QTest::qWaitFor([&] { return count(color) == pixelsOf(size); }, patience);
+    return QTest::qWaitFor([&] { return m_display->count(color) == pixelsOf(size); }, patience);
 }
 
 /// Windows can only be full screen if a window manager makes them so.

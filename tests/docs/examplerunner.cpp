@@ -8,6 +8,7 @@
 #include <QDBusConnectionInterface>
 #include <QDBusReply>
 #include <QDir>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QRegularExpression>
@@ -36,13 +37,14 @@ QString said(const QStringList &lines)
     return lines.isEmpty() ? u"nothing"_s : u'"' + lines.join(u"\", \""_s) + u'"';
 }
 
-/// Returns the pattern for \a line, which has a process, a user and a group as examples.
+/// Returns the pattern for \a line, which has a process, a user, a group and a time as examples.
 QRegularExpression patternOf(const QString &line)
 {
     QString pattern = QRegularExpression::escape(line);
     pattern.replace(u"4242"_s, u"\\d+"_s);
     pattern.replace(QRegularExpression::escape(u"user guest group users"_s),
                     u"user \\S+ group \\S+"_s);
+    pattern.replace(QRegularExpression::escape(u"(4.2 s)"_s), u"\\(\\d+\\.\\d s\\)"_s);
     return QRegularExpression(QRegularExpression::anchoredPattern(pattern));
 }
 
@@ -128,6 +130,8 @@ QProcessEnvironment ExampleRunner::environment()
     environment.insert(u"DCONF_PROFILE"_s, m_ui.folder() + u"/dconf-profile"_s);
     environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, m_ui.sessionBus().address());
     environment.insert(u"DBUS_SYSTEM_BUS_ADDRESS"_s, m_ui.systemBus().address());
+    const QString programs = QFileInfo(qEnvironmentVariable("PARLEY_HANDSET")).path();
+    environment.insert(u"PATH"_s, programs + u':' + environment.value(u"PATH"_s));
     environment.insert(u"LC_ALL"_s, u"C.UTF-8"_s);
     environment.insert(u"QT_FORCE_STDERR_LOGGING"_s, u"1"_s);
     return environment;
@@ -137,6 +141,8 @@ QString ExampleRunner::run(const Document::Block &block)
 {
     if (block.kind == u"qml"_s)
         return runScreens(block);
+    if (block.kind.startsWith(u"qml "_s) || block.kind.startsWith(u"text "_s))
+        return writeFile(block);
     if (block.kind == u"json"_s)
         return checkReplies(block);
     if (!m_hasScreens && !startProbe())
@@ -152,6 +158,16 @@ QString ExampleRunner::run(const Document::Block &block)
     if (block.kind.endsWith(u" not-run"_s))
         return {};
     return u"nobody knows how to run \"%1\""_s.arg(block.kind);
+}
+
+QString ExampleRunner::writeFile(const Document::Block &block)
+{
+    const QString name = block.kind.section(u' ', 1);
+    if (!QDir(m_ui.folder()).mkpath(QFileInfo(name).path()))
+        return u"there is no folder for it"_s;
+    const QByteArray content = block.lines.join(u'\n').toUtf8() + '\n';
+    m_ui.writeFile(name, content);
+    return {};
 }
 
 QString ExampleRunner::runScreens(const Document::Block &block)
@@ -194,6 +210,7 @@ ExampleRunner::Result ExampleRunner::execute(const QStringList &command)
     QProcess process;
     process.setProcessEnvironment(environment());
     process.setProcessChannelMode(QProcess::MergedChannels);
+    process.setWorkingDirectory(m_ui.folder());
     process.start(command.constFirst(), command.mid(1));
     // Read the call UI's log and answer its calls meanwhile.
     if (!QTest::qWaitFor([&process] { return process.state() == QProcess::NotRunning; }, patience))

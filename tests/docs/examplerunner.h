@@ -22,6 +22,7 @@
 /// - "console guest" is the same with a user without privileges; 4242 stands for any process id.
 /// - "log" has the lines that the call UI has logged since the screens were loaded; "guest" and
 ///   "users" stand for any user and group.
+/// - "qml FILE" and "text FILE" are a file below the folder in which commands are run.
 /// - "json" is the file of the quick replies, all of which have to be shown.
 /// - A block with "not-run" in its kind is not run.
 class ExampleRunner
@@ -59,6 +60,7 @@ private:
     bool startProbe();
     QStringList endScreens();
 
+    QString writeFile(const Document::Block &block);
     QString runScreens(const Document::Block &block);
     QString runShell(const Document::Block &block);
     QString runConsole(const Document::Block &block, const QStringList &prefix);

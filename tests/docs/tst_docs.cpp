@@ -23,6 +23,10 @@
 
 namespace {
 
+/// The kit's own object is among them.
+const QStringList rootContext{u"__window"_s, u"__prestart"_s, u"__specials"_s,
+                              u"simFiltersHelper"_s, u"__kit"_s};
+
 const QDir source(QStringLiteral(PARLEY_SOURCE_DIR));
 
 QStringList pages()
@@ -62,6 +66,39 @@ QString callOf(const QMetaMethod &method)
     for (const QByteArray &name : parameters)
         names.append(QString::fromLatin1(name));
     return QString::fromLatin1(method.name()) + u'(' + names.join(u", "_s) + u')';
+}
+
+bool isQml(const Document::Block &block)
+{
+    return block.kind == u"qml"_s || block.kind.startsWith(u"qml "_s);
+}
+
+/// Returns what qmllint says of \a fileName with the arguments that qml-api.md names, without its
+/// warnings of the root context.
+QString lint(const QString &fileName)
+{
+    QProcess process;
+    process.setProcessChannelMode(QProcess::MergedChannels);
+    process.start(QStringLiteral(PARLEY_QMLLINT),
+                  {u"-U"_s, u"-I"_s, QStringLiteral(PARLEY_QML_IMPORT_PATH), u"-i"_s,
+                   source.filePath(u"qml/com/nimbo/parley/plugins.qmltypes"_s), fileName});
+    if (!process.waitForFinished())
+        return u"qmllint does not end"_s;
+    QString said = QString::fromUtf8(process.readAll());
+    static const QRegularExpression expected(u"Warning: unqualified access at \\d+:\\d+\n"
+                                             u"( *)[^\n]*\n *\\^+\n+"_s);
+    for (int at = 0; at >= 0;) {
+        const QRegularExpressionMatch match = expected.match(said, at);
+        at = match.capturedStart();
+        const QStringList lines = match.captured().split(u'\n');
+        const int from = lines.value(2).indexOf(u'^');
+        const QString name = lines.value(1).mid(from, lines.value(2).count(u'^'));
+        if (rootContext.contains(name))
+            said.remove(at, match.capturedLength());
+        else if (at >= 0)
+            at = match.capturedEnd();
+    }
+    return said;
 }
 
 /// Returns a line for each member that QML sees, without the inherited ones.
@@ -117,6 +154,8 @@ private Q_SLOTS:
     void runsItsExamples();
     void hasExamplesThatToolsUnderstand_data();
     void hasExamplesThatToolsUnderstand();
+    void lintsWithWarningsOfTheRootContextAlone_data();
+    void lintsWithWarningsOfTheRootContextAlone();
     void leavesOutTheInstallationAlone();
     void hasEveryMember_data();
     void hasEveryMember();
@@ -163,7 +202,7 @@ void TestDocs::hasExamplesThatToolsUnderstand()
     const QTemporaryDir folder;
     const Document document(pathOf(page));
     for (const Document::Block &block : document.blocks()) {
-        if (block.kind != u"qml"_s)
+        if (!isQml(block))
             continue;
         QFile file(folder.filePath(u"example.qml"_s));
         QVERIFY(file.open(QIODevice::WriteOnly));
@@ -179,6 +218,28 @@ void TestDocs::hasExamplesThatToolsUnderstand()
     }
 }
 
+void TestDocs::lintsWithWarningsOfTheRootContextAlone_data()
+{
+    runsItsExamples_data();
+}
+
+void TestDocs::lintsWithWarningsOfTheRootContextAlone()
+{
+    QFETCH(QString, page);
+
+    const QTemporaryDir folder;
+    const Document document(pathOf(page));
+    for (const Document::Block &block : document.blocks()) {
+        if (!isQml(block))
+            continue;
+        QFile file(folder.filePath(u"example.qml"_s));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(block.lines.join(u'\n').toUtf8());
+        file.close();
+        QCOMPARE(lint(file.fileName()), QString());
+    }
+}
+
 void TestDocs::leavesOutTheInstallationAlone()
 {
     const QStringList names = pages();
@@ -186,7 +247,7 @@ void TestDocs::leavesOutTheInstallationAlone()
     for (const QString &name : names) {
         const Document document(pathOf(name));
         for (const Document::Block &block : document.blocks()) {
-            if (block.kind.endsWith(u" not-run"_s))
+            if (block.kind == u"sh not-run"_s)
                 notRun += block.lines;
         }
     }

@@ -7,7 +7,8 @@
 #include <QJsonArray>
 #include <QTest>
 
-/// An installed description of the QML module has no effect on the process.
+/// An installed description of the QML module has no effect on the process, and neither has the
+/// kit.
 class TestQmlModule : public QObject
 {
     Q_OBJECT
@@ -20,20 +21,25 @@ private Q_SLOTS:
 void TestQmlModule::leavesTheImportAsItIs_data()
 {
     QTest::addColumn<bool>("installed");
+    QTest::addColumn<bool>("hasKit");
 
-    QTest::newRow("without it") << false;
-    QTest::newRow("installed") << true;
+    QTest::newRow("without it") << false << false;
+    QTest::newRow("installed") << true << false;
+    QTest::newRow("in a session with the kit") << false << true;
 }
 
 void TestQmlModule::leavesTheImportAsItIs()
 {
     QFETCH(bool, installed);
+    QFETCH(bool, hasKit);
 
     UiUnderTest ui;
     QVERIFY(ui.isValid());
     if (installed)
         ui.sandbox().place(QStringLiteral(PARLEY_QML_IMPORT_PATH "/com/nimbo/parley"),
                            QStringLiteral(PARLEY_QML_MODULE));
+    if (hasKit)
+        ui.setEnvironment(u"QML2_IMPORT_PATH"_s, QStringLiteral(PARLEY_KIT));
     // The probe imports the module. The line lists the types that it can create.
     QVERIFY(ui.startProbe({u"-prestart"_s}));
     const QJsonValue made = ui.evaluate(
@@ -44,8 +50,14 @@ void TestQmlModule::leavesTheImportAsItIs()
     QCOMPARE(made,
              QJsonValue(QJsonArray{u"QuickMessagesModel"_s, u"Reminder"_s, u"Reminders"_s,
                                    u"none"_s, u"none"_s}));
+    QCOMPARE(ui.evaluate(u"typeof __kit + ' ' + String(__window).split('(')[0]"_s),
+             QJsonValue(u"undefined QQuickView"_s));
     const QString noTimeDaemon = u"Unable to query reminder alarms"_s;
     QVERIFY(ui.lineBeginning(noTimeDaemon).startsWith(noTimeDaemon));
+    const QString unprotected =
+        u"Module 'com.nimbo.parley' does not contain a module identifier directive"_s;
+    if (hasKit)
+        QVERIFY(ui.lineBeginning(unprotected).startsWith(unprotected));
     ui.stop();
     QCOMPARE(ui.takeLog(), QStringList());
 }

@@ -4,6 +4,7 @@
 #include "panelundertest.h"
 
 #include "literals.h"
+#include "places.h"
 
 #include <QDir>
 #include <QFile>
@@ -77,6 +78,7 @@ bool PanelUnderTest::start(const QString &qmlFile)
     options.uiProgram = qEnvironmentVariable("PARLEY_UI");
     options.qmlFile = qmlFile;
     options.catalogueFolder = QStringLiteral(PARLEY_TRANSLATIONS);
+    options.phoneFolder = Places::find().phone;
     options.hasPanel = true;
     m_handset = std::make_unique<Handset>(options);
     connect(&m_handset->transcript(), &Transcript::said, this,
