@@ -52,6 +52,7 @@ Section {
         TextArea {
             id: area
 
+            Accessible.name: root.title
             KeyNavigation.priority: KeyNavigation.BeforeItem
             KeyNavigation.tab: line
             background: null
@@ -75,7 +76,8 @@ Section {
             id: line
 
             objectName: "command"
-            placeholderText: "A command; help lists them"
+            label: "Command"
+            placeholderText: "help lists them"
             onAccepted: {
                 panel.type(text);
                 clear();
