@@ -8,6 +8,11 @@ import QtQuick.Controls 2.15
 Button {
     id: root
 
+    /// What the command acts on, for those who only hear the name of the button.
+    property string subject
+
+    Accessible.name: subject === "" ? text : text + " " + subject
+
     font.pixelSize: Look.size
     horizontalPadding: 8
     implicitHeight: Look.row

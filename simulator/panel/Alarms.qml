@@ -52,11 +52,13 @@ Section {
             }
             Act {
                 objectName: "fire " + row.entry.cookie
+                subject: "alarm " + row.entry.cookie
                 text: "Fire"
                 onClicked: panel.run(["fire", row.entry.cookie])
             }
             Act {
                 objectName: "cancel " + row.entry.cookie
+                subject: "alarm " + row.entry.cookie
                 text: "Cancel"
                 onClicked: panel.run(["cancel", row.entry.cookie])
             }
@@ -69,7 +71,7 @@ Section {
             id: number
 
             objectName: "remindNumber"
-            placeholderText: "Number"
+            label: "Number"
             text: "5550123"
             onAccepted: remind.clicked()
         }
@@ -77,7 +79,7 @@ Section {
             id: seconds
 
             objectName: "remindSeconds"
-            placeholderText: "Seconds"
+            label: "Seconds"
             text: "600"
             onAccepted: remind.clicked()
         }
@@ -85,16 +87,17 @@ Section {
             id: name
 
             objectName: "remindName"
-            placeholderText: "Name"
+            label: "Name"
             text: "Ada"
             onAccepted: remind.clicked()
         }
-        Act {
-            id: remind
+    }
+    Act {
+        id: remind
 
-            objectName: "remind"
-            text: "Leave a reminder"
-            onClicked: panel.run(["remind", number.text, seconds.text, name.text])
-        }
+        Layout.alignment: Qt.AlignRight
+        objectName: "remind"
+        text: "Leave a reminder"
+        onClicked: panel.run(["remind", number.text, seconds.text, name.text])
     }
 }

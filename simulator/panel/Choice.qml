@@ -19,7 +19,10 @@ Row {
 
         Act {
             highlighted: modelData === root.current
+            Accessible.checkable: true
+            Accessible.checked: highlighted
             objectName: root.name + " " + modelData
+            subject: root.name
             text: modelData
             onClicked: root.chosen(modelData)
         }

@@ -5,9 +5,13 @@ import QtQuick 2.15
 import QtQuick.Controls 2.15
 import QtQuick.Layouts 1.15
 
-/// A text field of one line.
+/// A text field of one line, with its label in it.
 TextField {
     id: root
+
+    property string label
+
+    Accessible.name: label
 
     Layout.fillWidth: true
     bottomPadding: 2
@@ -15,7 +19,7 @@ TextField {
     font.pixelSize: Look.size
     implicitHeight: Look.row
     implicitWidth: 80
-    leftPadding: 6
+    leftPadding: 12 + caption.implicitWidth
     placeholderTextColor: Look.dimText
     rightPadding: 6
     selectByMouse: true
@@ -28,5 +32,16 @@ TextField {
         border.color: root.activeFocus ? Look.accent : Look.outline
         color: Look.well
         radius: 4
+
+        Text {
+            id: caption
+
+            anchors.left: parent.left
+            anchors.leftMargin: 6
+            anchors.verticalCenter: parent.verticalCenter
+            color: Look.dimText
+            font.pixelSize: Look.size
+            text: root.label
+        }
     }
 }

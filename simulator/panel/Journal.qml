@@ -16,6 +16,9 @@ Section {
 
         property bool follows: true
 
+        Accessible.name: root.title
+        Accessible.role: Accessible.List
+
         Layout.fillHeight: true
         Layout.fillWidth: true
         ScrollBar.vertical: ScrollBar {}
@@ -35,9 +38,13 @@ Section {
         onMovementEnded: follows = atYEnd
 
         delegate: Column {
+            Accessible.name: (message.text + " " + outcome.text).trim()
+            Accessible.role: Accessible.ListItem
             width: ListView.view.width - 10
 
             Words {
+                id: message
+
                 color: model.incoming ? Look.text : Look.accent
                 elide: Text.ElideNone
                 font.pixelSize: Look.size - 1
@@ -50,6 +57,8 @@ Section {
                 wrapMode: Text.Wrap
             }
             Words {
+                id: outcome
+
                 color: model.failed ? Look.bad : Look.dimText
                 elide: Text.ElideNone
                 font.pixelSize: Look.size - 1
@@ -65,6 +74,7 @@ Section {
     RowLayout {
         Act {
             objectName: "journalClear"
+            subject: "the journal"
             text: "Clear"
             onClicked: panel.run(["journal", "clear"])
         }

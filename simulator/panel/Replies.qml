@@ -20,6 +20,7 @@ Section {
         }
         Act {
             objectName: "repliesPrint"
+            subject: "the quick replies"
             text: "Print"
             onClicked: panel.run(["replies"])
         }
@@ -34,6 +35,8 @@ Section {
 
         TextArea {
             id: texts
+
+            Accessible.name: placeholderText
 
             Layout.fillWidth: true
             KeyNavigation.priority: KeyNavigation.BeforeItem

@@ -44,7 +44,7 @@ Section {
             id: number
 
             objectName: "number"
-            placeholderText: "Number"
+            label: "Number"
             text: "+49 30 1234567"
             onAccepted: dial.clicked()
         }
@@ -73,7 +73,7 @@ Section {
             id: modem
 
             objectName: "modem"
-            placeholderText: "Modem"
+            label: "Modem"
             text: "/ril_1"
             onAccepted: dialVia.clicked()
         }
@@ -92,7 +92,7 @@ Section {
             id: url
 
             objectName: "url"
-            placeholderText: "URL"
+            label: "URL"
             text: "https://example.org/voicemail"
             onAccepted: open.clicked()
         }

@@ -11,6 +11,9 @@ Rectangle {
     property string title
     default property alias content: column.data
 
+    Accessible.name: title
+    Accessible.role: Accessible.Grouping
+
     Layout.fillWidth: true
     color: Look.surface
     implicitHeight: column.implicitHeight + 2 * Look.gap + 4

@@ -22,6 +22,7 @@ Section {
         }
         Act {
             objectName: "restart"
+            subject: "the call UI"
             text: "Restart"
             onClicked: panel.run(["restart"])
         }
@@ -50,11 +51,13 @@ Section {
             Act {
                 enabled: row.status !== "stopped"
                 objectName: "hang " + row.name
+                subject: row.name
                 text: row.status === "hung" ? "Continue" : "Hang"
                 onClicked: panel.run([row.name, row.status === "hung" ? "continue" : "hang"])
             }
             Act {
                 objectName: "stop " + row.name
+                subject: row.name
                 text: row.status === "stopped" ? "Start" : "Stop"
                 onClicked: panel.run([row.name, row.status === "stopped" ? "start" : "stop"])
             }

@@ -24,6 +24,9 @@ Section {
 
             required property var entry
 
+            Accessible.description: entry.application + ": " + entry.body
+            Accessible.name: entry.summary
+
             Layout.fillWidth: true
             objectName: "click " + entry.id
             padding: Look.gap
@@ -61,12 +64,14 @@ Section {
 
                     Act {
                         objectName: "click " + card.entry.id + " " + modelData.name
+                        subject: "(" + card.entry.summary + ")"
                         text: modelData.label
                         onClicked: panel.run(["click", card.entry.id, modelData.name])
                     }
                 }
                 Act {
                     objectName: "dismiss " + card.entry.id
+                    subject: "(" + card.entry.summary + ")"
                     text: "Dismiss"
                     onClicked: panel.run(["dismiss", card.entry.id])
                 }

@@ -41,7 +41,7 @@ Section {
                 id: imsi
 
                 objectName: "imsi " + row.entry.modem
-                placeholderText: "IMSI"
+                label: "IMSI"
                 text: "26201000000000" + (index + 1)
                 visible: !row.has
                 onAccepted: insert.clicked()
@@ -50,18 +50,21 @@ Section {
                 id: insert
 
                 objectName: "insert " + row.entry.modem
+                subject: row.entry.modem
                 text: "Insert"
                 visible: !row.has
                 onClicked: panel.run(["sim", "insert", imsi.text, row.entry.modem])
             }
             Act {
                 objectName: (row.entry.locked ? "unlock " : "lock ") + row.entry.modem
+                subject: row.entry.modem
                 text: row.entry.locked ? "Unlock" : "Lock"
                 visible: row.has
                 onClicked: panel.run(["sim", row.entry.locked ? "unlock" : "lock", row.entry.modem])
             }
             Act {
                 objectName: "remove " + row.entry.modem
+                subject: row.entry.modem
                 text: "Remove"
                 visible: row.has
                 onClicked: panel.run(["sim", "remove", row.entry.modem])

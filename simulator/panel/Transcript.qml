@@ -52,6 +52,7 @@ Section {
         TextArea {
             id: area
 
+            Accessible.name: root.title
             KeyNavigation.priority: KeyNavigation.BeforeItem
             KeyNavigation.tab: line
             background: null
@@ -90,7 +91,8 @@ Section {
             }
 
             objectName: "command"
-            placeholderText: "A command; help lists them"
+            label: "Command"
+            placeholderText: "help lists them"
 
             Keys.onDownPressed: recall(1)
             Keys.onUpPressed: recall(-1)

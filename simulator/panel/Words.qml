@@ -5,6 +5,10 @@ import QtQuick 2.15
 
 /// A text for display.
 Text {
+    Accessible.ignored: text === ""
+    Accessible.name: text
+    Accessible.role: Accessible.StaticText
+
     color: Look.text
     elide: Text.ElideRight
     font.pixelSize: Look.size

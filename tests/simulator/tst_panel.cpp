@@ -1,20 +1,25 @@
 // SPDX-FileCopyrightText: 2026 The Parley developers
 // SPDX-License-Identifier: BSD-3-Clause
 
+#include "contrast.h"
 #include "handsetpart.h"
 #include "literals.h"
 #include "panelundertest.h"
 
+#include <QAccessible>
 #include <QClipboard>
 #include <QFile>
 #include <QFontInfo>
 #include <QGuiApplication>
 #include <QProcess>
+#include <QQuickItemGrabResult>
 #include <QQuickWindow>
 #include <QRegularExpression>
+#include <QSignalSpy>
 #include <QTest>
 
 #include <csignal>
+#include <functional>
 #include <initializer_list>
 #include <utility>
 
@@ -50,8 +55,28 @@ private Q_SLOTS:
     void recallsTypedCommands();
     void givesAScriptThatCanBeReplayed();
     void reachesEverythingWithTheKeyboard();
+    void tellsAScreenReader();
+    void hasEnoughContrast();
     void fitsASmallWindow();
+
+private:
+    QVector<QQuickItem *> stops();
 };
+
+/// Returns the items that Tab reaches, in their order.
+QVector<QQuickItem *> TestPanel::stops()
+{
+    QQuickWindow *window = panel()->window();
+    QVector<QQuickItem *> reached;
+    for (int i = 0; i < 200; ++i) {
+        QTest::keyClick(window, Qt::Key_Tab);
+        QQuickItem *one = window->activeFocusItem();
+        if (!one || reached.contains(one))
+            break;
+        reached.append(one);
+    }
+    return reached;
+}
 
 void TestPanel::asksTheCallUi()
 {
@@ -383,16 +408,10 @@ void TestPanel::reachesEverythingWithTheKeyboard()
     QTRY_VERIFY(isShown(u"click 1"_s));
 
     QStringList reached;
-    for (int i = 0; i < 200; ++i) {
-        QTest::keyClick(window, Qt::Key_Tab);
-        QVERIFY(window->activeFocusItem());
-        const QQuickItem *one = window->activeFocusItem();
+    for (const QQuickItem *one : stops()) {
         while (one->objectName().isEmpty() && one->parentItem())
             one = one->parentItem(); // The entry of a list.
-        const QString name = one->objectName();
-        if (reached.contains(name) && reached.constFirst() == name)
-            break;
-        reached.append(name);
+        reached.append(one->objectName());
     }
     for (const QString &name : {u"show"_s,           u"number"_s,
                                 u"dial"_s,           u"incoming"_s,
@@ -416,6 +435,79 @@ void TestPanel::reachesEverythingWithTheKeyboard()
     item(u"show"_s)->forceActiveFocus();
     QTest::keyClick(window, Qt::Key_Space);
     QVERIFY(runsToTheEnd(u"show"_s));
+}
+
+/// Everything that Tab reaches has a role and a name of its own.
+void TestPanel::tellsAScreenReader()
+{
+    QAccessible::setActive(true);
+    QVERIFY(startWith(screens));
+    QQuickWindow *window = panel()->window();
+    window->requestActivate();
+    QTRY_VERIFY(window->isActive());
+    panel()->run({u"remind"_s, u"555"_s, u"3600"_s, u"Ada"_s});
+    panel()->run({u"sim"_s, u"insert"_s, u"26201"_s, u"/ril_1"_s});
+    QTRY_VERIFY(isShown(u"click 1"_s));
+    QTRY_VERIFY(isShown(u"lock /ril_1"_s));
+
+    const QVector<QAccessible::Role> roles{QAccessible::Button, QAccessible::EditableText,
+                                           QAccessible::List, QAccessible::ListItem};
+    QStringList names;
+    for (QQuickItem *one : stops()) {
+        const QAccessibleInterface *told = QAccessible::queryAccessibleInterface(one);
+        QVERIFY2(told, qUtf8Printable(one->objectName()));
+        const QString name = told->text(QAccessible::Name);
+        QVERIFY2(!name.isEmpty() && roles.contains(told->role()),
+                 qUtf8Printable(u"%1: %2, %3"_s.arg(one->objectName(), name).arg(told->role())));
+        names.append(name + u" (%1)"_s.arg(told->role()));
+    }
+    QVERIFY(names.size() > 50);
+    for (const QString &name : {u"Stop telephony"_s, u"Fire alarm 1"_s, u"block dial default"_s,
+                                u"Lock /ril_1"_s, u"Dismiss (Call Ada)"_s, u"Call Ada"_s})
+        QVERIFY2(names.contains(name + u" (%1)"_s.arg(QAccessible::Button)),
+                 qUtf8Printable(names.join(u'\n')));
+    QAccessible::setActive(false);
+}
+
+void TestPanel::hasEnoughContrast()
+{
+    QVERIFY(startWith("import QtQuick 2.15\n\nItem { bogus: 1 }\n")); // There is an error to show.
+    panel()->run({u"remind"_s, u"555"_s, u"3600"_s, u"Ada"_s});
+    panel()->run({u"telephony"_s, u"hang"_s});
+    QTRY_VERIFY(isShown(u"click 1"_s));
+    QTRY_VERIFY(isShown(u"qmlErrors"_s));
+    QTRY_COMPARE(textOf(u"state telephony"_s), u"hung"_s);
+    const QSize size(1000, 1400); // Everything is in sight.
+    QQuickItem *content = panel()->window()->contentItem();
+    panel()->window()->resize(size);
+    QTRY_COMPARE(content->size().toSize(), size);
+    const QSharedPointer<QQuickItemGrabResult> grabbed = content->grabToImage();
+    QSignalSpy ready(grabbed.data(), &QQuickItemGrabResult::ready);
+    QVERIFY(ready.wait(patience));
+    const QImage picture = grabbed->image();
+    int read = 0;
+    QStringList poor;
+    const std::function<void(const QQuickItem *)> readAll = [&](const QQuickItem *item) {
+        if (!item->isVisible() || !item->isEnabled())
+            return;
+        const QRect place =
+            item->mapRectToScene({0, 0, item->width(), item->height()}).toAlignedRect();
+        const QString text = item->property("text").toString();
+        const QVariant color = item->property("color");
+        if (!text.isEmpty() && color.isValid() && picture.rect().contains(place)) {
+            const QColor background = backgroundOf(picture, place);
+            const double ratio = contrast(color.value<QColor>(), background);
+            if (ratio < leastContrast)
+                poor.append(u"%1 on %2: %3"_s.arg(text, background.name()).arg(ratio));
+            ++read;
+        }
+        const QList<QQuickItem *> children = item->childItems();
+        for (const QQuickItem *child : children)
+            readAll(child);
+    };
+    readAll(content);
+    QCOMPARE(poor, QStringList());
+    QVERIFY2(read > 50, qUtf8Printable(QString::number(read)));
 }
 
 /// The item with the keyboard focus is visible even if the window is small.
