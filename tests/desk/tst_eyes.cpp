@@ -121,8 +121,10 @@ bool TestEyes::start(const QSize &size, const QMap<QString, QString> &environmen
         qWarning("%s", qUtf8Printable(error));
         return false;
     }
-    if (!m_ui)
+    if (!m_ui) {
         m_ui = std::make_unique<UiUnderTest>();
+        m_ui->hideCatalogues();
+    }
     for (const auto &variables : {m_display->environment(), environment}) {
         for (auto it = variables.cbegin(); it != variables.cend(); ++it)
             m_ui->setEnvironment(it.key(), it.value());

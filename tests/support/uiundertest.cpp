@@ -9,6 +9,7 @@
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusReply>
+#include <QDir>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -62,6 +63,13 @@ QString UiUnderTest::writeFile(const QString &name, const QByteArray &content) c
     if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
         qFatal("%s: %s", qUtf8Printable(file.fileName()), qUtf8Printable(file.errorString()));
     return file.fileName();
+}
+
+void UiUnderTest::hideCatalogues()
+{
+    const QString none = folder() + QLatin1String("/no-catalogues");
+    QDir().mkdir(none);
+    m_sandbox.place(QStringLiteral("/usr/share/translations"), none);
 }
 
 void UiUnderTest::setEnvironment(const QString &name, const QString &value)

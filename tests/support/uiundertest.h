@@ -44,6 +44,8 @@ public:
     QDBusConnection session() const { return m_session; }
     /// The files that the process finds at fixed paths.
     Sandbox &sandbox() { return m_sandbox; }
+    /// Hides the catalogues of the machine, which an installed package brings, from the process.
+    void hideCatalogues();
     /// Sets an environment variable. Call this before the process is started.
     void setEnvironment(const QString &name, const QString &value);
     void setSessionBusAddress(const QString &address) { m_sessionBusAddress = address; }
