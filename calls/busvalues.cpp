@@ -34,6 +34,7 @@ QVector<BusObject> busObjects(const QDBusMessage &message)
         list.endStructure();
         objects.append({path.path(), properties});
     }
+    list.endArray();
     return objects;
 }
 

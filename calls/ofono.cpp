@@ -31,6 +31,10 @@ const QLatin1String modemRemoved("ModemRemoved");
 const QLatin1String onlineProperty("Online");
 const QLatin1String interfacesProperty("Interfaces");
 
+/// All objects share this connection. It is never closed: QtDBus would free calls that are
+/// unanswered then while they are still in use.
+const QLatin1String connectionName("com.nimbo.calls");
+
 /// With the questions, this stays below the 128 unanswered calls that a stock system bus allows.
 constexpr int mostCommands = 64;
 
@@ -41,8 +45,6 @@ constexpr int forever = std::numeric_limits<int>::max();
 
 Ofono::Ofono(QObject *parent)
     : QObject(parent)
-    , m_connectionName(
-          QStringLiteral("com.nimbo.calls.%1").arg(reinterpret_cast<quintptr>(this), 0, 16))
     , m_bus(QString())
 {
     m_silence.setSingleShot(true);
@@ -53,10 +55,7 @@ Ofono::Ofono(QObject *parent)
     follow(modemInterface, QStringLiteral("PropertyChanged"), QStringLiteral("sv"));
 }
 
-Ofono::~Ofono()
-{
-    QDBusConnection::disconnectFromBus(m_connectionName);
-}
+Ofono::~Ofono() = default;
 
 void Ofono::follow(const QString &interface, const QString &member, const QString &signature)
 {
@@ -65,7 +64,7 @@ void Ofono::follow(const QString &interface, const QString &member, const QStrin
 
 void Ofono::start()
 {
-    m_bus = QDBusConnection::connectToBus(QDBusConnection::SystemBus, m_connectionName);
+    m_bus = QDBusConnection::connectToBus(QDBusConnection::SystemBus, connectionName);
     if (!m_bus.isConnected()) {
         loseBus();
         return;

@@ -24,8 +24,8 @@ class CallQueue;
 class QDBusMessage;
 class QDBusServiceWatcher;
 
-/// A client of oFono ("org.ofono" on the system bus), with a connection of its own. It knows the
-/// modems and whether oFono is there, and hands on what oFono says.
+/// A client of oFono ("org.ofono" on the system bus), with a connection for this module alone. It
+/// knows the modems and whether oFono is there, and hands on what oFono says.
 ///
 /// No function waits for an answer. Only the owner of the name is believed: its signals are the
 /// only ones that the bus is asked for, and an answer from another process counts as none. All
@@ -64,7 +64,8 @@ public:
     /// arguments have the \a signature. Call this before start().
     void follow(const QString &interface, const QString &member, const QString &signature);
 
-    /// Connects to the bus. Blocks for the bus daemon's greeting alone.
+    /// Connects to the bus. The first time this blocks for the bus daemon's greeting, and for
+    /// nothing else.
     void start();
 
     Telephony::Status status() const { return m_status; }
@@ -149,7 +150,6 @@ private:
     Telephony::Status currentStatus() const;
     void updateStatus();
 
-    const QString m_connectionName;
     QDBusConnection m_bus;
     std::unique_ptr<QDBusServiceWatcher> m_serviceWatcher;
     QVector<Followed> m_followed;
