@@ -66,10 +66,11 @@ void CallModel::change(const QString &path, const BusProperty &property)
     const QVector<int> roles = m_calls[row].set(property);
     if (roles.isEmpty())
         return;
+    const int id = m_calls.at(row).id();
     const QPointer<CallModel> self(this);
     Q_EMIT dataChanged(index(row), index(row), roles);
     if (self)
-        updateProperties();
+        updateProperties(id);
 }
 
 void CallModel::setReason(const QString &path, const QString &reason)
@@ -142,11 +143,11 @@ int CallModel::firstOngoing() const
     return firstId(m_calls, [](const Call &call) { return call.state() == QLatin1String("held"); });
 }
 
-bool CallModel::updateProperties()
+bool CallModel::updateProperties(int changed)
 {
     const bool countChanges = m_count != m_calls.size();
-    const bool ringingChanges = m_ringing != firstRinging();
-    const bool ongoingChanges = m_ongoing != firstOngoing();
+    const bool ringingChanges = m_ringing != firstRinging() || m_ringing == changed;
+    const bool ongoingChanges = m_ongoing != firstOngoing() || m_ongoing == changed;
     m_count = m_calls.size();
     m_ringing = firstRinging();
     m_ongoing = firstOngoing();

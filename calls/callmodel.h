@@ -17,7 +17,8 @@ class CallModel : public QAbstractListModel
     /// The number of calls.
     Q_PROPERTY(int count READ count NOTIFY countChanged)
     /// The id of the first call that may be answered, which is incoming or waiting; 0 if there is
-    /// none.
+    /// none. The signals of this property and the next are also emitted when a role of the call
+    /// changes, so that a binding with call() follows it.
     Q_PROPERTY(int ringing READ ringing NOTIFY ringingChanged)
     /// The id of the call that the user speaks in: the first active one, or one that is being
     /// dialled, or one that is held; 0 if there is none.
@@ -62,9 +63,9 @@ private:
     void removeRow(int row);
     int firstRinging() const;
     int firstOngoing() const;
-    /// Emits the signals of the properties that have changed. Returns whether the model still
-    /// exists.
-    bool updateProperties();
+    /// Emits the signals of the properties that have changed, or whose call has the id \a changed.
+    /// Returns whether the model still exists.
+    bool updateProperties(int changed = -1);
 
     QVector<Call> m_calls;
     int m_lastId = 0;

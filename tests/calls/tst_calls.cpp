@@ -49,6 +49,7 @@ private Q_SLOTS:
     void knowsWithheldNumbers();
     void followsEveryProperty();
     void tellsWhichCallRingsAndWhichIsOngoing();
+    void letsBindingsFollowACall();
     void showsFiftyCalls();
     void showsTheCallsOfAllModems();
     void endsTheCallsOfAModemThatGoes();
@@ -321,6 +322,20 @@ void TestCalls::tellsWhichCallRingsAndWhichIsOngoing()
     m_ofono->addCall(u"/ril_0/voicecall03"_s, FakeOfono::call(u"waiting"_s));
     QTRY_COMPARE(m_calls->count(), 3);
     QCOMPARE(m_calls->ringing(), role(2, "callId").toInt());
+}
+
+void TestCalls::letsBindingsFollowACall()
+{
+    startWith(
+        {object(one, FakeOfono::call(u"active"_s)), object(two, FakeOfono::call(u"waiting"_s))});
+    const QSignalSpy ringing(m_calls.get(), &CallModel::ringingChanged);
+    const QSignalSpy ongoing(m_calls.get(), &CallModel::ongoingChanged);
+    m_ofono->changeCall(two, u"Name"_s, u"Grace"_s);
+    QTRY_COMPARE(ringing.count(), 1);
+    QCOMPARE(ongoing.count(), 0);
+    m_ofono->changeCall(one, u"Name"_s, u"Grace"_s);
+    QTRY_COMPARE(ongoing.count(), 1);
+    QCOMPARE(ringing.count(), 1);
 }
 
 void TestCalls::showsFiftyCalls()
