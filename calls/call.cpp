@@ -5,6 +5,8 @@
 
 #include <QStringList>
 
+#include <utility>
+
 namespace {
 
 const QLatin1String dialing("dialing");
@@ -32,10 +34,10 @@ QVector<int> assign(Value &member, const Value &value, Call::Role role)
 
 } // namespace
 
-Call::Call(int id, const QString &modem, const BusObject &object)
+Call::Call(int id, QString modem, const BusObject &object)
     : m_id(id)
     , m_path(object.path)
-    , m_modem(modem)
+    , m_modem(std::move(modem))
 {
     for (auto it = object.properties.cbegin(); it != object.properties.cend(); ++it)
         set({it.key(), it.value()});

@@ -29,7 +29,7 @@ public:
     };
 
     /// Reads \a properties of any types. What has another type than oFono gives it is left out.
-    Call(int id, const QString &modem, const BusObject &object);
+    Call(int id, QString modem, const BusObject &object);
 
     int id() const { return m_id; }
     QString path() const { return m_path; }

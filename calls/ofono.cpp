@@ -108,9 +108,9 @@ QString Ofono::anyModem(const QString &wanted, const QString &interface) const
 {
     if (has(wanted, interface))
         return wanted;
-    const QString online = modemFor({}, interface);
+    const QStringList online = onlineModems(interface);
     if (!online.isEmpty())
-        return online;
+        return online.constFirst();
     const auto any = std::find_if(m_modems.cbegin(), m_modems.cend(), [&](const auto &entry) {
         return entry.second.interfaces.contains(interface);
     });
@@ -281,8 +281,10 @@ void Ofono::switchSignals(SignalSwitch change)
 void Ofono::forgetModems()
 {
     const QPointer<Ofono> self(this);
-    while (self && !m_modems.empty())
-        removeModem(std::prev(m_modems.cend())->first);
+    while (self && !m_modems.empty()) {
+        const auto removed = m_modems.extract(std::prev(m_modems.cend()));
+        Q_EMIT modemChanged(removed.key());
+    }
 }
 
 void Ofono::askForModems()
@@ -360,9 +362,8 @@ void Ofono::setModem(const QString &path, const Modem &modem)
 
 void Ofono::removeModem(const QString &path)
 {
-    const QString removed = path;
     if (m_modems.erase(path) > 0)
-        Q_EMIT modemChanged(removed);
+        Q_EMIT modemChanged(path);
 }
 
 void Ofono::watchForSilence()
