@@ -16,10 +16,17 @@
 
 namespace {
 
+constexpr auto serviceName = ":1.1";
+constexpr auto clientName = ":1.2";
+constexpr auto busName = "org.freedesktop.DBus";
+
 constexpr char methodReturn = 2;
+constexpr char signalMessage = 4;
 constexpr char noReplyExpected = 1;
 
 // The codes of header fields.
+constexpr char pathField = 1;
+constexpr char interfaceField = 2;
 constexpr char memberField = 3;
 constexpr char replySerialField = 5;
 constexpr char senderField = 7;
@@ -28,6 +35,31 @@ constexpr char signatureField = 8;
 quint32 numberAt(const QByteArray &bytes, int offset)
 {
     return qFromLittleEndian<quint32>(bytes.constData() + offset);
+}
+
+WireFormat beginMessage(char type, int bodySize)
+{
+    WireFormat message;
+    message.addByte('l');
+    message.addByte(type);
+    message.addByte(noReplyExpected);
+    message.addByte(1); // The version of the protocol.
+    message.add(static_cast<quint32>(bodySize));
+    message.add(quint32(1)); // The serial of this message.
+    return message;
+}
+
+/// Adds the last two fields of a header.
+void addSender(WireFormat &message, const QByteArray &signature, const char *sender = serviceName)
+{
+    message.align(8);
+    message.addByte(senderField);
+    message.addSignature("s");
+    message.addString(sender);
+    message.align(8);
+    message.addByte(signatureField);
+    message.addSignature("g");
+    message.addSignature(signature);
 }
 
 int padded(int size)
@@ -84,11 +116,41 @@ QByteArray FakeBus::address() const
     return "unix:path=" + QFile::encodeName(m_folder.filePath(QStringLiteral("bus")));
 }
 
-void FakeBus::setAnswer(const QByteArray &signature, const QByteArray &body)
+void FakeBus::setAnswer(const QByteArray &signature, const QByteArray &body,
+                        const QByteArray &method)
 {
     const QMutexLocker locker(&m_mutex);
-    m_signature = signature;
-    m_body = body;
+    m_answers[method] = {signature, body};
+}
+
+void FakeBus::emitSignal(const QByteArray &path, const QByteArray &interface,
+                         const QByteArray &member, const QByteArray &signature,
+                         const QByteArray &body)
+{
+    const auto addText = [](WireFormat &message, char field, char type, const QByteArray &text) {
+        message.align(8);
+        message.addByte(field);
+        message.addSignature(QByteArray(1, type));
+        message.addString(text);
+    };
+    WireFormat message = beginMessage(signalMessage, body.size());
+    message.addArray(8, [&] {
+        addText(message, pathField, 'o', path);
+        addText(message, interfaceField, 's', interface);
+        addText(message, memberField, 's', member);
+        addSender(message, signature);
+    });
+    message.align(8);
+    message.append(body);
+    writeMessage(message.bytes());
+}
+
+/// The client's calls are answered in another thread than that of emitSignal().
+bool FakeBus::writeMessage(const QByteArray &message)
+{
+    const QMutexLocker locker(&m_mutex);
+    return write(m_client, message.constData(), static_cast<size_t>(message.size()))
+        == message.size();
 }
 
 void FakeBus::run()
@@ -145,46 +207,33 @@ bool FakeBus::serve()
         return false;
     if ((header.at(2) & noReplyExpected) != 0)
         return true;
-    const QByteArray message = reply(serial, memberOf(header + fields));
-    return write(m_client, message.constData(), static_cast<size_t>(message.size()))
-        == message.size();
+    return writeMessage(reply(serial, memberOf(header + fields)));
 }
 
 QByteArray FakeBus::reply(quint32 serial, const QByteArray &member)
 {
     QByteArray signature;
     WireFormat body;
-    if (member == "GetAll") {
-        const QMutexLocker locker(&m_mutex);
-        signature = m_signature;
-        body.append(m_body);
+    const QMutexLocker locker(&m_mutex);
+    if (m_answers.contains(member)) {
+        signature = m_answers[member].signature;
+        body.append(m_answers[member].body);
     } else if (member == "Hello" || member == "GetNameOwner" || member == "Introspect") {
         signature = "s";
-        body.addString(member == "Introspect" ? "<node/>" : ":1.1");
+        body.addString(member == "Hello"            ? clientName
+                           : member == "Introspect" ? "<node/>"
+                                                    : serviceName);
     } else if (member == "NameHasOwner" || member == "StartServiceByName") {
         signature = member == "NameHasOwner" ? "b" : "u";
         body.add(quint32(1));
     }
 
-    WireFormat message;
-    message.addByte('l');
-    message.addByte(methodReturn);
-    message.addByte(noReplyExpected);
-    message.addByte(1); // The version of the protocol.
-    message.add(static_cast<quint32>(body.size()));
-    message.add(quint32(1)); // The serial of this message.
+    WireFormat message = beginMessage(methodReturn, body.size());
     message.addArray(8, [&] {
         message.addByte(replySerialField);
         message.addSignature("u");
         message.add(serial);
-        message.align(8);
-        message.addByte(senderField);
-        message.addSignature("s");
-        message.addString(":1.1");
-        message.align(8);
-        message.addByte(signatureField);
-        message.addSignature("g");
-        message.addSignature(signature);
+        addSender(message, signature, member == "GetNameOwner" ? busName : serviceName);
     });
     message.align(8);
     message.append(body.bytes());

@@ -43,5 +43,49 @@
         <extracomment>%1 is a time, or a date and a time if that was on another day.</extracomment>
         <translation type="unfinished">مستحق منذ %1</translation>
     </message>
+    <message id="parley-la-error_invalid_number">
+        <source>This number cannot be used.</source>
+        <translation type="unfinished">لا يمكن استخدام هذا الرقم.</translation>
+    </message>
+    <message id="parley-la-error_busy">
+        <source>The phone is busy. Try again in a moment.</source>
+        <translation type="unfinished">الهاتف مشغول. حاول مرة أخرى بعد لحظات.</translation>
+    </message>
+    <message id="parley-la-error_not_supported">
+        <source>This phone or its network does not support this.</source>
+        <translation type="unfinished">هذا الهاتف أو شبكته لا يدعم ذلك.</translation>
+    </message>
+    <message id="parley-la-error_no_network">
+        <source>There is no connection to the mobile network.</source>
+        <translation type="unfinished">لا يوجد اتصال بشبكة الهاتف المحمول.</translation>
+    </message>
+    <message id="parley-la-error_not_allowed">
+        <source>This is not allowed.</source>
+        <translation type="unfinished">هذا غير مسموح به.</translation>
+    </message>
+    <message id="parley-la-error_incorrect_password">
+        <source>The password is wrong.</source>
+        <translation type="unfinished">كلمة المرور غير صحيحة.</translation>
+    </message>
+    <message id="parley-la-error_no_answer">
+        <source>There is no answer. Try again later.</source>
+        <translation type="unfinished">لا توجد استجابة. حاول مرة أخرى لاحقًا.</translation>
+    </message>
+    <message id="parley-la-error_cancelled">
+        <source>This was cancelled.</source>
+        <translation type="unfinished">تم الإلغاء.</translation>
+    </message>
+    <message id="parley-la-error_no_service">
+        <source>The phone service is not running.</source>
+        <translation type="unfinished">خدمة الهاتف لا تعمل.</translation>
+    </message>
+    <message id="parley-la-error_no_call">
+        <source>This call has ended.</source>
+        <translation type="unfinished">انتهت هذه المكالمة.</translation>
+    </message>
+    <message id="parley-la-error_failed">
+        <source>This has failed.</source>
+        <translation type="unfinished">فشلت العملية.</translation>
+    </message>
 </context>
 </TS>

@@ -43,5 +43,49 @@
         <extracomment>%1 is a time, or a date and a time if that was on another day.</extracomment>
         <translation type="unfinished">Fällig seit %1</translation>
     </message>
+    <message id="parley-la-error_invalid_number">
+        <source>This number cannot be used.</source>
+        <translation type="unfinished">Diese Nummer kann nicht verwendet werden.</translation>
+    </message>
+    <message id="parley-la-error_busy">
+        <source>The phone is busy. Try again in a moment.</source>
+        <translation type="unfinished">Das Telefon ist beschäftigt. Bitte gleich noch einmal versuchen.</translation>
+    </message>
+    <message id="parley-la-error_not_supported">
+        <source>This phone or its network does not support this.</source>
+        <translation type="unfinished">Dieses Telefon oder sein Netz unterstützt das nicht.</translation>
+    </message>
+    <message id="parley-la-error_no_network">
+        <source>There is no connection to the mobile network.</source>
+        <translation type="unfinished">Es besteht keine Verbindung zum Mobilfunknetz.</translation>
+    </message>
+    <message id="parley-la-error_not_allowed">
+        <source>This is not allowed.</source>
+        <translation type="unfinished">Das ist nicht erlaubt.</translation>
+    </message>
+    <message id="parley-la-error_incorrect_password">
+        <source>The password is wrong.</source>
+        <translation type="unfinished">Das Passwort ist falsch.</translation>
+    </message>
+    <message id="parley-la-error_no_answer">
+        <source>There is no answer. Try again later.</source>
+        <translation type="unfinished">Es kommt keine Antwort. Bitte später noch einmal versuchen.</translation>
+    </message>
+    <message id="parley-la-error_cancelled">
+        <source>This was cancelled.</source>
+        <translation type="unfinished">Das wurde abgebrochen.</translation>
+    </message>
+    <message id="parley-la-error_no_service">
+        <source>The phone service is not running.</source>
+        <translation type="unfinished">Der Telefondienst läuft nicht.</translation>
+    </message>
+    <message id="parley-la-error_no_call">
+        <source>This call has ended.</source>
+        <translation type="unfinished">Dieser Anruf ist beendet.</translation>
+    </message>
+    <message id="parley-la-error_failed">
+        <source>This has failed.</source>
+        <translation type="unfinished">Das ist fehlgeschlagen.</translation>
+    </message>
 </context>
 </TS>

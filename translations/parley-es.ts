@@ -43,5 +43,49 @@
         <extracomment>%1 is a time, or a date and a time if that was on another day.</extracomment>
         <translation type="unfinished">Pendiente desde %1</translation>
     </message>
+    <message id="parley-la-error_invalid_number">
+        <source>This number cannot be used.</source>
+        <translation type="unfinished">Este número no se puede usar.</translation>
+    </message>
+    <message id="parley-la-error_busy">
+        <source>The phone is busy. Try again in a moment.</source>
+        <translation type="unfinished">El teléfono está ocupado. Inténtalo de nuevo en un momento.</translation>
+    </message>
+    <message id="parley-la-error_not_supported">
+        <source>This phone or its network does not support this.</source>
+        <translation type="unfinished">Este teléfono o su red no lo admite.</translation>
+    </message>
+    <message id="parley-la-error_no_network">
+        <source>There is no connection to the mobile network.</source>
+        <translation type="unfinished">No hay conexión con la red móvil.</translation>
+    </message>
+    <message id="parley-la-error_not_allowed">
+        <source>This is not allowed.</source>
+        <translation type="unfinished">Esto no está permitido.</translation>
+    </message>
+    <message id="parley-la-error_incorrect_password">
+        <source>The password is wrong.</source>
+        <translation type="unfinished">La contraseña es incorrecta.</translation>
+    </message>
+    <message id="parley-la-error_no_answer">
+        <source>There is no answer. Try again later.</source>
+        <translation type="unfinished">No hay respuesta. Inténtalo de nuevo más tarde.</translation>
+    </message>
+    <message id="parley-la-error_cancelled">
+        <source>This was cancelled.</source>
+        <translation type="unfinished">Se ha cancelado.</translation>
+    </message>
+    <message id="parley-la-error_no_service">
+        <source>The phone service is not running.</source>
+        <translation type="unfinished">El servicio de telefonía no está en funcionamiento.</translation>
+    </message>
+    <message id="parley-la-error_no_call">
+        <source>This call has ended.</source>
+        <translation type="unfinished">Esta llamada ha terminado.</translation>
+    </message>
+    <message id="parley-la-error_failed">
+        <source>This has failed.</source>
+        <translation type="unfinished">Se ha producido un error.</translation>
+    </message>
 </context>
 </TS>

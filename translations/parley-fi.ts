@@ -43,5 +43,49 @@
         <extracomment>%1 is a time, or a date and a time if that was on another day.</extracomment>
         <translation type="unfinished">Määräaika oli %1</translation>
     </message>
+    <message id="parley-la-error_invalid_number">
+        <source>This number cannot be used.</source>
+        <translation type="unfinished">Tätä numeroa ei voi käyttää.</translation>
+    </message>
+    <message id="parley-la-error_busy">
+        <source>The phone is busy. Try again in a moment.</source>
+        <translation type="unfinished">Puhelin on varattu. Yritä hetken kuluttua uudelleen.</translation>
+    </message>
+    <message id="parley-la-error_not_supported">
+        <source>This phone or its network does not support this.</source>
+        <translation type="unfinished">Tämä puhelin tai sen verkko ei tue tätä.</translation>
+    </message>
+    <message id="parley-la-error_no_network">
+        <source>There is no connection to the mobile network.</source>
+        <translation type="unfinished">Matkapuhelinverkkoon ei ole yhteyttä.</translation>
+    </message>
+    <message id="parley-la-error_not_allowed">
+        <source>This is not allowed.</source>
+        <translation type="unfinished">Tämä ei ole sallittua.</translation>
+    </message>
+    <message id="parley-la-error_incorrect_password">
+        <source>The password is wrong.</source>
+        <translation type="unfinished">Salasana on väärä.</translation>
+    </message>
+    <message id="parley-la-error_no_answer">
+        <source>There is no answer. Try again later.</source>
+        <translation type="unfinished">Vastausta ei saatu. Yritä myöhemmin uudelleen.</translation>
+    </message>
+    <message id="parley-la-error_cancelled">
+        <source>This was cancelled.</source>
+        <translation type="unfinished">Tämä peruutettiin.</translation>
+    </message>
+    <message id="parley-la-error_no_service">
+        <source>The phone service is not running.</source>
+        <translation type="unfinished">Puhelinpalvelu ei ole käynnissä.</translation>
+    </message>
+    <message id="parley-la-error_no_call">
+        <source>This call has ended.</source>
+        <translation type="unfinished">Tämä puhelu on päättynyt.</translation>
+    </message>
+    <message id="parley-la-error_failed">
+        <source>This has failed.</source>
+        <translation type="unfinished">Tämä epäonnistui.</translation>
+    </message>
 </context>
 </TS>

@@ -43,5 +43,49 @@
         <extracomment>%1 is a time, or a date and a time if that was on another day.</extracomment>
         <translation type="unfinished">En attente depuis %1</translation>
     </message>
+    <message id="parley-la-error_invalid_number">
+        <source>This number cannot be used.</source>
+        <translation type="unfinished">Ce numéro ne peut pas être utilisé.</translation>
+    </message>
+    <message id="parley-la-error_busy">
+        <source>The phone is busy. Try again in a moment.</source>
+        <translation type="unfinished">Le téléphone est occupé. Réessayez dans un instant.</translation>
+    </message>
+    <message id="parley-la-error_not_supported">
+        <source>This phone or its network does not support this.</source>
+        <translation type="unfinished">Ce téléphone ou son réseau ne le permet pas.</translation>
+    </message>
+    <message id="parley-la-error_no_network">
+        <source>There is no connection to the mobile network.</source>
+        <translation type="unfinished">Il n’y a pas de connexion au réseau mobile.</translation>
+    </message>
+    <message id="parley-la-error_not_allowed">
+        <source>This is not allowed.</source>
+        <translation type="unfinished">Cela n’est pas autorisé.</translation>
+    </message>
+    <message id="parley-la-error_incorrect_password">
+        <source>The password is wrong.</source>
+        <translation type="unfinished">Le mot de passe est incorrect.</translation>
+    </message>
+    <message id="parley-la-error_no_answer">
+        <source>There is no answer. Try again later.</source>
+        <translation type="unfinished">Il n’y a pas de réponse. Réessayez plus tard.</translation>
+    </message>
+    <message id="parley-la-error_cancelled">
+        <source>This was cancelled.</source>
+        <translation type="unfinished">L’opération a été annulée.</translation>
+    </message>
+    <message id="parley-la-error_no_service">
+        <source>The phone service is not running.</source>
+        <translation type="unfinished">Le service téléphonique ne fonctionne pas.</translation>
+    </message>
+    <message id="parley-la-error_no_call">
+        <source>This call has ended.</source>
+        <translation type="unfinished">Cet appel est terminé.</translation>
+    </message>
+    <message id="parley-la-error_failed">
+        <source>This has failed.</source>
+        <translation type="unfinished">L’opération a échoué.</translation>
+    </message>
 </context>
 </TS>

@@ -71,6 +71,7 @@ ExampleRunner::ExampleRunner()
 {
     m_ui.sandbox().place(u"/usr/share/translations"_s, QStringLiteral(PARLEY_TRANSLATIONS));
     m_ui.setHasTelephony();
+    m_ui.setEnvironment(u"QML2_IMPORT_PATH"_s, qEnvironmentVariable("PARLEY_QML_MODULES"));
 }
 
 ExampleRunner::~ExampleRunner()

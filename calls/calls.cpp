@@ -1,0 +1,324 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+#include "calls.h"
+
+#include "phonenumber.h"
+
+#include <QDBusMessage>
+#include <QDBusObjectPath>
+#include <QPointer>
+
+namespace {
+
+const QLatin1String managerInterface("org.ofono.VoiceCallManager");
+const QLatin1String callInterface("org.ofono.VoiceCall");
+const QLatin1String emergencyNumbersProperty("EmergencyNumbers");
+const QLatin1String propertyChanged("PropertyChanged");
+const QLatin1String callAdded("CallAdded");
+const QLatin1String disconnectReason("DisconnectReason");
+
+} // namespace
+
+Calls::Calls(QObject *parent)
+    : CallModel(parent)
+    , m_ofono(nullptr)
+    , m_dialogue(
+          m_ofono,
+          [this](const QString &action, const QString &text, Telephony::Error error) {
+              fail(action, 0, text, error);
+          },
+          nullptr)
+{
+    m_ofono.follow(managerInterface, callAdded, QStringLiteral("oa{sv}"));
+    m_ofono.follow(managerInterface, QStringLiteral("CallRemoved"), QStringLiteral("o"));
+    m_ofono.follow(managerInterface, propertyChanged, QStringLiteral("sv"));
+    m_ofono.follow(callInterface, propertyChanged, QStringLiteral("sv"));
+    m_ofono.follow(callInterface, disconnectReason, QStringLiteral("s"));
+    connect(&m_ofono, &Ofono::statusChanged, this, &Calls::statusChanged);
+    connect(&m_ofono, &Ofono::modemChanged, this, &Calls::followModem);
+    connect(&m_ofono, &Ofono::received, this, &Calls::receive);
+}
+
+void Calls::followModem(const QString &modem)
+{
+    const bool isLine = m_ofono.has(modem, managerInterface);
+    const bool wasLine = m_lines.count(modem) > 0;
+    if (isLine && !wasLine) {
+        QObject *const context = m_lines[modem].context.get();
+        m_ofono.ask({modem, managerInterface, QStringLiteral("GetProperties"), {}},
+                    QStringLiteral("a{sv}"), context, [this, modem](const QDBusMessage &answer) {
+                        setEmergencyNumbers(modem,
+                                            busProperties(answer).value(emergencyNumbersProperty));
+                    });
+        m_ofono.ask({modem, managerInterface, QStringLiteral("GetCalls"), {}},
+                    QStringLiteral("a(oa{sv})"), context,
+                    [this, modem](const QDBusMessage &answer) { readCalls(modem, answer); });
+    } else if (!isLine) {
+        m_lines.erase(modem);
+        m_tones.erase(modem);
+    }
+    const QPointer<Calls> self(this);
+    m_dialogue.followModem(modem);
+    if (self && updateLists() && !isLine)
+        removeAll(modem);
+}
+
+/// Calls that come before the answer are in the answer.
+void Calls::readCalls(const QString &modem, const QDBusMessage &answer)
+{
+    m_lines.at(modem).callsKnown = true;
+    const QVector<BusObject> calls = busObjects(answer);
+    const QPointer<Calls> self(this);
+    for (const BusObject &call : calls) {
+        if (self)
+            add(modem, call);
+    }
+}
+
+void Calls::setEmergencyNumbers(const QString &modem, const QVariant &numbers)
+{
+    QStringList safe = textsIn(numbers);
+    for (QString &number : safe)
+        number = PhoneNumber::withoutSeparators(number);
+    m_lines.at(modem).emergencyNumbers = safe;
+    updateLists();
+}
+
+void Calls::receive(const QDBusMessage &message)
+{
+    if (message.interface() == managerInterface)
+        receiveFromManager(message);
+    else if (message.interface() == callInterface)
+        receiveFromCall(message);
+    else
+        m_dialogue.receive(message);
+}
+
+void Calls::receiveFromManager(const QDBusMessage &message)
+{
+    const QString modem = message.path();
+    const auto line = m_lines.find(modem);
+    if (line == m_lines.end())
+        return;
+    if (message.member() == propertyChanged) {
+        const BusProperty property = busProperty(message);
+        if (property.name == emergencyNumbersProperty)
+            setEmergencyNumbers(modem, property.value);
+    } else if (line->second.callsKnown && message.member() == callAdded) {
+        add(modem, busObject(message));
+    } else if (line->second.callsKnown) {
+        remove(modem, busPath(message));
+    }
+}
+
+void Calls::receiveFromCall(const QDBusMessage &message)
+{
+    if (message.member() == disconnectReason)
+        setReason(message.path(), message.arguments().constFirst().toString());
+    else
+        change(message.path(), busProperty(message));
+}
+
+/// Returns whether this object still exists.
+bool Calls::updateLists()
+{
+    QStringList numbers;
+    for (const auto &[path, line] : m_lines)
+        numbers += line.emergencyNumbers;
+    numbers.removeDuplicates();
+    const QStringList modems = m_ofono.onlineModems(managerInterface);
+    const bool numbersChange = numbers != m_emergencyNumbers;
+    const bool modemsChange = modems != m_modems;
+    m_emergencyNumbers = numbers;
+    m_modems = modems;
+
+    const QPointer<Calls> self(this);
+    if (modemsChange)
+        Q_EMIT modemsChanged();
+    if (self && numbersChange)
+        Q_EMIT emergencyNumbersChanged();
+    return self;
+}
+
+void Calls::dial(const QString &number, const QString &modem)
+{
+    m_ofono.whenKnown([this, number, modem] { startCall(number, modem); });
+}
+
+void Calls::startCall(const QString &text, const QString &modem)
+{
+    const QString action = QStringLiteral("dial");
+    const QString number = PhoneNumber::withoutSeparators(text);
+    const bool isEmergency = m_emergencyNumbers.contains(number);
+    const QString chosen = isEmergency ? m_ofono.anyModem(modem, managerInterface)
+                                       : m_ofono.modemFor(modem, managerInterface);
+    if (!isEmergency && !PhoneNumber::isDialable(number))
+        fail(action, 0, number, Telephony::InvalidFormat);
+    else if (!isEmergency && m_ofono.isBusy())
+        fail(action, 0, number, Telephony::InProgress);
+    else if (m_ofono.status() == Telephony::NoService || m_ofono.status() == Telephony::NoBus)
+        fail(action, 0, number, Telephony::NoStack);
+    else if (!isEmergency && PhoneNumber::isRequest(number))
+        m_dialogue.begin(number, modem);
+    else if (chosen.isEmpty())
+        fail(action, 0, number,
+             m_ofono.status() == Telephony::Hung ? Telephony::NoAnswer : Telephony::NoModem);
+    else
+        tell(action, 0, number,
+             {chosen, managerInterface, QStringLiteral("Dial"), {number, QString()}});
+}
+
+void Calls::answer(int call)
+{
+    const Call *const found = find(call);
+    if (found != nullptr && found->state() == QLatin1String("waiting"))
+        manage(QStringLiteral("answer"), QStringLiteral("HoldAndAnswer"), call);
+    else if (found != nullptr)
+        tell(QStringLiteral("answer"), call, found->number(),
+             {found->path(), callInterface, QStringLiteral("Answer"), {}});
+    else
+        fail(QStringLiteral("answer"), call, {}, Telephony::NoCall);
+}
+
+void Calls::holdAndAnswer(int call)
+{
+    manage(QStringLiteral("holdAndAnswer"), QStringLiteral("HoldAndAnswer"), call);
+}
+
+void Calls::endAndAnswer(int call)
+{
+    manage(QStringLiteral("endAndAnswer"), QStringLiteral("ReleaseAndAnswer"), call);
+}
+
+void Calls::hangUp(int call)
+{
+    const Call *const found = find(call);
+    if (found != nullptr)
+        tell(QStringLiteral("hangUp"), call, found->number(),
+             {found->path(), callInterface, QStringLiteral("Hangup"), {}});
+    else
+        fail(QStringLiteral("hangUp"), call, {}, Telephony::NoCall);
+}
+
+void Calls::hangUpAll(const QString &modem)
+{
+    QStringList modems;
+    for (const Call &call : calls()) {
+        if (modem.isEmpty() || call.modem() == modem)
+            modems.append(call.modem());
+    }
+    modems.removeDuplicates();
+    if (modems.isEmpty())
+        fail(QStringLiteral("hangUpAll"), 0, {}, Telephony::NoCall);
+    for (const QString &path : qAsConst(modems)) {
+        tell(QStringLiteral("hangUpAll"), 0, {},
+             {path, managerInterface, QStringLiteral("HangupAll"), {}});
+    }
+}
+
+void Calls::swap(const QString &modem)
+{
+    manageOngoing(QStringLiteral("swap"), QStringLiteral("SwapCalls"), modem);
+}
+
+void Calls::join(const QString &modem)
+{
+    manageOngoing(QStringLiteral("join"), QStringLiteral("CreateMultiparty"), modem);
+}
+
+void Calls::split(int call)
+{
+    const Call *const found = find(call);
+    if (found != nullptr)
+        tell(QStringLiteral("split"), call, found->number(),
+             {found->modem(),
+              managerInterface,
+              QStringLiteral("PrivateChat"),
+              {QVariant::fromValue(QDBusObjectPath(found->path()))}});
+    else
+        fail(QStringLiteral("split"), call, {}, Telephony::NoCall);
+}
+
+void Calls::sendTones(const QString &tones, const QString &modem)
+{
+    const QString action = QStringLiteral("sendTones");
+    const QString chosen = ongoingModem(modem);
+    const auto sending = m_tones.find(chosen);
+    const QString all = sending == m_tones.end() ? tones : QString(sending->second + tones);
+    if (chosen.isEmpty()) {
+        fail(action, 0, {}, Telephony::NoCall);
+    } else if (!PhoneNumber::areTones(all)) {
+        fail(action, 0, {}, Telephony::InvalidFormat);
+    } else {
+        m_tones[chosen] = all;
+        if (sending == m_tones.end())
+            sendNextTones(chosen);
+    }
+}
+
+/// oFono refuses tones while it sends others.
+void Calls::sendNextTones(const QString &modem)
+{
+    QString &waiting = m_tones[modem];
+    const QString tones = waiting;
+    waiting.clear();
+    m_ofono.command({modem, managerInterface, QStringLiteral("SendTones"), {tones}},
+                    m_ofono.patience().network, this, [this, modem](const QDBusMessage &answer) {
+                        const bool isError = answer.type() == QDBusMessage::ErrorMessage;
+                        const auto sending = m_tones.find(modem);
+                        if (isError)
+                            fail(QStringLiteral("sendTones"), 0, {}, Telephony::errorOf(answer));
+                        if (sending == m_tones.end())
+                            return;
+                        if (isError || sending->second.isEmpty())
+                            m_tones.erase(sending);
+                        else
+                            sendNextTones(modem);
+                    });
+}
+
+/// Calls a method of the manager that concerns \a call.
+void Calls::manage(const QString &action, const QString &method, int call)
+{
+    const Call *const found = find(call);
+    if (found != nullptr)
+        tell(action, call, found->number(), {found->modem(), managerInterface, method, {}});
+    else
+        fail(action, call, {}, Telephony::NoCall);
+}
+
+/// Calls a method of the manager that concerns the active calls.
+void Calls::manageOngoing(const QString &action, const QString &method, const QString &modem)
+{
+    const QString chosen = ongoingModem(modem);
+    if (!chosen.isEmpty())
+        tell(action, 0, {}, {chosen, managerInterface, method, {}});
+    else
+        fail(action, 0, {}, Telephony::NoCall);
+}
+
+QString Calls::ongoingModem(const QString &wanted) const
+{
+    if (!wanted.isEmpty())
+        return m_lines.count(wanted) > 0 ? wanted : QString();
+    const Call *const found = find(ongoing());
+    return found != nullptr ? found->modem() : QString();
+}
+
+void Calls::tell(const QString &action, int call, const QString &number,
+                 const Ofono::Command &command)
+{
+    m_ofono.command(command, m_ofono.patience().command, this, [=](const QDBusMessage &answer) {
+        if (answer.type() == QDBusMessage::ErrorMessage)
+            fail(action, call, number, Telephony::errorOf(answer));
+    });
+}
+
+/// Emits the signal later, when the caller of a function has its result.
+void Calls::fail(const QString &action, int call, const QString &number, Telephony::Error error)
+{
+    m_ofono.later([=] {
+        Q_EMIT failed(action, call, safeText(number), error, Telephony::explanationOf(error));
+    });
+}
