@@ -114,18 +114,18 @@ void FakeOfono::endCall(const QString &path, const QString &reason)
 
 void FakeOfono::take(const QDBusMessage &call)
 {
-    if (!m_answers) {
-        ScriptedService::take(call);
-    } else if (call.member() == u"GetModems"_s) {
+    if (m_answers && call.member() == u"GetModems"_s) {
         QList<FakeObject> modems;
         for (auto it = m_modems.cbegin(); it != m_modems.cend(); ++it)
             modems.append({QDBusObjectPath(it.key()), it.value()});
         reply(call, {QVariant::fromValue(modems)});
-    } else if (call.member() == u"GetCalls"_s) {
+    } else if (m_answers && call.member() == u"GetCalls"_s) {
         reply(call, {QVariant::fromValue(m_calls.value(call.path()))});
-    } else if (call.member() == u"GetProperties"_s && call.interface() == voiceCallManager) {
+    } else if (m_answers && call.member() == u"GetProperties"_s
+               && call.interface() == voiceCallManager) {
         reply(call, {QVariantMap{{u"EmergencyNumbers"_s, m_emergencyNumbers}}});
-    } else if (call.member() == u"GetProperties"_s && call.interface() == supplementaryServices) {
+    } else if (m_answers && call.member() == u"GetProperties"_s
+               && call.interface() == supplementaryServices) {
         reply(call, {QVariantMap{{u"State"_s, m_dialogueState}}});
     } else {
         ScriptedService::take(call);

@@ -703,7 +703,7 @@ void TestCalls::failsWithoutAnAnswer()
     using namespace std::chrono_literals;
     startStack();
     m_calls = std::make_unique<Calls>();
-    m_calls->setPatience({20ms, 500ms, 500ms});
+    m_calls->setPatience({400ms, 2s, 2s});
     m_failures = std::make_unique<QSignalSpy>(m_calls.get(), &Calls::failed);
     const QSignalSpy statuses(m_calls.get(), &Calls::statusChanged);
     m_calls->componentComplete();
