@@ -88,7 +88,8 @@ QString lint(const QString &fileName)
     process.setProcessChannelMode(QProcess::MergedChannels);
     process.start(QStringLiteral(PARLEY_QMLLINT),
                   {u"-U"_s, u"-I"_s, QStringLiteral(PARLEY_QML_IMPORT_PATH), u"-i"_s,
-                   source.filePath(u"qml/com/nimbo/parley/plugins.qmltypes"_s), fileName});
+                   source.filePath(u"qml/com/nimbo/parley/plugins.qmltypes"_s), u"-i"_s,
+                   source.filePath(u"qml/com/nimbo/calls/plugins.qmltypes"_s), fileName});
     if (!process.waitForFinished())
         return u"qmllint does not end"_s;
     QString said = QString::fromUtf8(process.readAll());
