@@ -169,10 +169,11 @@ QString WaylandDisplay::start()
             if (chown(QFile::encodeName(path).constData(), nobody, nobody) != 0)
                 return u"%1 cannot be given away"_s.arg(path);
         }
-        command =
-            QStringList{u"setpriv"_s, u"--reuid=%1"_s.arg(nobody), u"--regid=%1"_s.arg(nobody),
-                        u"--clear-groups"_s, u"--pdeathsig=KILL"_s}
-            + command;
+        // Not every machine lets this user write to the folder of shared memory.
+        const QString asNobody =
+            u"bwrap --die-with-parent --dev-bind / / --perms 1777 --tmpfs /dev/shm"
+            " setpriv --reuid=%1 --regid=%1 --clear-groups --pdeathsig=KILL"_s.arg(nobody);
+        command = asNobody.split(u' ') + command;
     }
     QProcessEnvironment environment = bareEnvironment();
     environment.insert(u"HOME"_s, m_folder.path());

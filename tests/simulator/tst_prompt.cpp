@@ -44,9 +44,8 @@ public:
 protected:
     void setupChildProcess() override
     {
+        setsid(); // First, because the leader of a group cannot begin a session.
         ChildProcess::setupChildProcess();
-        setpgid(0, getpgid(getppid())); // The leader of a group cannot begin a session.
-        setsid();
         ioctl(m_terminal, TIOCSCTTY, 0);
         for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
             dup2(m_terminal, descriptor);

@@ -31,10 +31,9 @@ QByteArray largestState()
 {
     QByteArrayList alarms;
     for (uint cookie = 1; cookie <= alarmCount; ++cookie) {
-        alarms.append("{\"cookie\": " + QByteArray::number(cookie)
-                      + ", \"flags\": 1, \"ticker\": \""
-                      + (cookie <= dueCount ? "5" : QByteArray::number(farAhead))
-                      + R"(", "attributes": {"TITLE": ")" + title.toUtf8() + "\"}}");
+        alarms.append(R"({"cookie": )" + QByteArray::number(cookie) + R"(, "flags": 1, "ticker": ")"
+                      + QByteArray::number(cookie <= dueCount ? 5 : farAhead)
+                      + R"(", "attributes": {"TITLE": ")" + title.toUtf8() + R"("}})");
     }
     return R"({"lastCookie": 10000, "due": [], "alarms": [)" + alarms.join(',') + "]}";
 }
