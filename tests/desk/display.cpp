@@ -102,8 +102,13 @@ QString XDisplay::start()
     QProcessEnvironment environment = bareEnvironment();
     environment.insert(u"DISPLAY"_s, m_name);
     m_windowManager.setProcessEnvironment(environment);
-    m_windowManager.start(m_windowManagerName, QStringList());
-    const bool isReady = QTest::qWaitFor([&] { return isManaged(environment); }, patience);
+    // If it has ended at its start, another one may not.
+    const auto isManagedAtLast = [&] {
+        if (m_windowManager.state() == QProcess::NotRunning)
+            m_windowManager.start(m_windowManagerName, QStringList());
+        return isManaged(environment);
+    };
+    const bool isReady = QTest::qWaitFor(isManagedAtLast, patience);
     return isReady ? QString() : u"%1 does not manage the display"_s.arg(m_windowManagerName);
 }
 
