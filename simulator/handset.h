@@ -36,6 +36,7 @@ public:
         QString phoneFolder; ///< The folder of the plugin that is the display of the phone.
         QString kitFolder; ///< The folder of the QML modules that are not for the call UI.
         QString stateFolder; ///< Keeps the state of the services; empty to discard it.
+        bool hasOfono = false; ///< The telephony is the real oFono.
         Interpreter::AtFailure atFailure = Interpreter::AtFailure::GoOn;
         bool hasPrompt = false; ///< Its user types on a terminal, where words are completed.
         bool hasPanel = false; ///< Its user can start again what did not start.

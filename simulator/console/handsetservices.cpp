@@ -3,6 +3,7 @@
 
 #include "handsetservices.h"
 
+#include "atmodems.h"
 #include "transcript.h"
 
 namespace {
@@ -19,6 +20,12 @@ QProcessEnvironment environmentOf(const HandsetServices::World &world)
     return environment;
 }
 
+/// Returns the service that is told about SIMs and calls.
+QString modemService(const HandsetServices::World &world)
+{
+    return world.hasOfono ? AtModems::busName() : QStringLiteral("org.ofono");
+}
+
 } // namespace
 
 HandsetServices::HandsetServices(const World &world, const QDBusConnection &session,
@@ -29,9 +36,9 @@ HandsetServices::HandsetServices(const World &world, const QDBusConnection &sess
     , m_alarms(system, transcript)
     , m_notifications(session, transcript)
     , m_reminders(session, system)
-    , m_sims(system, transcript)
-    , m_calls(system, transcript)
-    , m_rules(system, transcript)
+    , m_sims(system, modemService(world), transcript)
+    , m_calls(system, modemService(world), transcript)
+    , m_rules(system, !world.hasOfono, transcript)
 {
     const QProcessEnvironment environment = environmentOf(world);
     const QString callHistory = QStringLiteral("com.nokia.telephony.callhistory");
@@ -44,8 +51,16 @@ HandsetServices::HandsetServices(const World &world, const QDBusConnection &sess
          world.stateFolder},
         session, environment);
     add({QStringLiteral("call-history"), callHistory, world.stateFolder}, session, environment);
-    add({QStringLiteral("telephony"), QStringLiteral("org.ofono"), world.stateFolder}, system,
-        environment);
+    const QString telephony = QStringLiteral("telephony");
+    if (world.hasOfono) {
+        add({QStringLiteral("modem"), AtModems::busName(), world.stateFolder}, system, environment);
+        // It is of use when the modems are online.
+        add({telephony, AtModems::onlineName(), world.stateFolder, QStringLiteral("ofono")}, system,
+            environment);
+        m_ofono = m_processes.back().get();
+    } else {
+        add({telephony, QStringLiteral("org.ofono"), world.stateFolder}, system, environment);
+    }
     QDBusConnection(session).connect(callHistory, QStringLiteral("/org/maemo/m"),
                                      QStringLiteral("com.nimbo.simulator.CallHistory"),
                                      QStringLiteral("Launched"), this,
@@ -66,15 +81,26 @@ void HandsetServices::add(const ServiceProcess::Service &service, const QDBusCon
 void HandsetServices::start(const std::function<void()> &settled)
 {
     m_awaited = m_processes.size();
+    m_settled = settled;
     for (const auto &process : m_processes) {
-        const QString name = process->command().name;
-        process->start([this, name, settled](Outcome outcome, const QString &text) {
-            if (outcome == Outcome::Failed)
-                m_transcript.say(QStringLiteral("The %1 did not start: %2").arg(name, text));
-            if (--m_awaited == 0)
-                settled();
-        });
+        if (process.get() != m_ofono)
+            start(*process);
     }
+}
+
+/// oFono reads where the modems are when it starts.
+void HandsetServices::start(ServiceProcess &process)
+{
+    const QString name = process.name();
+    process.start([this, name](Outcome outcome, const QString &text) {
+        if (outcome == Outcome::Failed)
+            m_transcript.say(QStringLiteral("The %1 did not start: %2").arg(name, text));
+        --m_awaited;
+        if (m_awaited == 0)
+            m_settled();
+        else if (m_awaited == 1 && m_ofono != nullptr)
+            start(*m_ofono);
+    });
 }
 
 QVector<Command> HandsetServices::commands()

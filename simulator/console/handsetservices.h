@@ -32,6 +32,7 @@ public:
         QString sessionBus; ///< The address of the bus.
         QString systemBus; ///< The address of the bus.
         QString stateFolder; ///< The services keep their state here.
+        bool hasOfono = false; ///< The telephony is the real oFono.
     };
 
     /// The connections are to the buses of \a world. \a transcript must outlive the object.
@@ -60,6 +61,7 @@ private Q_SLOTS:
 
 private:
     std::array<ServiceTalk *, 5> talks();
+    void start(ServiceProcess &process);
     void add(const ServiceProcess::Service &service, const QDBusConnection &bus,
              const QProcessEnvironment &environment);
 
@@ -71,5 +73,7 @@ private:
     CallCommands m_calls;
     CallRuleCommands m_rules;
     std::vector<std::unique_ptr<ServiceProcess>> m_processes;
+    ServiceProcess *m_ofono = nullptr; ///< Starts after the modems, if it is the real one.
     std::size_t m_awaited = 0;
+    std::function<void()> m_settled;
 };
