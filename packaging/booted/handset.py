@@ -7,7 +7,7 @@ import contextlib
 import json
 import re
 
-from machine import USER, Failed, wait_until
+from machine import UID, USER, Failed, wait_until
 
 NAME = "com.nimbo.parley.ui"
 UNIT = "parley-ui.service"
@@ -47,6 +47,13 @@ class Handset:
         return self.machine.succeeds(
             "busctl", "--user", "--no-pager", "status", NAME, user=USER
         ) and (self.user("systemctl", "--user", "is-active", UNIT, check=False) == "active")
+
+    def ready_after(self):
+        """Returns the milliseconds from the start of the user's session to the call UI's name."""
+        show = ["systemctl", "show", "--value", "-p"]
+        begun = self.machine.run(*show, "InactiveExitTimestampMonotonic", f"user@{UID}.service")
+        ready = self.user("systemctl", "--user", *show[1:], "ActiveEnterTimestampMonotonic", UNIT)
+        return (int(ready) - int(begun)) // 1000
 
     def restart(self):
         """Starts the call UI anew, also if it was started too often in a short time."""
