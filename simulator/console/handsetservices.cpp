@@ -34,14 +34,15 @@ HandsetServices::HandsetServices(const World &world, const QDBusConnection &sess
 {
     const QProcessEnvironment environment = environmentOf(world);
     const QString callHistory = QStringLiteral("com.nokia.telephony.callhistory");
-    add({QStringLiteral("time-daemon"), QStringLiteral("com.nimbo.timed"), world.stateFolder},
-        system, environment);
+    m_timeDaemon =
+        add({QStringLiteral("time-daemon"), QStringLiteral("com.nimbo.timed"), world.stateFolder},
+            system, environment);
     add({QStringLiteral("notification-service"), QStringLiteral("org.freedesktop.Notifications"),
          world.stateFolder},
         session, environment);
-    add({QStringLiteral("alarm-service"), QStringLiteral("com.nimbo.parley.alarm"),
-         world.stateFolder},
-        session, environment);
+    m_alarmService = add({QStringLiteral("alarm-service"), QStringLiteral("com.nimbo.parley.alarm"),
+                          world.stateFolder},
+                         session, environment);
     add({QStringLiteral("call-history"), callHistory, world.stateFolder}, session, environment);
     add({QStringLiteral("telephony"), QStringLiteral("org.ofono"), world.stateFolder}, system,
         environment);
@@ -51,8 +52,9 @@ HandsetServices::HandsetServices(const World &world, const QDBusConnection &sess
                                      SLOT(callHistoryLaunched(QStringList)));
 }
 
-void HandsetServices::add(const ServiceProcess::Service &service, const QDBusConnection &bus,
-                          const QProcessEnvironment &environment)
+ServiceProcess *HandsetServices::add(const ServiceProcess::Service &service,
+                                     const QDBusConnection &bus,
+                                     const QProcessEnvironment &environment)
 {
     auto process = std::make_unique<ServiceProcess>(service, bus, environment);
     const QString source = QString(service.name).replace(QLatin1Char('-'), QLatin1Char(' '));
@@ -60,20 +62,30 @@ void HandsetServices::add(const ServiceProcess::Service &service, const QDBusCon
     connect(process.get(), &ServiceProcess::logged, this, record);
     connect(process.get(), &ServiceProcess::ended, this, record);
     m_processes.push_back(std::move(process));
+    return m_processes.back().get();
 }
 
 void HandsetServices::start(const std::function<void()> &settled)
 {
     m_awaited = m_processes.size();
     for (const auto &process : m_processes) {
-        const QString name = process->command().name;
-        process->start([this, name, settled](Outcome outcome, const QString &text) {
-            if (outcome == Outcome::Failed)
-                m_transcript.say(QStringLiteral("The %1 did not start: %2").arg(name, text));
-            if (--m_awaited == 0)
-                settled();
-        });
+        // It would log that there is no time daemon.
+        if (process.get() != m_alarmService)
+            start(process.get(), settled);
     }
+}
+
+void HandsetServices::start(ServiceProcess *process, const std::function<void()> &settled)
+{
+    process->start([this, process, settled](Outcome outcome, const QString &text) {
+        if (outcome == Outcome::Failed)
+            m_transcript.say(
+                QStringLiteral("The %1 did not start: %2").arg(process->command().name, text));
+        if (process == m_timeDaemon)
+            start(m_alarmService, settled);
+        if (--m_awaited == 0)
+            settled();
+    });
 }
 
 QVector<Command> HandsetServices::commands()

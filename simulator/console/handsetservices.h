@@ -58,8 +58,9 @@ private Q_SLOTS:
 
 private:
     std::array<ServiceTalk *, 4> talks();
-    void add(const ServiceProcess::Service &service, const QDBusConnection &bus,
-             const QProcessEnvironment &environment);
+    ServiceProcess *add(const ServiceProcess::Service &service, const QDBusConnection &bus,
+                        const QProcessEnvironment &environment);
+    void start(ServiceProcess *process, const std::function<void()> &settled);
 
     Transcript &m_transcript;
     AlarmCommands m_alarms;
@@ -68,5 +69,7 @@ private:
     SimCommands m_sims;
     CallRuleCommands m_rules;
     std::vector<std::unique_ptr<ServiceProcess>> m_processes;
+    ServiceProcess *m_timeDaemon; ///< One of the processes.
+    ServiceProcess *m_alarmService; ///< One of the processes.
     std::size_t m_awaited = 0;
 };
