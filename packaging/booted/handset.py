@@ -40,7 +40,8 @@ class Handset:
 
     def pid(self, unit=UNIT):
         """Returns the main process of a unit of the user; 0 if there is none."""
-        return int(self.user("systemctl", "--user", "show", "--value", "-p", "MainPID", unit))
+        pid = self.user("systemctl", "--user", "show", "--value", "-p", "MainPID", unit)
+        return int(pid or "0")
 
     def is_ready(self):
         """Returns whether the call UI has its name on the bus."""
@@ -145,16 +146,15 @@ class Handset:
 
     def recover(self, check):
         """Keeps a picture after a check that failed, and starts the call UI anew for the next."""
-        try:
+        with contextlib.suppress(Failed):
             self.screenshot(f"failed-{check}")
             self.restart()
-        except Failed:
-            pass
 
     def keep_journals(self):
-        """Keeps what the machine has logged."""
-        journal = self.machine.run("journalctl", "--no-pager", "-o", "short-precise")
-        (self.output / "journal.log").write_text(journal)
+        """Keeps what the machine has logged, as far as it has booted."""
+        with contextlib.suppress(Failed):
+            journal = self.machine.run("journalctl", "--no-pager", "-o", "short-precise")
+            (self.output / "journal.log").write_text(journal)
 
     @contextlib.contextmanager
     def screens(self, name):
