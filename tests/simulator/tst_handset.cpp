@@ -920,6 +920,13 @@ void TestHandset::refusesBadArguments_data()
         << QStringList(u"--bogus"_s) << u"(parley-handset: )?Unknown option 'bogus'\\."_s;
     QTest::newRow("surplus argument") << QStringList{u"--no-panel"_s, u"surplus"_s}
                                       << u"parley-handset: Unexpected argument 'surplus'\\."_s;
+    QTest::newRow("a report of no tests") << QStringList{u"--junit"_s, u"/nonexistent"_s}
+                                          << u"parley-handset: --junit needs --tests\\."_s;
+    QTest::newRow("a request again without watching")
+        << QStringList{u"--replay"_s} << u"parley-handset: --replay needs --watch\\."_s;
+    QTest::newRow("tests that keep something")
+        << QStringList{u"--tests"_s, u"/"_s, u"--state"_s, u"/nonexistent"_s}
+        << u"parley-handset: --tests and --state cannot be combined\\."_s;
     QTest::newRow("no such script") << QStringList{u"--script"_s, u"/nonexistent"_s}
                                     << u"/nonexistent: No such file or directory"_s;
     QTest::newRow("folder as script")
