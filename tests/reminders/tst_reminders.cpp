@@ -8,6 +8,7 @@
 #include "reminder.h"
 #include "reminders.h"
 #include "scriptedservice.h"
+#include "temporaryzone.h"
 #include "watchercount.h"
 
 #include <notification.h>
@@ -101,6 +102,7 @@ private Q_SLOTS:
     void mergeAlarmsByTheFirstLookupRule();
     void readTheTriggerTime_data();
     void readTheTriggerTime();
+    void keepTheirTimesInAnotherZone();
     void matchNotificationsByTheirCookies();
     void dropBothOfTwoRecordsWithOneCookie();
     void showNothingBeforeTheRebuild();
@@ -569,6 +571,22 @@ void TestReminders::readTheTriggerTime()
     QVERIFY(a->exists());
     QCOMPARE(a->when(), QDateTime::fromSecsSinceEpoch(seconds));
     QCOMPARE(a->when().timeSpec(), Qt::LocalTime);
+}
+
+void TestReminders::keepTheirTimesInAnotherZone()
+{
+    const TemporaryZone zone("PLY-03");
+    start({{1, attributes(u"1"_s, QString::number(noon.toSecsSinceEpoch()))}},
+          {notification(7, 1U)});
+    const Reminder *before = watch(u"a"_s, u"1"_s);
+    QCOMPARE(before->when().time(), QTime(15, 0));
+    TemporaryZone::set("PLY+05");
+    const Reminder *after = watch(u"b"_s, u"1"_s);
+    for (const Reminder *reminder : {before, after}) {
+        QVERIFY(reminder->exists());
+        QCOMPARE(reminder->when(), noon);
+        QCOMPARE(reminder->when().time(), QTime(7, 0));
+    }
 }
 
 void TestReminders::matchNotificationsByTheirCookies()
