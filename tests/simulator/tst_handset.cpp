@@ -3,6 +3,7 @@
 
 #include "filterrule.h"
 #include "literals.h"
+#include "runningprogram.h"
 #include "scriptedservice.h"
 #include "words.h"
 
@@ -10,6 +11,7 @@
 #include <QDBusMessage>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QProcess>
@@ -231,9 +233,8 @@ pid_t TestHandset::processNamed(const QByteArray &command)
 void TestHandset::killTheUi()
 {
     const QList<pid_t> processes = processesMarked(m_mark);
-    const auto isUi = [](pid_t process) {
-        return QFile::symLinkTarget(u"/proc/%1/exe"_s.arg(process)).endsWith(u"/parley-ui"_s);
-    };
+    const QString program = QFileInfo(qEnvironmentVariable("PARLEY_UI")).canonicalFilePath();
+    const auto isUi = [&program](pid_t process) { return runsProgram(process, program); };
     const auto ui = std::find_if(processes.cbegin(), processes.cend(), isUi);
     QVERIFY(ui != processes.cend());
     QCOMPARE(kill(*ui, SIGKILL), 0);
