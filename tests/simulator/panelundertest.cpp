@@ -46,6 +46,8 @@ void PanelUnderTest::init()
     QFile::setPermissions(m_folder->path(),
                           QFile::Permissions(0x7111)); // Another user calls as well.
     qputenv("TMPDIR", m_folder->path().toUtf8());
+    qputenv("LC_ALL", "C.UTF-8"); // The texts of the handset's processes are checked.
+    qunsetenv("LANGUAGE");
     m_lines.clear();
     m_commands.clear();
 }

@@ -158,6 +158,8 @@ void TestHandset::init()
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(u"PARLEY_TEST_MARK"_s, m_folder->path());
     environment.insert(u"TMPDIR"_s, m_folder->path());
+    environment.insert(u"LC_ALL"_s, u"C.UTF-8"_s);
+    environment.remove(u"LANGUAGE"_s);
     environment.remove(u"DISPLAY"_s);
     environment.remove(u"WAYLAND_DISPLAY"_s);
     environment.remove(u"QT_QPA_PLATFORM"_s);
