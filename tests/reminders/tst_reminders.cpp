@@ -1047,6 +1047,7 @@ void TestReminders::publishAnewWhatIsMadeAnewWhilePublishing()
     });
     m_daemon->reply(again, {6U});
     QTRY_COMPARE(m_events.size(), 3);
+    m_notifications->settle();
     m_notifications->forget(); // The notification is closed, once or twice.
     QCOMPARE(takePublications(), QStringList({u"6 for 7"_s, u"8 for 0"_s}));
     QCOMPARE(
