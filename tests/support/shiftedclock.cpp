@@ -70,6 +70,7 @@ std::array<std::atomic<bool>, 4096> wakers;
 
 } // namespace
 
+// NOLINTBEGIN(readability-inconsistent-declaration-parameter-name): the C library's are reserved.
 EXPORTED int clock_gettime(clockid_t clock, timespec *time) noexcept
 {
     static const auto real = next<int (*)(clockid_t, timespec *)>("clock_gettime");
@@ -125,3 +126,4 @@ EXPORTED int timerfd_settime(int timer, int flags, const itimerspec *value,
     }
     return real(timer, flags, &shifted, old);
 }
+// NOLINTEND(readability-inconsistent-declaration-parameter-name)

@@ -182,8 +182,8 @@ void TestFiring::waitsWhenTheClockIsSetBackwards_data()
     QTest::addColumn<qint64>("seconds");
 
     QTest::newRow("a second") << qint64{1};
-    QTest::newRow("an hour") << qint64{60 * 60};
-    QTest::newRow("a year") << qint64{365 * 24 * 60 * 60};
+    QTest::newRow("an hour") << qint64{60} * 60;
+    QTest::newRow("a year") << qint64{365} * 24 * 60 * 60;
 }
 
 void TestFiring::waitsWhenTheClockIsSetBackwards()
