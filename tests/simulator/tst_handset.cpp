@@ -3,6 +3,7 @@
 
 #include "filterrule.h"
 #include "literals.h"
+#include "runningprogram.h"
 #include "scriptedservice.h"
 #include "words.h"
 
@@ -10,6 +11,7 @@
 #include <QDBusMessage>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QProcess>
@@ -156,6 +158,8 @@ void TestHandset::init()
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(u"PARLEY_TEST_MARK"_s, m_folder->path());
     environment.insert(u"TMPDIR"_s, m_folder->path());
+    environment.insert(u"LC_ALL"_s, u"C.UTF-8"_s);
+    environment.remove(u"LANGUAGE"_s);
     environment.remove(u"DISPLAY"_s);
     environment.remove(u"WAYLAND_DISPLAY"_s);
     environment.remove(u"QT_QPA_PLATFORM"_s);
@@ -231,9 +235,8 @@ pid_t TestHandset::processNamed(const QByteArray &command)
 void TestHandset::killTheUi()
 {
     const QList<pid_t> processes = processesMarked(m_mark);
-    const auto isUi = [](pid_t process) {
-        return QFile::symLinkTarget(u"/proc/%1/exe"_s.arg(process)).endsWith(u"/parley-ui"_s);
-    };
+    const QString program = QFileInfo(qEnvironmentVariable("PARLEY_UI")).canonicalFilePath();
+    const auto isUi = [&program](pid_t process) { return runsProgram(process, program); };
     const auto ui = std::find_if(processes.cbegin(), processes.cend(), isUi);
     QVERIFY(ui != processes.cend());
     QCOMPARE(kill(*ui, SIGKILL), 0);
