@@ -5,7 +5,9 @@
 // the monotonic clock as it is. PARLEY_CLOCK_SHIFT names a file with a signed 64-bit number of
 // seconds in the byte order of the machine, which is added to every time that is read, and taken
 // from every time at which a timer is to wake. A process that has opened the file sees each change
-// of it at once, as it would see somebody set the clock. Timers do not see the change.
+// of it at once, as it would see somebody set the clock. Timers do not see the change. The kernel
+// is called directly, because to look up the C library's functions takes a lock, and time is asked
+// for by threads that hold it.
 
 #include <algorithm>
 #include <array>
@@ -16,9 +18,9 @@
 #include <ctime>
 #include <limits>
 
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/mman.h>
+#include <sys/syscall.h>
 #include <sys/time.h>
 #include <sys/timerfd.h>
 #include <unistd.h>
@@ -26,15 +28,6 @@
 #define EXPORTED extern "C" __attribute__((visibility("default")))
 
 namespace {
-
-template <typename Function>
-Function next(const char *name)
-{
-    void *function = dlsym(RTLD_NEXT, name);
-    if (function == nullptr)
-        std::abort();
-    return reinterpret_cast<Function>(function);
-}
 
 const volatile int64_t *mapShift()
 {
@@ -73,8 +66,7 @@ std::array<std::atomic<bool>, 4096> wakers;
 // NOLINTBEGIN(readability-inconsistent-declaration-parameter-name): the C library's are reserved.
 EXPORTED int clock_gettime(clockid_t clock, timespec *time) noexcept
 {
-    static const auto real = next<int (*)(clockid_t, timespec *)>("clock_gettime");
-    const int status = real(clock, time);
+    const auto status = static_cast<int>(syscall(SYS_clock_gettime, clock, time));
     if (status == 0 && tellsTime(clock))
         time->tv_sec = static_cast<time_t>(time->tv_sec + shift());
     return status;
@@ -82,10 +74,11 @@ EXPORTED int clock_gettime(clockid_t clock, timespec *time) noexcept
 
 EXPORTED int gettimeofday(timeval *time, void *zone) noexcept
 {
-    static const auto real = next<int (*)(timeval *, void *)>("gettimeofday");
-    const int status = real(time, zone);
-    if (status == 0)
-        time->tv_sec = static_cast<time_t>(time->tv_sec + shift());
+    if (zone != nullptr)
+        *static_cast<struct timezone *>(zone) = {};
+    timespec now = {};
+    const int status = clock_gettime(CLOCK_REALTIME, &now);
+    *time = {now.tv_sec, static_cast<suseconds_t>(now.tv_nsec / 1000)};
     return status;
 }
 
@@ -100,8 +93,7 @@ EXPORTED time_t time(time_t *result) noexcept
 
 EXPORTED int timerfd_create(int clock, int flags) noexcept
 {
-    static const auto real = next<int (*)(int, int)>("timerfd_create");
-    const int timer = real(clock, flags);
+    const auto timer = static_cast<int>(syscall(SYS_timerfd_create, clock, flags));
     if (timer >= 0 && static_cast<size_t>(timer) < wakers.size())
         wakers[static_cast<size_t>(timer)] = tellsTime(clock);
     return timer;
@@ -110,8 +102,6 @@ EXPORTED int timerfd_create(int clock, int flags) noexcept
 EXPORTED int timerfd_settime(int timer, int flags, const itimerspec *value,
                              itimerspec *old) noexcept
 {
-    static const auto real =
-        next<int (*)(int, int, const itimerspec *, itimerspec *)>("timerfd_settime");
     itimerspec shifted = *value;
     time_t &seconds = shifted.it_value.tv_sec;
     const bool isWaker = timer >= 0 && static_cast<size_t>(timer) < wakers.size()
@@ -124,6 +114,6 @@ EXPORTED int timerfd_settime(int timer, int flags, const itimerspec *value,
         seconds =
             static_cast<time_t>(std::clamp<int64_t>(time, 1, std::numeric_limits<time_t>::max()));
     }
-    return real(timer, flags, &shifted, old);
+    return static_cast<int>(syscall(SYS_timerfd_settime, timer, flags, &shifted, old));
 }
 // NOLINTEND(readability-inconsistent-declaration-parameter-name)
