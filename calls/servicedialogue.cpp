@@ -38,6 +38,11 @@ QVariantMap readValues(const QDBusArgument &argument)
     return values;
 }
 
+bool isUnderWay(const QVariant &state)
+{
+    return state == active || state == userResponse;
+}
+
 /// Reads the values of a setting of \a kind: an operation, and a status or a service with values.
 QVariantMap readSetting(const QString &kind, const QVariant &value)
 {
@@ -163,19 +168,18 @@ void ServiceDialogue::receive(const QDBusMessage &message)
 {
     if (message.interface() != interface)
         return;
-    const BusProperty property =
-        message.signature() == QLatin1String("sv") ? busProperty(message) : BusProperty();
-    const bool begins = state() == idle && property.value != idle;
-    if (message.path() != m_modem && !begins)
+    const bool isText = message.signature() == QLatin1String("s");
+    const BusProperty property = isText ? BusProperty() : busProperty(message);
+    const bool begins = isText || (property.name == stateProperty && isUnderWay(property.value));
+    if (message.path() != m_modem && !(begins && state() == idle))
         return;
     const Content before = content();
     m_modem = message.path();
-    if (message.signature() == QLatin1String("sv")) {
-        if (property.name == stateProperty)
-            readState(property.value);
-    } else {
+    if (isText) {
         m_text = safeLines(message.arguments().constFirst().toString());
         m_answer.clear();
+    } else if (property.name == stateProperty) {
+        readState(property.value);
     }
     update(before);
 }
@@ -189,7 +193,7 @@ void ServiceDialogue::followModem(const QString &modem)
                     QStringLiteral("a{sv}"), this, [this, modem](const QDBusMessage &answer) {
                         const Content before = content();
                         const QVariant value = busProperties(answer).value(stateProperty);
-                        if (m_modem.isEmpty() && value != idle) {
+                        if (m_modem.isEmpty() && isUnderWay(value)) {
                             m_modem = modem;
                             readState(value);
                         }
@@ -206,7 +210,7 @@ void ServiceDialogue::followModem(const QString &modem)
 
 void ServiceDialogue::readState(const QVariant &value)
 {
-    if (value == idle || value == active || value == userResponse)
+    if (value == idle || isUnderWay(value))
         m_state = value.toString();
 }
 

@@ -81,6 +81,10 @@ private Q_SLOTS:
     void hasADialogueThatFails();
     void hasADialogueThatTheNetworkBegins();
     void findsADialogue();
+    void findsADialogueOfAnotherModem_data();
+    void findsADialogueOfAnotherModem();
+    void staysWithTheModemOfItsDialogue_data();
+    void staysWithTheModemOfItsDialogue();
     void readsSettings();
     void cancelsTheDialogue();
     void endsTheDialogueWithItsModem();
@@ -786,6 +790,76 @@ void TestCalls::findsADialogue()
     QCOMPARE(call.path(), first);
     m_ofono->fail(call, u"org.ofono.Error.NotActive"_s, {});
     QCOMPARE(failure(), u"cancel 0  NotActive"_s);
+}
+
+void TestCalls::findsADialogueOfAnotherModem_data()
+{
+    QTest::addColumn<QVariantMap>("properties");
+    QTest::addColumn<bool>("refused");
+
+    QTest::newRow("idle") << QVariantMap{{u"State"_s, u"idle"_s}} << false;
+    QTest::newRow("without a state") << QVariantMap() << false;
+    QTest::newRow("with an unknown state") << QVariantMap{{u"State"_s, u"bored"_s}} << false;
+    QTest::newRow("with a state of another type") << QVariantMap{{u"State"_s, 7}} << false;
+    QTest::newRow("that refuses") << QVariantMap() << true;
+}
+
+/// A modem that has no dialogue, or does not tell, does not hide that of the next one.
+void TestCalls::findsADialogueOfAnotherModem()
+{
+    QFETCH(QVariantMap, properties);
+    QFETCH(bool, refused);
+
+    startStack({});
+    startCalls();
+    QTRY_COMPARE(m_calls->status(), Telephony::Ready);
+    m_ofono->answerNothing();
+    const QVariantMap modem{{u"Online"_s, true},
+                            {u"Interfaces"_s, QStringList(u"org.ofono.SupplementaryServices"_s)}};
+    m_ofono->addModem(first, modem);
+    m_ofono->addModem(second, modem);
+    const QDBusMessage question = m_ofono->next(u"GetProperties"_s);
+    QCOMPARE(question.path(), first);
+    if (refused)
+        m_ofono->fail(question, u"org.freedesktop.DBus.Error.AccessDenied"_s, u"no"_s);
+    else
+        m_ofono->reply(question, {properties});
+    m_ofono->settle();
+    QCOMPARE(m_calls->dialogue()->modem(), QString());
+    m_ofono->reply(m_ofono->next(u"GetProperties"_s),
+                   {QVariantMap{{u"State"_s, u"user-response"_s}}});
+    QTRY_COMPARE(m_calls->dialogue()->state(), u"user-response"_s);
+    QCOMPARE(m_calls->dialogue()->modem(), second);
+    if (refused)
+        QCOMPARE(m_log->take().size(), 1);
+}
+
+void TestCalls::staysWithTheModemOfItsDialogue_data()
+{
+    QTest::addColumn<QString>("property");
+    QTest::addColumn<QVariant>("value");
+
+    QTest::newRow("another property") << u"Other"_s << QVariant(u"active"_s);
+    QTest::newRow("no dialogue") << u"State"_s << QVariant(u"idle"_s);
+    QTest::newRow("an unknown state") << u"State"_s << QVariant(u"bored"_s);
+    QTest::newRow("a state of another type") << u"State"_s << QVariant(7);
+}
+
+/// Only a dialogue of another modem makes that the modem of the dialogue.
+void TestCalls::staysWithTheModemOfItsDialogue()
+{
+    QFETCH(QString, property);
+    QFETCH(QVariant, value);
+
+    const QString interface = u"org.ofono.SupplementaryServices"_s;
+    startStack({first, second});
+    startCalls();
+    QTRY_COMPARE(m_calls->status(), Telephony::Ready);
+    m_ofono->change(second, interface, property, value);
+    m_ofono->settle();
+    QCOMPARE(m_calls->dialogue()->modem(), QString());
+    m_ofono->change(second, interface, u"State"_s, u"active"_s);
+    QTRY_COMPARE(m_calls->dialogue()->modem(), second);
 }
 
 void TestCalls::readsSettings()
