@@ -162,6 +162,8 @@ void Ofono::readQuery(const Command &question, const QString &signature,
         // The true answer is lost.
         if (context)
             ask(question, signature, context, handler);
+        else
+            updateStatus();
         return;
     }
     const bool isError = answer.type() == QDBusMessage::ErrorMessage;

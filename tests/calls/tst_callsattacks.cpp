@@ -63,6 +63,7 @@ private Q_SLOTS:
 
     void believesOnlyTheOwnersSignals();
     void believesOnlyTheOwnersAnswers();
+    void waitsForNoAnswerAboutAModemThatIsGone();
     void knowsAStackThatHangsFromTheStart();
     void knowsAStackThatHangsWhileItDials();
     void dropsAnswersThatComeTooLate();
@@ -182,6 +183,27 @@ void TestCallsAttacks::believesOnlyTheOwnersAnswers()
     forge(dial);
     QVERIFY(failures.wait());
     QCOMPARE(failures.at(0).at(3).toInt(), int(Telephony::NoAnswer));
+}
+
+/// A stranger's answer to a question that nobody asks any more is an answer.
+void TestCallsAttacks::waitsForNoAnswerAboutAModemThatIsGone()
+{
+    RawOfono ofono(m_bus.address(), false);
+    RawConnection stranger(m_bus.address());
+    m_calls->componentComplete();
+    ofono.connection().send(RawOfono::answerTo(ofono.next("GetModems")).get());
+    const RawOfono::Call properties = ofono.next("GetProperties");
+    const RawOfono::Call calls = ofono.next("GetCalls");
+    QVERIFY(properties.serial != 0 && calls.serial != 0);
+    QTRY_COMPARE(m_calls->modems(), QStringList(first));
+    ofono.connection().send(
+        pathSignal(properties.sender, "org.ofono.Manager", "ModemRemoved", "/ril_0").get());
+    QTRY_COMPARE(m_calls->modems(), QStringList());
+    QCOMPARE(m_calls->status(), Telephony::Starting);
+    for (const RawOfono::Call &call : {properties, calls})
+        stranger.send(RawOfono::answerTo(call).get());
+    stranger.pump();
+    QTRY_COMPARE(m_calls->status(), Telephony::Ready);
 }
 
 void TestCallsAttacks::knowsAStackThatHangsFromTheStart()
