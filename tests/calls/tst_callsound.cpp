@@ -53,6 +53,7 @@ private Q_SLOTS:
     void returnsWithoutCallaudiod();
     void keepsTheLastRequest();
     void tellsANewCallaudiod();
+    void believesANewCallaudiod();
     void endsThePathWithTheObject();
 
 private:
@@ -356,6 +357,20 @@ void TestCallSound::tellsANewCallaudiod()
     m_service.reset();
     startCallaudiod();
     QCOMPARE(m_service->next(u"SelectMode"_s).arguments(), QVariantList({1U}));
+}
+
+/// What the former callaudiod has done is no longer done.
+void TestCallSound::believesANewCallaudiod()
+{
+    startAudio();
+    m_audio->setMuted(true);
+    m_service->reply(m_service->next(u"MuteMic"_s), {true});
+    m_service->settle();
+    m_service.reset();
+    startCallaudiod();
+    QVERIFY(m_audio->muted());
+    m_service->reply(m_service->next(u"MuteMic"_s), {false});
+    QTRY_VERIFY(!m_audio->muted());
 }
 
 void TestCallSound::endsThePathWithTheObject()
