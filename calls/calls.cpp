@@ -22,13 +22,10 @@ const QLatin1String disconnectReason("DisconnectReason");
 
 Calls::Calls(QObject *parent)
     : CallModel(parent)
-    , m_ofono(nullptr)
-    , m_dialogue(
-          m_ofono,
-          [this](const QString &action, const QString &text, Telephony::Error error) {
-              fail(action, 0, text, error);
-          },
-          nullptr)
+    , m_dialogue(m_ofono,
+                 [this](const QString &action, const QString &text, Telephony::Error error) {
+                     fail(action, 0, text, error);
+                 })
 {
     m_ofono.follow(managerInterface, callAdded, QStringLiteral("oa{sv}"));
     m_ofono.follow(managerInterface, QStringLiteral("CallRemoved"), QStringLiteral("o"));

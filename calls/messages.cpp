@@ -25,7 +25,6 @@ constexpr int longestText = 255 * 153;
 
 Messages::Messages(QObject *parent)
     : QAbstractListModel(parent)
-    , m_ofono(nullptr)
 {
     m_ofono.follow(managerInterface, messageRemoved, QStringLiteral("o"));
     m_ofono.follow(messageInterface, QStringLiteral("PropertyChanged"), QStringLiteral("sv"));

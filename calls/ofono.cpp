@@ -43,9 +43,8 @@ constexpr int forever = std::numeric_limits<int>::max();
 
 } // namespace
 
-Ofono::Ofono(QObject *parent)
-    : QObject(parent)
-    , m_bus(QString())
+Ofono::Ofono()
+    : m_bus(QString())
 {
     m_silence.setSingleShot(true);
     connect(&m_silence, &QTimer::timeout, this,

@@ -53,7 +53,7 @@ public:
     };
 
     /// Does nothing until start().
-    explicit Ofono(QObject *parent);
+    Ofono();
     ~Ofono() override;
 
     /// Sets how patient this object is. Call this before start().

@@ -70,9 +70,8 @@ QVariantMap readSetting(const QString &kind, const QVariant &value)
 
 } // namespace
 
-ServiceDialogue::ServiceDialogue(Ofono &ofono, FailureHandler failed, QObject *parent)
-    : QObject(parent)
-    , m_ofono(ofono)
+ServiceDialogue::ServiceDialogue(Ofono &ofono, FailureHandler failed)
+    : m_ofono(ofono)
     , m_failed(std::move(failed))
     , m_state(idle)
 {

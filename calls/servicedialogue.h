@@ -32,7 +32,7 @@ public:
     using FailureHandler =
         std::function<void(const QString &action, const QString &text, Telephony::Error error)>;
 
-    ServiceDialogue(Ofono &ofono, FailureHandler failed, QObject *parent);
+    ServiceDialogue(Ofono &ofono, FailureHandler failed);
 
     QString state() const;
     QString text() const { return m_text; }
