@@ -9,6 +9,8 @@
 #include <QDBusObjectPath>
 #include <QPointer>
 
+#include <utility>
+
 namespace {
 
 const QLatin1String managerInterface("org.ofono.VoiceCallManager");
@@ -40,8 +42,8 @@ Calls::Calls(QObject *parent)
 void Calls::followModem(const QString &modem)
 {
     const bool isLine = m_ofono.has(modem, managerInterface);
-    const bool wasLine = m_lines.count(modem) > 0;
-    if (isLine && !wasLine) {
+    const auto line = m_lines.find(modem);
+    if (isLine && line == m_lines.end()) {
         QObject *const context = m_lines[modem].context.get();
         m_ofono.ask({modem, managerInterface, QStringLiteral("GetProperties"), {}},
                     QStringLiteral("a{sv}"), context, [this, modem](const QDBusMessage &answer) {
@@ -51,9 +53,10 @@ void Calls::followModem(const QString &modem)
         m_ofono.ask({modem, managerInterface, QStringLiteral("GetCalls"), {}},
                     QStringLiteral("a(oa{sv})"), context,
                     [this, modem](const QDBusMessage &answer) { readCalls(modem, answer); });
-    } else if (!isLine) {
-        m_lines.erase(modem);
-        m_tones.erase(modem);
+    } else if (!isLine && line != m_lines.end()) {
+        if (line->second.tones)
+            fail(QStringLiteral("sendTones"), 0, {}, Telephony::NoAnswer);
+        m_lines.erase(line);
     }
     const QPointer<Calls> self(this);
     m_dialogue.followModem(modem);
@@ -240,36 +243,37 @@ void Calls::split(int call)
 void Calls::sendTones(const QString &tones, const QString &modem)
 {
     const QString action = QStringLiteral("sendTones");
-    const QString chosen = ongoingModem(modem);
-    const auto sending = m_tones.find(chosen);
-    const QString all = sending == m_tones.end() ? tones : QString(sending->second + tones);
-    if (chosen.isEmpty()) {
+    const auto line = m_lines.find(ongoingModem(modem));
+    if (line == m_lines.end()) {
         fail(action, 0, {}, Telephony::NoCall);
-    } else if (!PhoneNumber::areTones(all)) {
-        fail(action, 0, {}, Telephony::InvalidFormat);
-    } else {
-        m_tones[chosen] = all;
-        if (sending == m_tones.end())
-            sendNextTones(chosen);
+        return;
     }
+    std::optional<QString> &waiting = line->second.tones;
+    const bool isSending = waiting.has_value();
+    const QString all = waiting.value_or(QString()) + tones;
+    if (!PhoneNumber::areTones(all)) {
+        fail(action, 0, {}, Telephony::InvalidFormat);
+        return;
+    }
+    waiting = all;
+    if (!isSending)
+        sendNextTones(line->first);
 }
 
 /// oFono refuses tones while it sends others.
 void Calls::sendNextTones(const QString &modem)
 {
-    QString &waiting = m_tones[modem];
-    const QString tones = waiting;
-    waiting.clear();
+    Line &line = m_lines.at(modem);
+    const QString tones = std::exchange(*line.tones, {});
     m_ofono.command({modem, managerInterface, QStringLiteral("SendTones"), {tones}},
-                    m_ofono.patience().network, this, [this, modem](const QDBusMessage &answer) {
+                    m_ofono.patience().network, line.context.get(),
+                    [this, modem](const QDBusMessage &answer) {
+                        std::optional<QString> &waiting = m_lines.at(modem).tones;
                         const bool isError = answer.type() == QDBusMessage::ErrorMessage;
-                        const auto sending = m_tones.find(modem);
                         if (isError)
                             fail(QStringLiteral("sendTones"), 0, {}, Telephony::errorOf(answer));
-                        if (sending == m_tones.end())
-                            return;
-                        if (isError || sending->second.isEmpty())
-                            m_tones.erase(sending);
+                        if (isError || waiting->isEmpty())
+                            waiting.reset();
                         else
                             sendNextTones(modem);
                     });
@@ -297,10 +301,9 @@ void Calls::manageOngoing(const QString &action, const QString &method, const QS
 
 QString Calls::ongoingModem(const QString &wanted) const
 {
-    if (!wanted.isEmpty())
-        return m_lines.count(wanted) > 0 ? wanted : QString();
     const Call *const found = find(ongoing());
-    return found != nullptr ? found->modem() : QString();
+    const QString modem = wanted.isEmpty() && found != nullptr ? found->modem() : wanted;
+    return m_lines.count(modem) > 0 ? modem : QString();
 }
 
 void Calls::tell(const QString &action, int call, const QString &number,

@@ -82,7 +82,7 @@ ServiceDialogue::ServiceDialogue(Ofono &ofono, FailureHandler failed)
 
 QString ServiceDialogue::state() const
 {
-    return m_waits ? QString(active) : m_state;
+    return m_sent ? QString(active) : m_state;
 }
 
 void ServiceDialogue::begin(const QString &request, const QString &modem)
@@ -96,6 +96,7 @@ void ServiceDialogue::begin(const QString &request, const QString &modem)
     }
     const Content before = content();
     m_modem = chosen;
+    m_context = std::make_unique<QObject>();
     m_text.clear();
     m_answer.clear();
     call(QStringLiteral("dial"), QStringLiteral("Initiate"), request,
@@ -128,7 +129,7 @@ void ServiceDialogue::cancel()
     if (m_modem.isEmpty() || state() == idle)
         return;
     m_ofono.command({m_modem, interface, QStringLiteral("Cancel"), {}}, m_ofono.patience().command,
-                    this, [this](const QDBusMessage &answer) {
+                    m_context.get(), [this](const QDBusMessage &answer) {
                         if (answer.type() == QDBusMessage::ErrorMessage)
                             m_failed(QStringLiteral("cancel"), {}, Telephony::errorOf(answer));
                     });
@@ -138,11 +139,11 @@ void ServiceDialogue::cancel()
 void ServiceDialogue::call(const QString &action, const QString &method, const QString &text,
                            const std::function<void(const QDBusMessage &)> &succeeded)
 {
-    m_waits = true;
-    m_ofono.command({m_modem, interface, method, {text}}, m_ofono.patience().network, this,
-                    [=](const QDBusMessage &answer) {
+    m_sent = Sent{action, text};
+    m_ofono.command({m_modem, interface, method, {text}}, m_ofono.patience().network,
+                    m_context.get(), [=](const QDBusMessage &answer) {
                         const Content before = content();
-                        m_waits = false;
+                        m_sent.reset();
                         if (answer.type() == QDBusMessage::ErrorMessage)
                             m_failed(action, text, Telephony::errorOf(answer));
                         else
@@ -192,7 +193,8 @@ void ServiceDialogue::followModem(const QString &modem)
                     QStringLiteral("a{sv}"), this, [this, modem](const QDBusMessage &answer) {
                         const Content before = content();
                         const QVariant value = busProperties(answer).value(stateProperty);
-                        if (m_modem.isEmpty() && isUnderWay(value)) {
+                        if (m_modem.isEmpty() && m_ofono.has(modem, interface)
+                            && isUnderWay(value)) {
                             m_modem = modem;
                             readState(value);
                         }
@@ -200,8 +202,11 @@ void ServiceDialogue::followModem(const QString &modem)
                     });
     } else if (!hasInterface && modem == m_modem) {
         const Content before = content();
+        if (m_sent)
+            m_failed(m_sent->action, m_sent->text, Telephony::NoAnswer);
+        m_sent.reset();
+        m_context = std::make_unique<QObject>();
         m_state = idle;
-        m_waits = false;
         m_modem.clear();
         update(before);
     }

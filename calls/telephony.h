@@ -48,7 +48,7 @@ enum Error {
     NotRecognized,
     Terminated,
     NoStack, ///< There is no telephony stack, or it has stopped meanwhile.
-    NoAnswer, ///< The stack has not answered in time. It may still do what it was asked for.
+    NoAnswer, ///< The stack has not answered in time, or its modem has gone. It may have done it.
     NoModem, ///< No modem can do this, or not the one that was asked for.
     NoCall ///< There is no such call, or no longer.
 };

@@ -71,6 +71,7 @@ private Q_SLOTS:
     void knowsNoSuchCall();
     void sendsTonesOneAfterTheOther();
     void dropsTonesAfterAFailure();
+    void dropsTonesWithTheirModem();
     void tellsWhatHasFailed_data();
     void tellsWhatHasFailed();
     void failsWithoutAStack();
@@ -88,6 +89,8 @@ private Q_SLOTS:
     void readsSettings();
     void cancelsTheDialogue();
     void endsTheDialogueWithItsModem();
+    void knowsTheAnswersOfItsDialogue_data();
+    void knowsTheAnswersOfItsDialogue();
 
 private:
     void startStack(const QStringList &modems = {first});
@@ -650,6 +653,29 @@ void TestCalls::dropsTonesAfterAFailure()
     QCOMPARE(m_ofono->next(u"SendTones"_s).arguments().at(0).toString(), u"3"_s);
 }
 
+/// The answer for a modem that has gone does not concern the one that comes in its place.
+void TestCalls::dropsTonesWithTheirModem()
+{
+    startWith({object(one, FakeOfono::call(u"active"_s))});
+    m_calls->sendTones(u"1"_s);
+    const QDBusMessage before = m_ofono->next(u"SendTones"_s);
+    m_calls->sendTones(u"2"_s);
+    m_ofono->removeModem(first);
+    QCOMPARE(failure(), u"sendTones 0  NoAnswer"_s);
+    m_ofono->addModem(first, FakeOfono::modem());
+    QTRY_COMPARE(m_calls->count(), 1);
+    m_calls->sendTones(u"3"_s);
+    const QDBusMessage now = m_ofono->next(u"SendTones"_s);
+    QCOMPARE(now.arguments().at(0).toString(), u"3"_s);
+    m_ofono->reply(before, {});
+    m_ofono->settle();
+    m_calls->sendTones(u"4"_s);
+    m_ofono->settle();
+    QCOMPARE(m_ofono->waiting(), 0);
+    m_ofono->reply(now, {});
+    QCOMPARE(m_ofono->next(u"SendTones"_s).arguments().at(0).toString(), u"4"_s);
+}
+
 void TestCalls::tellsWhatHasFailed_data()
 {
     QTest::addColumn<QString>("sent");
@@ -905,8 +931,47 @@ void TestCalls::endsTheDialogueWithItsModem()
     m_calls->dial(u"*100#"_s);
     QCOMPARE(m_ofono->next(u"Initiate"_s).path(), first);
     m_ofono->removeModem(first);
-    QTRY_COMPARE(m_calls->dialogue()->state(), u"idle"_s);
+    QCOMPARE(failure(), u"dial 0 *100# NoAnswer"_s);
+    QCOMPARE(m_calls->dialogue()->state(), u"idle"_s);
     QCOMPARE(m_calls->dialogue()->modem(), QString());
+}
+
+void TestCalls::knowsTheAnswersOfItsDialogue_data()
+{
+    QTest::addColumn<bool>("failed");
+
+    QTest::newRow("a text") << false;
+    QTest::newRow("a failure") << true;
+}
+
+/// What comes for a dialogue that has ended with its modem does not concern the next one.
+void TestCalls::knowsTheAnswersOfItsDialogue()
+{
+    QFETCH(bool, failed);
+
+    const auto text = [](const QString &value) {
+        return QVariantList{u"USSD"_s, QVariant::fromValue(QDBusVariant(value))};
+    };
+    startStack({first, second});
+    startCalls();
+    QTRY_COMPARE(m_calls->status(), Telephony::Ready);
+    m_calls->dial(u"*100#"_s, first);
+    const QDBusMessage before = m_ofono->next(u"Initiate"_s);
+    m_ofono->removeModem(first);
+    QCOMPARE(failure(), u"dial 0 *100# NoAnswer"_s);
+    m_calls->dial(u"*101#"_s);
+    const QDBusMessage now = m_ofono->next(u"Initiate"_s);
+    QCOMPARE(now.path(), second);
+    if (failed)
+        m_ofono->fail(before, u"org.ofono.Error.Failed"_s, {});
+    else
+        m_ofono->reply(before, text(u"old"_s));
+    m_ofono->settle();
+    QCOMPARE(m_calls->dialogue()->state(), u"active"_s);
+    QCOMPARE(m_calls->dialogue()->text(), QString());
+    m_ofono->reply(now, text(u"new"_s));
+    QTRY_COMPARE(m_calls->dialogue()->text(), u"new"_s);
+    QCOMPARE(m_calls->dialogue()->state(), u"idle"_s);
 }
 
 QTEST_GUILESS_MAIN(TestCalls)
