@@ -106,22 +106,26 @@ void ServiceDialogue::begin(const QString &request, const QString &modem)
 
 void ServiceDialogue::reply(const QString &text)
 {
+    m_ofono.later([this, self = QPointer<ServiceDialogue>(this), text] {
+        if (self)
+            respond(text);
+    });
+}
+
+void ServiceDialogue::respond(const QString &text)
+{
     if (state() != userResponse || text.size() > longestReply) {
         m_failed(QStringLiteral("reply"), text.left(longestReply),
                  state() == userResponse ? Telephony::InvalidFormat : Telephony::NotActive);
         return;
     }
-    m_ofono.later([this, self = QPointer<ServiceDialogue>(this), text] {
-        if (!self)
-            return;
-        const Content before = content();
-        call(QStringLiteral("reply"), QStringLiteral("Respond"), text,
-             [this](const QDBusMessage &answer) {
-                 if (answer.signature() == QLatin1String("s"))
-                     m_text = safeLines(answer.arguments().constFirst().toString());
-             });
-        update(before);
-    });
+    const Content before = content();
+    call(QStringLiteral("reply"), QStringLiteral("Respond"), text,
+         [this](const QDBusMessage &answer) {
+             if (answer.signature() == QLatin1String("s"))
+                 m_text = safeLines(answer.arguments().constFirst().toString());
+         });
+    update(before);
 }
 
 void ServiceDialogue::cancel()

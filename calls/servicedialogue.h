@@ -76,6 +76,7 @@ private:
         QString text;
     };
 
+    void respond(const QString &text);
     void call(const QString &action, const QString &method, const QString &text,
               const std::function<void(const QDBusMessage &)> &succeeded);
     void readAnswer(const QDBusMessage &message);

@@ -79,6 +79,7 @@ private Q_SLOTS:
     void failsWithoutAnAnswer();
 
     void hasADialogue();
+    void repliesOnce();
     void hasADialogueThatFails();
     void hasADialogueThatTheNetworkBegins();
     void findsADialogue();
@@ -776,6 +777,19 @@ void TestCalls::hasADialogue()
     QCOMPARE(dialogue->text(), u"5 Euro"_s);
     m_calls->dialogue()->reply(u"1"_s);
     QCOMPARE(failure(), u"reply 0 1 NotActive"_s);
+}
+
+/// A user may touch the button twice.
+void TestCalls::repliesOnce()
+{
+    startStack();
+    m_ofono->setDialogueState(u"user-response"_s);
+    startCalls();
+    QTRY_COMPARE(m_calls->dialogue()->state(), u"user-response"_s);
+    m_calls->dialogue()->reply(u"1"_s);
+    m_calls->dialogue()->reply(u"2"_s);
+    QCOMPARE(m_ofono->next(u"Respond"_s).arguments(), QVariantList({u"1"_s}));
+    QCOMPARE(failure(), u"reply 0 2 NotActive"_s);
 }
 
 void TestCalls::hasADialogueThatFails()
