@@ -155,8 +155,6 @@ void Calls::startCall(const QString &text, const QString &modem)
                                        : m_ofono.modemFor(modem, managerInterface);
     if (!isEmergency && !PhoneNumber::isDialable(number))
         fail(action, 0, number, Telephony::InvalidFormat);
-    else if (!isEmergency && m_ofono.isBusy())
-        fail(action, 0, number, Telephony::InProgress);
     else if (m_ofono.status() == Telephony::NoService || m_ofono.status() == Telephony::NoBus)
         fail(action, 0, number, Telephony::NoStack);
     else if (!isEmergency && PhoneNumber::isRequest(number))
@@ -166,7 +164,7 @@ void Calls::startCall(const QString &text, const QString &modem)
              m_ofono.status() == Telephony::Hung ? Telephony::NoAnswer : Telephony::NoModem);
     else
         tell(action, 0, number,
-             {chosen, managerInterface, QStringLiteral("Dial"), {number, QString()}});
+             {chosen, managerInterface, QStringLiteral("Dial"), {number, QString()}, isEmergency});
 }
 
 void Calls::answer(int call)
@@ -196,7 +194,7 @@ void Calls::hangUp(int call)
     const Call *const found = find(call);
     if (found != nullptr)
         tell(QStringLiteral("hangUp"), call, found->number(),
-             {found->path(), callInterface, QStringLiteral("Hangup"), {}});
+             {found->path(), callInterface, QStringLiteral("Hangup"), {}, true});
     else
         fail(QStringLiteral("hangUp"), call, {}, Telephony::NoCall);
 }
@@ -213,7 +211,7 @@ void Calls::hangUpAll(const QString &modem)
         fail(QStringLiteral("hangUpAll"), 0, {}, Telephony::NoCall);
     for (const QString &path : qAsConst(modems)) {
         tell(QStringLiteral("hangUpAll"), 0, {},
-             {path, managerInterface, QStringLiteral("HangupAll"), {}});
+             {path, managerInterface, QStringLiteral("HangupAll"), {}, true});
     }
 }
 

@@ -77,6 +77,7 @@ private Q_SLOTS:
     void showsTextsSafely();
     void limitsModems();
     void limitsCalls();
+    void limitsCommands_data();
     void limitsCommands();
     void survivesItsEndInAHandler_data();
     void survivesItsEndInAHandler();
@@ -435,17 +436,46 @@ void TestCallsAttacks::limitsCalls()
     QTRY_COMPARE(m_calls->count(), 999);
 }
 
+void TestCallsAttacks::limitsCommands_data()
+{
+    QTest::addColumn<QByteArray>("action");
+
+    for (const char *action : {"dial", "swap", "answer"})
+        QTest::newRow(action) << QByteArray(action);
+}
+
 void TestCallsAttacks::limitsCommands()
 {
-    startWith({});
+    QFETCH(QByteArray, action);
+
+    startWith({{QDBusObjectPath(one), FakeOfono::call(u"active"_s)}});
     QSignalSpy failures(m_calls.get(), &Calls::failed);
-    for (int i = 0; i < 100; ++i)
-        m_calls->dial(u"111"_s);
+    for (int i = 0; i < 100; ++i) {
+        if (action == "dial")
+            m_calls->dial(u"111"_s);
+        else if (action == "swap")
+            m_calls->swap();
+        else
+            m_calls->answer(m_calls->ongoing());
+    }
     QTRY_COMPARE(failures.count(), 36);
+    QCOMPARE(failures.at(0).at(0).toString(), QString::fromLatin1(action));
     QCOMPARE(failures.at(0).at(3).toInt(), int(Telephony::InProgress));
     QTRY_COMPARE(m_ofono->waiting(), 64);
+    m_ofono->forget();
+    for (const QString &number : {u"111"_s, u"*100#"_s}) {
+        m_calls->dial(number);
+        QVERIFY(failures.wait());
+        QCOMPARE(failures.constLast().at(2).toString(), number);
+        QCOMPARE(failures.constLast().at(3).toInt(), int(Telephony::InProgress));
+    }
     m_calls->dial(u"112"_s);
-    QTRY_COMPARE(m_ofono->waiting(), 65);
+    QCOMPARE(m_ofono->next(u"Dial"_s).arguments().at(0).toString(), u"112"_s);
+    m_calls->hangUp(m_calls->ongoing());
+    QCOMPARE(m_ofono->next(u"Hangup"_s).path(), one);
+    m_calls->hangUpAll();
+    QCOMPARE(m_ofono->next(u"HangupAll"_s).path(), first);
+    QCOMPARE(m_ofono->waiting(), 0);
 }
 
 void TestCallsAttacks::survivesItsEndInAHandler_data()
