@@ -18,7 +18,7 @@ enum Status {
     Starting, ///< It is being asked for its modems and calls.
     Ready, ///< Its modems and calls are known.
     Hung, ///< It has not answered for some seconds. It may go on at any time.
-    NoService, ///< It does not run, or refuses this process.
+    NoService, ///< It does not run, or does not tell this process its modems.
     NoBus ///< There is no system bus, or the connection to it is lost.
 };
 Q_ENUM_NS(Status)

@@ -71,6 +71,7 @@ private Q_SLOTS:
     void toleratesModemsOfAnotherShape();
     void toleratesCallsOfAnotherShape();
     void toleratesErrors();
+    void knowsWhatItMayNotDo();
     void toleratesPropertiesOfAnotherType_data();
     void toleratesPropertiesOfAnotherType();
     void toleratesSignalsOfAnotherShape();
@@ -327,6 +328,30 @@ void TestCallsAttacks::toleratesErrors()
     QCOMPARE(m_log->take(),
              QStringList(u"warning: Could not ask oFono for \"GetModems\" "
                          "QDBusError(\"org.freedesktop.DBus.Error.AccessDenied\", \"no\")"_s));
+}
+
+/// A policy of the bus may allow to ask for the modems and refuse the rest.
+void TestCallsAttacks::knowsWhatItMayNotDo()
+{
+    const QString denied = u"org.freedesktop.DBus.Error.AccessDenied"_s;
+    m_ofono = std::make_unique<FakeOfono>(m_bus.address());
+    QSignalSpy failures(m_calls.get(), &Calls::failed);
+    m_calls->componentComplete();
+    QTRY_COMPARE(m_calls->status(), Telephony::Ready);
+    m_ofono->answerNothing();
+    m_ofono->addModem(first, FakeOfono::modem());
+    for (const QString &question : {u"GetProperties"_s, u"GetCalls"_s, u"GetProperties"_s})
+        m_ofono->fail(m_ofono->next(question), denied, u"no"_s);
+    m_ofono->settle();
+    QCOMPARE(m_calls->status(), Telephony::Ready);
+    QCOMPARE(m_calls->modems(), QStringList(first));
+    QCOMPARE(m_calls->emergencyNumbers(), QStringList());
+    QCOMPARE(m_calls->count(), 0);
+    m_calls->dial(u"111"_s);
+    m_ofono->fail(m_ofono->next(u"Dial"_s), denied, u"no"_s);
+    QVERIFY(failures.wait());
+    QCOMPARE(failures.at(0).at(3).toInt(), int(Telephony::AccessDenied));
+    QCOMPARE(m_log->take().size(), 3);
 }
 
 void TestCallsAttacks::toleratesPropertiesOfAnotherType_data()
