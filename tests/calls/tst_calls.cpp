@@ -2,13 +2,11 @@
 // SPDX-License-Identifier: BSD-3-Clause
 
 #include "calls.h"
+#include "callstest.h"
 #include "fakeofono.h"
 #include "literals.h"
-#include "messagelog.h"
-#include "privatebus.h"
 
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <memory>
@@ -29,14 +27,12 @@ FakeObject object(const QString &path, const QVariantMap &properties)
 } // namespace
 
 /// The calls, with an oFono that is scripted message by message.
-class TestCalls : public QObject
+class TestCalls : public CallsTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void init();
-    void cleanup();
+    void cleanup() override;
 
     void connectsWhenItIsComplete();
     void knowsThatThereIsNoStack();
@@ -102,26 +98,11 @@ private:
     /// Waits for a failure, and returns it as "action call number error".
     QString failure();
 
-    QTemporaryDir m_folder;
-    PrivateBus m_bus;
-    std::unique_ptr<MessageLog> m_log;
     std::unique_ptr<FakeOfono> m_ofono;
     std::unique_ptr<Calls> m_calls;
     std::unique_ptr<QSignalSpy> m_failures;
     std::unique_ptr<QSignalSpy> m_ended;
 };
-
-void TestCalls::initTestCase()
-{
-    QVERIFY(m_bus.start(m_folder.path(), u"system"_s));
-}
-
-void TestCalls::init()
-{
-    qputenv("DBUS_SYSTEM_BUS_ADDRESS", m_bus.address().toUtf8());
-    qputenv("DBUS_SESSION_BUS_ADDRESS", m_bus.address().toUtf8());
-    m_log = std::make_unique<MessageLog>();
-}
 
 void TestCalls::cleanup()
 {
@@ -133,8 +114,7 @@ void TestCalls::cleanup()
     if (m_ofono)
         QCOMPARE(m_ofono->waiting(), 0);
     m_ofono.reset();
-    QCOMPARE(m_log->take().join(u'\n'), QString());
-    m_log.reset();
+    CallsTest::cleanup();
 }
 
 void TestCalls::startStack(const QStringList &modems)
@@ -161,20 +141,15 @@ void TestCalls::startWith(const QList<FakeObject> &calls)
 
 QVariant TestCalls::role(int row, const QByteArray &name) const
 {
-    return m_calls->data(m_calls->index(row), m_calls->roleNames().key(name));
+    return CallsTest::role(*m_calls, row, name);
 }
 
 QString TestCalls::failure()
 {
-    if (m_failures->isEmpty() && !m_failures->wait())
-        return {};
-    const QVariantList values = m_failures->takeFirst();
-    const auto error = static_cast<Telephony::Error>(values.at(3).toInt());
-    if (values.at(4).toString().isEmpty())
-        return u"no explanation"_s;
-    return u"%1 %2 %3 %4"_s.arg(
-        values.at(0).toString(), values.at(1).toString(), values.at(2).toString(),
-        QString::fromLatin1(QMetaEnum::fromType<Telephony::Error>().valueToKey(error)));
+    return takeFailure(*m_failures, [](const QVariantList &values) {
+        return u"%1 %2 %3"_s.arg(values.at(0).toString(), values.at(1).toString(),
+                                 values.at(2).toString());
+    });
 }
 
 void TestCalls::connectsWhenItIsComplete()

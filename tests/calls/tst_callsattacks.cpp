@@ -2,17 +2,15 @@
 // SPDX-License-Identifier: BSD-3-Clause
 
 #include "calls.h"
+#include "callstest.h"
 #include "fakeofono.h"
 #include "literals.h"
-#include "messagelog.h"
-#include "privatebus.h"
 #include "rawofono.h"
 #include "waitfor.h"
 #include "watchercount.h"
 
 #include <QDBusVariant>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <cstring>
@@ -52,14 +50,13 @@ RawMessage pathSignal(const QByteArray &destination, const char *interface, cons
 } // namespace
 
 /// The calls among processes that lie, hang and die, and handlers that do what they like.
-class TestCallsAttacks : public QObject
+class TestCallsAttacks : public CallsTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void init();
-    void cleanup();
+    void init() override;
+    void cleanup() override;
 
     void believesOnlyTheOwnersSignals();
     void believesOnlyTheOwnersAnswers();
@@ -90,23 +87,13 @@ private:
     void startWith(const QList<FakeObject> &calls);
     QVariant role(int row, const QByteArray &name) const;
 
-    QTemporaryDir m_folder;
-    PrivateBus m_bus;
-    std::unique_ptr<MessageLog> m_log;
     std::unique_ptr<FakeOfono> m_ofono;
     std::unique_ptr<Calls> m_calls;
 };
 
-void TestCallsAttacks::initTestCase()
-{
-    QVERIFY(m_bus.start(m_folder.path(), u"system"_s));
-    qputenv("DBUS_SYSTEM_BUS_ADDRESS", m_bus.address().toUtf8());
-    qputenv("DBUS_SESSION_BUS_ADDRESS", m_bus.address().toUtf8());
-}
-
 void TestCallsAttacks::init()
 {
-    m_log = std::make_unique<MessageLog>();
+    CallsTest::init();
     m_calls = std::make_unique<Calls>();
 }
 
@@ -114,8 +101,7 @@ void TestCallsAttacks::cleanup()
 {
     m_calls.reset();
     m_ofono.reset();
-    QCOMPARE(m_log->take().join(u'\n'), QString());
-    m_log.reset();
+    CallsTest::cleanup();
 }
 
 void TestCallsAttacks::startWith(const QList<FakeObject> &calls)
@@ -129,7 +115,7 @@ void TestCallsAttacks::startWith(const QList<FakeObject> &calls)
 
 QVariant TestCallsAttacks::role(int row, const QByteArray &name) const
 {
-    return m_calls->data(m_calls->index(row), m_calls->roleNames().key(name));
+    return CallsTest::role(*m_calls, row, name);
 }
 
 void TestCallsAttacks::believesOnlyTheOwnersSignals()

@@ -2,16 +2,14 @@
 // SPDX-License-Identifier: BSD-3-Clause
 
 #include "callaudio.h"
+#include "callstest.h"
 #include "literals.h"
-#include "messagelog.h"
-#include "privatebus.h"
 #include "rawconnection.h"
 #include "ringer.h"
 #include "scriptedservice.h"
 #include "watchercount.h"
 
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <memory>
@@ -26,14 +24,13 @@ const QString audioPath = u"/org/mobian_project/CallAudio"_s;
 } // namespace
 
 /// The ringing and the path of the sound, with services that are scripted message by message.
-class TestCallSound : public QObject
+class TestCallSound : public CallsTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void init();
-    void cleanup();
+    void init() override;
+    void cleanup() override;
 
     void rings();
     void doesNotRingWithoutFeedbackd();
@@ -61,24 +58,14 @@ private:
     void startCallaudiod();
     void startAudio();
 
-    QTemporaryDir m_folder;
-    PrivateBus m_bus;
-    std::unique_ptr<MessageLog> m_log;
     std::unique_ptr<ScriptedService> m_service;
     std::unique_ptr<Ringer> m_ringer;
     std::unique_ptr<CallAudio> m_audio;
 };
 
-void TestCallSound::initTestCase()
-{
-    QVERIFY(m_bus.start(m_folder.path(), u"session"_s));
-    qputenv("DBUS_SYSTEM_BUS_ADDRESS", m_bus.address().toUtf8());
-    qputenv("DBUS_SESSION_BUS_ADDRESS", m_bus.address().toUtf8());
-}
-
 void TestCallSound::init()
 {
-    m_log = std::make_unique<MessageLog>();
+    CallsTest::init();
     m_ringer = std::make_unique<Ringer>();
     m_audio = std::make_unique<CallAudio>();
 }
@@ -88,8 +75,7 @@ void TestCallSound::cleanup()
     m_ringer.reset();
     m_audio.reset();
     m_service.reset();
-    QCOMPARE(m_log->take().join(u'\n'), QString());
-    m_log.reset();
+    CallsTest::cleanup();
 }
 
 void TestCallSound::startFeedbackd()
