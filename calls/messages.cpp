@@ -3,7 +3,6 @@
 
 #include "messages.h"
 
-#include "busvalues.h"
 #include "phonenumber.h"
 
 #include <QDBusMessage>
@@ -25,7 +24,6 @@ constexpr int longestText = 255 * 153;
 
 Messages::Messages(QObject *parent)
     : QAbstractListModel(parent)
-    , m_ofono(nullptr)
 {
     m_ofono.follow(managerInterface, messageRemoved, QStringLiteral("o"));
     m_ofono.follow(messageInterface, QStringLiteral("PropertyChanged"), QStringLiteral("sv"));
@@ -147,20 +145,22 @@ void Messages::readPath(int id, const QDBusMessage &answer)
 
 void Messages::receive(const QDBusMessage &message)
 {
-    const bool isRemoved = message.member() == messageRemoved;
-    const int row = rowOf(isRemoved ? busPath(message) : message.path());
-    if (row < 0)
-        return;
-    const QVariant state = isRemoved ? QVariant() : busProperty(message).value;
-    if (isRemoved) {
+    if (message.member() != messageRemoved)
+        change(message.path(), busProperty(message));
+    else if (const int row = rowOf(busPath(message)); row >= 0)
         failRow(row, Telephony::Canceled);
-    } else if (busProperty(message).name == QLatin1String("State")) {
-        const Message finished = m_messages.at(row);
-        if (state == QLatin1String("failed"))
-            failRow(row, Telephony::Failed);
-        else if (state == QLatin1String("sent") && removeRow(row))
-            Q_EMIT sent(valuesOf(finished));
-    }
+}
+
+void Messages::change(const QString &path, const BusProperty &property)
+{
+    const int row = rowOf(path);
+    if (row < 0 || property.name != QLatin1String("State"))
+        return;
+    const Message message = m_messages.at(row);
+    if (property.value == QLatin1String("failed"))
+        failRow(row, Telephony::Failed);
+    else if (property.value == QLatin1String("sent") && removeRow(row))
+        Q_EMIT sent(valuesOf(message));
 }
 
 void Messages::followModem(const QString &modem)

@@ -12,6 +12,7 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -19,6 +20,29 @@ bool hasDisplay()
 {
     const auto isSet = [](const char *variable) { return !qEnvironmentVariableIsEmpty(variable); };
     return isSet("DISPLAY") || isSet("WAYLAND_DISPLAY") || isSet("QT_QPA_PLATFORM");
+}
+
+/// Returns what is wrong with options that are given together; empty if nothing is.
+QString conflict(const QCommandLineParser &parser)
+{
+    const auto both = [&parser](const char *one, const char *other) {
+        return parser.isSet(QString::fromLatin1(one)) && parser.isSet(QString::fromLatin1(other));
+    };
+    using Pair = std::pair<const char *, const char *>;
+    for (const auto &[option, needed] : {Pair("junit", "tests"), Pair("replay", "watch")}) {
+        if (both(option, option) && !both(option, needed))
+            return QStringLiteral("--%1 needs --%2.")
+                .arg(QLatin1String(option), QLatin1String(needed));
+    }
+    // Each script of a folder has a handset of its own, which keeps nothing.
+    for (const auto &[one, other] :
+         {Pair("tests", "script"), Pair("tests", "tour"), Pair("tests", "state"),
+          Pair("tests", "watch"), Pair("script", "tour")}) {
+        if (both(one, other))
+            return QStringLiteral("--%1 and --%2 cannot be combined.")
+                .arg(QLatin1String(one), QLatin1String(other));
+    }
+    return {};
 }
 
 } // namespace
@@ -91,6 +115,8 @@ Arguments Arguments::parse(int argc, char *argv[])
         arguments.error = parser.errorText();
     else if (const QStringList surplus = parser.positionalArguments(); !surplus.isEmpty())
         arguments.error = QStringLiteral("Unexpected argument '%1'.").arg(surplus.constFirst());
+    else
+        arguments.error = conflict(parser);
     if (parser.isSet(help)) {
         const QCoreApplication application(argc, argv); // The text has its name.
         arguments.answer = parser.helpText();

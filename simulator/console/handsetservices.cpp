@@ -6,6 +6,8 @@
 #include "atmodems.h"
 #include "transcript.h"
 
+#include <algorithm>
+
 namespace {
 
 QProcessEnvironment environmentOf(const HandsetServices::World &world)
@@ -42,22 +44,25 @@ HandsetServices::HandsetServices(const World &world, const QDBusConnection &sess
 {
     const QProcessEnvironment environment = environmentOf(world);
     const QString callHistory = QStringLiteral("com.nokia.telephony.callhistory");
-    add({QStringLiteral("time-daemon"), QStringLiteral("com.nimbo.timed"), world.stateFolder},
-        system, environment);
+    ServiceProcess *const timeDaemon =
+        add({QStringLiteral("time-daemon"), QStringLiteral("com.nimbo.timed"), world.stateFolder},
+            system, environment);
     add({QStringLiteral("notification-service"), QStringLiteral("org.freedesktop.Notifications"),
          world.stateFolder},
         session, environment);
-    add({QStringLiteral("alarm-service"), QStringLiteral("com.nimbo.parley.alarm"),
-         world.stateFolder},
-        session, environment);
+    // It would log that there is no time daemon.
+    m_followers[timeDaemon] = add({QStringLiteral("alarm-service"),
+                                   QStringLiteral("com.nimbo.parley.alarm"), world.stateFolder},
+                                  session, environment);
     add({QStringLiteral("call-history"), callHistory, world.stateFolder}, session, environment);
     const QString telephony = QStringLiteral("telephony");
     if (world.hasOfono) {
-        add({QStringLiteral("modem"), AtModems::busName(), world.stateFolder}, system, environment);
-        // It is of use when the modems are online.
-        add({telephony, AtModems::onlineName(), world.stateFolder, QStringLiteral("ofono")}, system,
-            environment);
-        m_ofono = m_processes.back().get();
+        ServiceProcess *const modem = add(
+            {QStringLiteral("modem"), AtModems::busName(), world.stateFolder}, system, environment);
+        // It reads where the modems are, and is of use when they are online.
+        m_followers[modem] =
+            add({telephony, AtModems::onlineName(), world.stateFolder, QStringLiteral("ofono")},
+                system, environment);
     } else {
         add({telephony, QStringLiteral("org.ofono"), world.stateFolder}, system, environment);
     }
@@ -67,8 +72,9 @@ HandsetServices::HandsetServices(const World &world, const QDBusConnection &sess
                                      SLOT(callHistoryLaunched(QStringList)));
 }
 
-void HandsetServices::add(const ServiceProcess::Service &service, const QDBusConnection &bus,
-                          const QProcessEnvironment &environment)
+ServiceProcess *HandsetServices::add(const ServiceProcess::Service &service,
+                                     const QDBusConnection &bus,
+                                     const QProcessEnvironment &environment)
 {
     auto process = std::make_unique<ServiceProcess>(service, bus, environment);
     const QString source = QString(service.name).replace(QLatin1Char('-'), QLatin1Char(' '));
@@ -76,30 +82,32 @@ void HandsetServices::add(const ServiceProcess::Service &service, const QDBusCon
     connect(process.get(), &ServiceProcess::logged, this, record);
     connect(process.get(), &ServiceProcess::ended, this, record);
     m_processes.push_back(std::move(process));
+    return m_processes.back().get();
 }
 
 void HandsetServices::start(const std::function<void()> &settled)
 {
     m_awaited = m_processes.size();
-    m_settled = settled;
     for (const auto &process : m_processes) {
-        if (process.get() != m_ofono)
-            start(*process);
+        const auto comesAfter = [&process](const auto &pair) {
+            return pair.second == process.get();
+        };
+        if (std::none_of(m_followers.cbegin(), m_followers.cend(), comesAfter))
+            start(process.get(), settled);
     }
 }
 
-/// oFono reads where the modems are when it starts.
-void HandsetServices::start(ServiceProcess &process)
+void HandsetServices::start(ServiceProcess *process, const std::function<void()> &settled)
 {
-    const QString name = process.name();
-    process.start([this, name](Outcome outcome, const QString &text) {
+    process->start([this, process, settled](Outcome outcome, const QString &text) {
         if (outcome == Outcome::Failed)
-            m_transcript.say(QStringLiteral("The %1 did not start: %2").arg(name, text));
-        --m_awaited;
-        if (m_awaited == 0)
-            m_settled();
-        else if (m_awaited == 1 && m_ofono != nullptr)
-            start(*m_ofono);
+            m_transcript.say(
+                QStringLiteral("The %1 did not start: %2").arg(process->command().name, text));
+        const auto follower = m_followers.find(process);
+        if (follower != m_followers.cend())
+            start(follower->second, settled);
+        if (--m_awaited == 0)
+            settled();
     });
 }
 

@@ -15,6 +15,7 @@
 
 #include <array>
 #include <functional>
+#include <map>
 #include <memory>
 #include <vector>
 
@@ -61,9 +62,9 @@ private Q_SLOTS:
 
 private:
     std::array<ServiceTalk *, 5> talks();
-    void start(ServiceProcess &process);
-    void add(const ServiceProcess::Service &service, const QDBusConnection &bus,
-             const QProcessEnvironment &environment);
+    ServiceProcess *add(const ServiceProcess::Service &service, const QDBusConnection &bus,
+                        const QProcessEnvironment &environment);
+    void start(ServiceProcess *process, const std::function<void()> &settled);
 
     Transcript &m_transcript;
     AlarmCommands m_alarms;
@@ -73,7 +74,7 @@ private:
     CallCommands m_calls;
     CallRuleCommands m_rules;
     std::vector<std::unique_ptr<ServiceProcess>> m_processes;
-    ServiceProcess *m_ofono = nullptr; ///< Starts after the modems, if it is the real one.
+    /// What starts when another process has.
+    std::map<ServiceProcess *, ServiceProcess *> m_followers;
     std::size_t m_awaited = 0;
-    std::function<void()> m_settled;
 };

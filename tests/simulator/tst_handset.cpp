@@ -3,6 +3,7 @@
 
 #include "filterrule.h"
 #include "literals.h"
+#include "runningprogram.h"
 #include "scriptedservice.h"
 #include "words.h"
 
@@ -10,6 +11,7 @@
 #include <QDBusMessage>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QProcess>
@@ -156,6 +158,8 @@ void TestHandset::init()
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(u"PARLEY_TEST_MARK"_s, m_folder->path());
     environment.insert(u"TMPDIR"_s, m_folder->path());
+    environment.insert(u"LC_ALL"_s, u"C.UTF-8"_s);
+    environment.remove(u"LANGUAGE"_s);
     environment.remove(u"DISPLAY"_s);
     environment.remove(u"WAYLAND_DISPLAY"_s);
     environment.remove(u"QT_QPA_PLATFORM"_s);
@@ -231,9 +235,8 @@ pid_t TestHandset::processNamed(const QByteArray &command)
 void TestHandset::killTheUi()
 {
     const QList<pid_t> processes = processesMarked(m_mark);
-    const auto isUi = [](pid_t process) {
-        return QFile::symLinkTarget(u"/proc/%1/exe"_s.arg(process)).endsWith(u"/parley-ui"_s);
-    };
+    const QString program = QFileInfo(qEnvironmentVariable("PARLEY_UI")).canonicalFilePath();
+    const auto isUi = [&program](pid_t process) { return runsProgram(process, program); };
     const auto ui = std::find_if(processes.cbegin(), processes.cend(), isUi);
     QVERIFY(ui != processes.cend());
     QCOMPARE(kill(*ui, SIGKILL), 0);
@@ -925,6 +928,13 @@ void TestHandset::refusesBadArguments_data()
         << QStringList(u"--bogus"_s) << u"(parley-handset: )?Unknown option 'bogus'\\."_s;
     QTest::newRow("surplus argument") << QStringList{u"--no-panel"_s, u"surplus"_s}
                                       << u"parley-handset: Unexpected argument 'surplus'\\."_s;
+    QTest::newRow("a report of no tests") << QStringList{u"--junit"_s, u"/nonexistent"_s}
+                                          << u"parley-handset: --junit needs --tests\\."_s;
+    QTest::newRow("a request again without watching")
+        << QStringList{u"--replay"_s} << u"parley-handset: --replay needs --watch\\."_s;
+    QTest::newRow("tests that keep something")
+        << QStringList{u"--tests"_s, u"/"_s, u"--state"_s, u"/nonexistent"_s}
+        << u"parley-handset: --tests and --state cannot be combined\\."_s;
     QTest::newRow("no such script") << QStringList{u"--script"_s, u"/nonexistent"_s}
                                     << u"/nonexistent: No such file or directory"_s;
     QTest::newRow("folder as script")
