@@ -35,12 +35,6 @@ void Pace::add(const std::function<void()> &action)
     schedule();
 }
 
-void Pace::clear()
-{
-    m_waiting.clear();
-    m_timer.stop();
-}
-
 void Pace::schedule()
 {
     if (m_waiting.isEmpty() || m_speed == Speed::Hung || m_timer.isActive())

@@ -24,8 +24,6 @@ public:
     void setSpeed(Speed speed);
     /// Does \a action when its turn comes. It may add others, and destroy this object.
     void add(const std::function<void()> &action);
-    /// Drops what waits.
-    void clear();
 
 private:
     void schedule();

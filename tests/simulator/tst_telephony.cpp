@@ -8,6 +8,7 @@
 #include <QCoreApplication>
 #include <QDBusArgument>
 #include <QDBusMetaType>
+#include <QDBusPendingCall>
 #include <QDBusVariant>
 #include <QDir>
 #include <QFile>
@@ -49,6 +50,13 @@ Rules rulesWith(uint defaultAction, const FilterRules &rules = {})
 }
 
 const QString callsInterface = u"org.ofono.VoiceCallManager"_s;
+const QString messagesInterface = u"org.ofono.MessageManager"_s;
+const QString networkInterface = u"org.ofono.NetworkRegistration"_s;
+const QString servicesInterface = u"org.ofono.SupplementaryServices"_s;
+const QString callInterface = u"org.ofono.VoiceCall"_s;
+const QString messageInterface = u"org.ofono.Message"_s;
+const QString networkControl = u"com.nimbo.simulator.Network"_s;
+
 const QStringList interfacesWithoutSim{simManager, callsInterface};
 const QStringList interfacesWithSim{simManager, callsInterface, u"org.ofono.MessageManager"_s,
                                     u"org.ofono.NetworkRegistration"_s,
@@ -159,12 +167,24 @@ private Q_SLOTS:
     void goesOnWhereNothingCanBeKept();
     void refusesWhatCannotBe_data();
     void refusesWhatCannotBe();
+    void phones();
+    void refusesAsOfonoDoes_data();
+    void refusesAsOfonoDoes();
+    void sendsAMessage();
+    void losesTheNetwork();
+    void answersAtThePaceOfTheModem();
+    void refusesWhatTheNetworkCannot_data();
+    void refusesWhatTheNetworkCannot();
     void refusesOtherSignatures();
 
     void received(const QDBusMessage &message);
 
 private:
     bool does(const QString &method, const QVariantList &arguments) const;
+    QString acts(const QString &method, const QVariantList &arguments) const;
+    QString asks(const QString &interface, const QString &method,
+                 const QVariantList &arguments) const;
+    void follow(const QStringList &interfaces);
     QStringList heard();
     QVariantMap propertiesOf(const QString &path, const QString &interface) const;
     OfonoObjects modems() const;
@@ -221,6 +241,34 @@ bool TestTelephony::does(const QString &method, const QVariantList &arguments) c
     if (reply.type() != QDBusMessage::ReplyMessage)
         qWarning("%s", qUtf8Printable(reply.errorMessage()));
     return reply.type() == QDBusMessage::ReplyMessage;
+}
+
+/// Acts as the network. Returns why that is refused, or nothing if it is not.
+QString TestTelephony::acts(const QString &method, const QVariantList &arguments) const
+{
+    return m_stack->call(networkControl, method, arguments).errorMessage();
+}
+
+/// Asks the first modem for something. Returns the path in the reply, if any, or the error.
+QString TestTelephony::asks(const QString &interface, const QString &method,
+                            const QVariantList &arguments) const
+{
+    const QDBusMessage reply = m_stack->callAt(u"/ril_0"_s, interface, method, arguments);
+    return reply.type() == QDBusMessage::ErrorMessage
+        ? reply.errorName()
+        : reply.arguments().value(0).value<QDBusObjectPath>().path();
+}
+
+/// Hears only the signals of these interfaces from now on.
+void TestTelephony::follow(const QStringList &interfaces)
+{
+    for (const QString &interface : {control, manager, modemInterface, simManager, filterInterface})
+        m_stack->bus().disconnect(u"org.ofono"_s, QString(), interface, QString(), this,
+                                  SLOT(received(QDBusMessage)));
+    for (const QString &interface : interfaces)
+        QVERIFY(m_stack->bus().connect(u"org.ofono"_s, QString(), interface, QString(), this,
+                                       SLOT(received(QDBusMessage))));
+    heard();
 }
 
 /// Returns the signals since the last call. Signals that were sent before a reply that has been
@@ -288,6 +336,44 @@ void TestTelephony::offersItsInterfaces_data()
     QTest::newRow("dial filter") << u"/mdm/parleyfilter/dial"_s << filterInterface << filter;
     QTest::newRow("incoming filter")
         << u"/mdm/parleyfilter/incoming"_s << filterInterface << filter;
+    const QStringList calls{
+        u".CreateMultiparty method - ao -"_s, u".Dial method ss o -"_s,
+        u".GetCalls method - a(oa{sv}) -"_s,  u".GetProperties method - a{sv} -"_s,
+        u".HangupAll method - - -"_s,         u".HangupMultiparty method - - -"_s,
+        u".HoldAndAnswer method - - -"_s,     u".PrivateChat method o ao -"_s,
+        u".ReleaseAndAnswer method - - -"_s,  u".ReleaseAndSwap method - - -"_s,
+        u".SendTones method s - -"_s,         u".SwapCalls method - - -"_s,
+        u".Transfer method - - -"_s,          u".CallAdded signal oa{sv} - -"_s,
+        u".CallRemoved signal o - -"_s,       u".PropertyChanged signal sv - -"_s};
+    QTest::newRow("calls") << u"/ril_0"_s << callsInterface << calls;
+    QTest::newRow("messages") << u"/ril_0"_s << messagesInterface
+                              << QStringList{u".GetMessages method - a(oa{sv}) -"_s,
+                                             u".GetProperties method - a{sv} -"_s,
+                                             u".SendMessage method ss o -"_s,
+                                             u".MessageAdded signal oa{sv} - -"_s,
+                                             u".MessageRemoved signal o - -"_s};
+    QTest::newRow("network") << u"/ril_0"_s << networkInterface
+                             << QStringList{u".GetProperties method - a{sv} -"_s,
+                                            u".PropertyChanged signal sv - -"_s};
+    QTest::newRow("services") << u"/ril_0"_s << servicesInterface
+                              << QStringList{u".Cancel method - - -"_s,
+                                             u".GetProperties method - a{sv} -"_s,
+                                             u".Initiate method s sv -"_s,
+                                             u".Respond method s s -"_s,
+                                             u".PropertyChanged signal sv - -"_s};
+    QTest::newRow("network control") << u"/"_s << networkControl
+                                     << QStringList{u".ListCalls method - a(sss) -"_s,
+                                                    u".Remote method ss - -"_s,
+                                                    u".Ring method ss s -"_s,
+                                                    u".SetNetwork method ss - -"_s,
+                                                    u".CallChanged signal sss - -"_s,
+                                                    u".CallEnded signal sss - -"_s,
+                                                    u".Dialled signal ss - -"_s,
+                                                    u".MessageSent signal sss - -"_s,
+                                                    u".NetworkChanged signal ss - -"_s,
+                                                    u".Ready signal s - -"_s,
+                                                    u".ServiceRequested signal ss - -"_s,
+                                                    u".TonesSent signal ss - -"_s};
     QTest::newRow("control")
         << u"/"_s << control
         << QStringList{u".InsertSim method ss s -"_s,        u".ListSims method - a{s(sb)} -"_s,
@@ -858,6 +944,185 @@ void TestTelephony::refusesWhatCannotBe()
     QCOMPARE(sims(), before);
     QCOMPARE(rules(u"dial"_s), rulesWith(2));
     QCOMPARE(rules(u"incoming"_s), rulesWith(2));
+}
+
+/// A call on the bus, from Dial to its end.
+void TestTelephony::phones()
+{
+    QVERIFY(does(u"InsertSim"_s, {imsi, QString()}));
+    follow({callsInterface, callInterface});
+    QCOMPARE(asks(callsInterface, u"Dial"_s, {u"5551234"_s, QString()}), u"/ril_0/voicecall01"_s);
+    QCOMPARE(propertiesOf(u"/ril_0/voicecall01"_s, callInterface),
+             QVariantMap({{u"State"_s, u"dialing"_s},
+                          {u"LineIdentification"_s, u"5551234"_s},
+                          {u"Name"_s, QString()},
+                          {u"Multiparty"_s, false},
+                          {u"RemoteHeld"_s, false},
+                          {u"RemoteMultiparty"_s, false},
+                          {u"Emergency"_s, false}}));
+    QTRY_VERIFY(m_heard.contains(u"/ril_0/voicecall01 VoiceCall.PropertyChanged State alerting"_s));
+    QCOMPARE(acts(u"Remote"_s, {u"answer"_s, QString()}), QString());
+    QTRY_VERIFY(m_heard.contains(u"/ril_0/voicecall01 VoiceCall.PropertyChanged State active"_s));
+    QVERIFY(propertiesOf(u"/ril_0/voicecall01"_s, callInterface).contains(u"StartTime"_s));
+    QCOMPARE(asks(callsInterface, u"SendTones"_s, {u"12#"_s}), QString());
+    QCOMPARE(m_stack->callAt(u"/ril_0/voicecall01"_s, callInterface, u"Hangup"_s).type(),
+             QDBusMessage::ReplyMessage);
+    QTRY_COMPARE(m_heard.constLast(), u"/ril_0 VoiceCallManager.CallRemoved /ril_0/voicecall01"_s);
+    const QStringList all = heard();
+    QCOMPARE(all.mid(all.size() - 3),
+             QStringList({u"/ril_0/voicecall01 VoiceCall.DisconnectReason local"_s,
+                          u"/ril_0/voicecall01 VoiceCall.PropertyChanged State disconnected"_s,
+                          u"/ril_0 VoiceCallManager.CallRemoved /ril_0/voicecall01"_s}));
+    QCOMPARE(m_stack->callAt(u"/ril_0/voicecall01"_s, callInterface, u"Hangup"_s).errorName(),
+             u"org.freedesktop.DBus.Error.UnknownObject"_s);
+}
+
+void TestTelephony::refusesAsOfonoDoes_data()
+{
+    QTest::addColumn<QString>("interface");
+    QTest::addColumn<QString>("method");
+    QTest::addColumn<QVariantList>("arguments");
+    QTest::addColumn<QString>("error");
+
+    const auto row = [](const char *name, const QString &interface, const QString &method,
+                        const QVariantList &arguments, const QString &error) {
+        QTest::newRow(name) << interface << method << arguments << error;
+    };
+    const QString call = u"/ril_0/voicecall01"_s;
+    const QVariant path = QVariant::fromValue(QDBusObjectPath(call));
+    row("no number", callsInterface, u"Dial"_s, {u"55a"_s, QString()}, u"InvalidFormat"_s);
+    row("empty number", callsInterface, u"Dial"_s, {QString(), QString()}, u"InvalidFormat"_s);
+    row("request", callsInterface, u"Dial"_s, {u"*100#"_s, QString()}, u"InvalidFormat"_s);
+    row("own number", callsInterface, u"Dial"_s, {u"555"_s, u"bogus"_s}, u"InvalidFormat"_s);
+    for (const QString &method : {u"SwapCalls"_s, u"ReleaseAndAnswer"_s, u"HoldAndAnswer"_s,
+                                  u"ReleaseAndSwap"_s, u"CreateMultiparty"_s, u"Transfer"_s})
+        row(qPrintable(method), callsInterface, method, {}, u"Failed"_s);
+    row("no such call", callsInterface, u"PrivateChat"_s, {path}, u"NotFound"_s);
+    row("tones without a call", callsInterface, u"SendTones"_s, {u"1"_s}, u"Failed"_s);
+    row("no tones", callsInterface, u"SendTones"_s, {u"x"_s}, u"InvalidFormat"_s);
+    row("message to nobody", messagesInterface, u"SendMessage"_s, {u"me"_s, u"Hi"_s},
+        u"InvalidFormat"_s);
+    row("no request", servicesInterface, u"Initiate"_s, {u"100"_s}, u"InvalidFormat"_s);
+    row("unknown request", servicesInterface, u"Initiate"_s, {u"*109#"_s}, u"NotSupported"_s);
+    row("reply to nothing", servicesInterface, u"Respond"_s, {u"1"_s}, u"NotActive"_s);
+    row("end of nothing", servicesInterface, u"Cancel"_s, {}, u"NotActive"_s);
+}
+
+void TestTelephony::refusesAsOfonoDoes()
+{
+    QFETCH(QString, interface);
+    QFETCH(QString, method);
+    QFETCH(QVariantList, arguments);
+    QFETCH(QString, error);
+
+    QVERIFY(does(u"InsertSim"_s, {imsi, QString()}));
+    heard();
+    QCOMPARE(asks(interface, method, arguments), u"org.ofono.Error."_s + error);
+}
+
+void TestTelephony::sendsAMessage()
+{
+    QVERIFY(does(u"InsertSim"_s, {imsi, QString()}));
+    follow({messagesInterface, messageInterface, networkControl});
+    QCOMPARE(asks(messagesInterface, u"SendMessage"_s, {u"5551234"_s, u"On my way"_s}),
+             u"/ril_0/message_1"_s);
+    QCOMPARE(propertiesOf(u"/ril_0/message_1"_s, messageInterface),
+             QVariantMap({{u"State"_s, u"pending"_s}}));
+    const QString removed = u"/ril_0 MessageManager.MessageRemoved "_s;
+    QTRY_VERIFY(m_heard.contains(removed + u"/ril_0/message_1"_s));
+    QCOMPARE(heard(),
+             QStringList({u"/ril_0 MessageManager.MessageAdded /ril_0/message_1 [State]"_s,
+                          u"/ Network.MessageSent /ril_0 5551234 On my way"_s,
+                          u"/ril_0/message_1 Message.PropertyChanged State sent"_s,
+                          removed + u"/ril_0/message_1"_s}));
+
+    // One that waits for the network can be taken back.
+    QCOMPARE(acts(u"SetNetwork"_s, {u"lost"_s, QString()}), QString());
+    QCOMPARE(asks(messagesInterface, u"SendMessage"_s, {u"5551234"_s, u"Later"_s}),
+             u"/ril_0/message_2"_s);
+    QCOMPARE(m_stack->callAt(u"/ril_0/message_2"_s, messageInterface, u"Cancel"_s).type(),
+             QDBusMessage::ReplyMessage);
+    QTRY_VERIFY(m_heard.contains(removed + u"/ril_0/message_2"_s));
+    QVERIFY(heard().contains(u"/ril_0/message_2 Message.PropertyChanged State failed"_s));
+}
+
+void TestTelephony::losesTheNetwork()
+{
+    QVERIFY(does(u"InsertSim"_s, {imsi, QString()}));
+    const QVariantMap registered = propertiesOf(u"/ril_0"_s, networkInterface);
+    QCOMPARE(registered.value(u"Status"_s), u"registered"_s);
+    QCOMPARE(registered.value(u"Name"_s), u"Nimbo Mobile"_s);
+    QCOMPARE(acts(u"Ring"_s, {u"5551234"_s, QString()}), QString());
+    follow({networkInterface, callInterface});
+    QCOMPARE(acts(u"SetNetwork"_s, {u"lost"_s, u"ril_0"_s}), QString());
+    QTRY_VERIFY(m_heard.contains(u"/ril_0/voicecall01 VoiceCall.DisconnectReason network"_s));
+    QTRY_VERIFY(m_heard.contains(u"/ril_0 NetworkRegistration.PropertyChanged Status searching"_s));
+    QCOMPARE(asks(callsInterface, u"Dial"_s, {u"5551234"_s, QString()}),
+             u"org.ofono.Error.Failed"_s);
+    QCOMPARE(asks(callsInterface, u"Dial"_s, {u"112"_s, QString()}), u"/ril_0/voicecall01"_s);
+    QCOMPARE(propertiesOf(u"/ril_0/voicecall01"_s, callInterface).value(u"Emergency"_s), true);
+    QCOMPARE(asks(callsInterface, u"HangupAll"_s, {}), QString());
+    heard();
+}
+
+/// A slow modem answers, and one that hangs does so when it is mended.
+void TestTelephony::answersAtThePaceOfTheModem()
+{
+    QVERIFY(does(u"InsertSim"_s, {imsi, QString()}));
+    QCOMPARE(acts(u"SetNetwork"_s, {u"slow"_s, QString()}), QString());
+    QCOMPARE(asks(callsInterface, u"Dial"_s, {u"5551234"_s, QString()}), u"/ril_0/voicecall01"_s);
+    QCOMPARE(acts(u"SetNetwork"_s, {u"hang"_s, QString()}), QString());
+    const QDBusMessage hangUp =
+        QDBusMessage::createMethodCall(u"org.ofono"_s, u"/ril_0"_s, callsInterface, u"HangupAll"_s);
+    const QDBusPendingCall pending = m_stack->bus().asyncCall(hangUp);
+    QCOMPARE(propertiesOf(u"/ril_0/voicecall01"_s, callInterface).isEmpty(), false);
+    QVERIFY(!pending.isFinished());
+    QCOMPARE(acts(u"SetNetwork"_s, {u"back"_s, QString()}), QString());
+    QTRY_VERIFY(pending.isFinished());
+    QVERIFY(!pending.isError());
+    heard();
+}
+
+void TestTelephony::refusesWhatTheNetworkCannot_data()
+{
+    QTest::addColumn<QString>("method");
+    QTest::addColumn<QVariantList>("arguments");
+    QTest::addColumn<QString>("complaint");
+
+    const auto row = [](const char *name, const QString &method, const QVariantList &arguments,
+                        const QString &complaint) {
+        QTest::newRow(name) << method << arguments << complaint;
+    };
+    const QString none;
+    row("ring no number", u"Ring"_s, {u"me"_s, none},
+        u"\"me\" is no number; withheld stands for none"_s);
+    row("ring no modem", u"Ring"_s, {u"5551234"_s, u"ril_7"_s}, u"there is no modem /ril_7"_s);
+    row("ring without a SIM", u"Ring"_s, {u"5551234"_s, u"ril_1"_s},
+        u"/ril_1 is not in the network"_s);
+    row("ring twice", u"Ring"_s, {u"5551234"_s, none}, u"/ril_0 takes no call now"_s);
+    row("answer what comes in", u"Remote"_s, {u"answer"_s, none},
+        u"there is no call for which the other side can answer"_s);
+    row("hang up another", u"Remote"_s, {u"hangup"_s, u"5551234"_s},
+        u"there is no call for which the other side can hangup"_s);
+    row("no action", u"Remote"_s, {u"sing"_s, none},
+        u"the other side can answer, be busy, hangup, hold and resume"_s);
+    row("no condition", u"SetNetwork"_s, {u"fine"_s, none},
+        u"the network can be lost, refuse and be back; a modem can be slow, hang and be gone"_s);
+    row("network of no modem", u"SetNetwork"_s, {u"lost"_s, u"ril_7"_s},
+        u"there is no modem /ril_7"_s);
+}
+
+void TestTelephony::refusesWhatTheNetworkCannot()
+{
+    QFETCH(QString, method);
+    QFETCH(QVariantList, arguments);
+    QFETCH(QString, complaint);
+
+    QVERIFY(does(u"InsertSim"_s, {imsi, u"ril_0"_s}));
+    QCOMPARE(acts(u"Ring"_s, {u"withheld"_s, QString()}), QString());
+    QCOMPARE(acts(method, arguments), complaint);
+    QCOMPARE(m_stack->call(networkControl, u"ListCalls"_s).signature(), u"a(sss)"_s);
+    heard();
 }
 
 void TestTelephony::refusesOtherSignatures()
