@@ -69,8 +69,8 @@ const QHash<QByteArray, QByteArray> &constants()
         {"+CSMS?", "+CSMS: 1,1,1,1"},
         {"+CMGF=?", "+CMGF: (0)"},
         {"+CMGF=0", ""},
-        {"+CPMS=?", "+CPMS: (\"SM\"),(\"SM\"),(\"SM\")"},
-        {"+CPMS=\"SM\",\"SM\",\"SM\"", "+CPMS: 0,10,0,10,0,10"},
+        {"+CPMS=?", R"(+CPMS: ("SM"),("SM"),("SM"))"},
+        {R"(+CPMS="SM","SM","SM")", "+CPMS: 0,10,0,10,0,10"},
         {"+CNMI=?", "+CNMI: (0-2),(0-3),(0,2),(0-2),(0,1)"},
         {"+CNMI=2,2,2,1,0", ""},
         {"+CSCA?", "+CSCA: \"+15550000\",145"},
@@ -537,5 +537,5 @@ void AtSession::followRegistration()
 /// Returns the state and the place in the network (3GPP TS 27.007, 7.2).
 QByteArray AtSession::registration() const
 {
-    return m_line.isRegistered() ? "1,\"0001\",\"00000001\"" : "2";
+    return m_line.isRegistered() ? R"(1,"0001","00000001")" : "2";
 }

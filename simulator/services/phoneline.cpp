@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <utility>
 
 namespace {
 
@@ -13,9 +14,9 @@ constexpr std::chrono::milliseconds search(300);
 
 } // namespace
 
-PhoneLine::PhoneLine(const Sim &sim, QObject *parent)
+PhoneLine::PhoneLine(Sim sim, QObject *parent)
     : QObject(parent)
-    , m_sim(sim)
+    , m_sim(std::move(sim))
 {
     update();
     m_search.setSingleShot(true);

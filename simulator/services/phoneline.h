@@ -40,7 +40,7 @@ public:
     /// Returns whether \a text can be dialled or sent to.
     static bool isNumber(const QString &text, int mostDigits = 80);
 
-    explicit PhoneLine(const Sim &sim, QObject *parent = nullptr);
+    explicit PhoneLine(Sim sim, QObject *parent = nullptr);
 
     NetworkCalls &calls() { return m_calls; }
     /// Modems give what they are told to this queue.
