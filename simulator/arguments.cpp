@@ -71,7 +71,7 @@ Arguments Arguments::parse(int argc, char *argv[])
 
     QCommandLineParser parser;
     parser.setApplicationDescription(
-        QStringLiteral("A handset on a desktop: runs the call UI with the demo screens on private "
+        QStringLiteral("A handset on a desktop: runs the call UI with its screens on private "
                        "buses, and takes commands\n"
                        "from standard input and from its control panel. The command \"help\" lists "
                        "them."));

@@ -69,7 +69,7 @@ const QVector<Request> &requests()
 
 } // namespace
 
-/// The demo's screens for eyes that see little or nothing, on displays of every shape, and in other
+/// The screens for eyes that see little or nothing, on displays of every shape, and in other
 /// languages.
 class TestEyes : public QObject
 {
@@ -423,8 +423,8 @@ bool TestEyes::translate(const QString &folder) const
 {
     const QString source = folder + u"/texts.ts"_s;
     if (QProcess::execute(QStringLiteral(PARLEY_LUPDATE),
-                          {u"-silent"_s, QStringLiteral(PARLEY_DEMO_FOLDER), u"-target-language"_s,
-                           u"de"_s, u"-ts"_s, source})
+                          {u"-silent"_s, QStringLiteral(PARLEY_SCREENS_SOURCES),
+                           u"-target-language"_s, u"de"_s, u"-ts"_s, source})
         != 0)
         return false;
     QFile file(source);

@@ -41,7 +41,7 @@ int pixelsOf(const QSize &size)
 
 } // namespace
 
-/// The demo's screens on a display, with the window of another process. Each has one colour.
+/// The screens on a display, with the window of another process. Each has one colour.
 class TestFront : public QObject
 {
     Q_OBJECT
