@@ -152,6 +152,7 @@ void Handset::addValues()
     add(QStringLiteral("ID"), m_services->notifications().list());
     add(QStringLiteral("MODEM"), m_services->sims().list());
     add(QStringLiteral("[MODEM]"), m_services->sims().list());
+    add(QStringLiteral("[CALL]"), m_services->calls().list());
     m_interpreter.addValues(QStringLiteral("ACTION"), &CallRuleCommands::actionNames);
 }
 
