@@ -100,6 +100,7 @@ Arguments Arguments::parse(int argc, char *argv[])
     arguments.handset.catalogueFolder = places.translations;
     arguments.handset.qmlFile = parser.value(qml);
     arguments.handset.phoneFolder = places.phone;
+    arguments.handset.moduleFolder = places.modules;
     arguments.handset.kitFolder = places.kit;
     arguments.handset.stateFolder = parser.value(state);
     arguments.handset.hasPanel = hasDisplay() && !parser.isSet(noPanel);
