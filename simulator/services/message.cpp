@@ -3,6 +3,8 @@
 
 #include "message.h"
 
+#include <QDBusMessage>
+
 #include <utility>
 
 Message::Message(QDBusConnection bus, QString path, Content content)
@@ -22,7 +24,11 @@ Message::~Message()
 void Message::setState(const QString &state)
 {
     m_state = state;
-    Q_EMIT PropertyChanged(QStringLiteral("State"), QDBusVariant(state));
+    // QtDBus relays a signal later, and not at all if the object is gone by then.
+    QDBusMessage signal = QDBusMessage::createSignal(m_path, QStringLiteral("org.ofono.Message"),
+                                                     QStringLiteral("PropertyChanged"));
+    signal.setArguments({QStringLiteral("State"), QVariant::fromValue(QDBusVariant(state))});
+    m_bus.send(signal);
 }
 
 QVariantMap Message::GetProperties() const

@@ -6,6 +6,8 @@
 #include "modem.h"
 #include "phoneline.h"
 
+#include <QDBusMessage>
+
 VoiceCall::VoiceCall(Modem &modem, PhoneLine &line, const NetworkCall &call)
     : m_modem(modem)
     , m_line(line)
@@ -38,7 +40,7 @@ void VoiceCall::update(const NetworkCall &call)
 
 void VoiceCall::end(NetworkCalls::Ending ending)
 {
-    Q_EMIT DisconnectReason(nameOf(ending));
+    send(QStringLiteral("DisconnectReason"), {nameOf(ending)});
     tell(QStringLiteral("State"), QStringLiteral("disconnected"));
 }
 
@@ -87,5 +89,14 @@ void VoiceCall::Deflect(const QString &)
 
 void VoiceCall::tell(const QString &property, const QVariant &value)
 {
-    Q_EMIT PropertyChanged(property, QDBusVariant(value));
+    send(QStringLiteral("PropertyChanged"), {property, QVariant::fromValue(QDBusVariant(value))});
+}
+
+/// QtDBus relays a signal later, and not at all if the object is gone by then.
+void VoiceCall::send(const QString &signal, const QVariantList &arguments)
+{
+    QDBusMessage message =
+        QDBusMessage::createSignal(m_path, QStringLiteral("org.ofono.VoiceCall"), signal);
+    message.setArguments(arguments);
+    m_bus.send(message);
 }

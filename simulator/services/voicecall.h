@@ -48,6 +48,7 @@ Q_SIGNALS:
 
 private:
     void tell(const QString &property, const QVariant &value);
+    void send(const QString &signal, const QVariantList &arguments);
 
     Modem &m_modem;
     PhoneLine &m_line;
