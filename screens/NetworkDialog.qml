@@ -34,11 +34,13 @@ Dialog {
         if (stage !== "idle")
             dialogue.cancel();
     }
-    // The network may begin, and it may end before it has said anything.
-    onStageChanged: {
-        if (stage === "user-response" || stage === "active")
+    // The network may begin. Wait until everything is known that it has said.
+    function reveal() {
+        if (stage !== "idle")
             open = true;
     }
+
+    onStageChanged: Qt.callLater(reveal)
 
     TextField {
         id: field

@@ -15,10 +15,9 @@ Item {
     readonly property alias line: line
     /// The screens have come to the front for a call, and go again when it has ended.
     property bool summoned: false
-    readonly property Item topmost: {
-        var boxes = [dialog, networkDialog.item, simChoice.item, sheet];
-        return boxes.filter(function(box) { return box !== null && box.open; })[0] || current;
-    }
+    // What may be above a screen.
+    readonly property var boxes: [dialog, networkDialog.item, simChoice.item, sheet]
+    readonly property Item topmost: boxes.filter(isOpen)[0] || current
     /// The last call that was missed, which the user has not seen yet; null if there is none.
     property var missed: null
     /// Whether the parts of a screen are side by side, as on a phone that is held sideways.
@@ -31,13 +30,20 @@ Item {
     /// A screen wants these URLs to be opened.
     signal urlsRequested(var urls)
 
+    function isOpen(box) {
+        return box !== null && box.open;
+    }
+
+    function closeBoxes() {
+        boxes.filter(isOpen).forEach(function(box) { box.open = false; });
+    }
+
     // Show the new screen before hiding the old one, so that nothing else is shown in between.
     function present(screen) {
         current = screen;
         if (screen !== dialPad)
             dialPad.note = null;
-        sheet.open = false;
-        dialog.open = false;
+        closeBoxes();
         bringToFront();
     }
 
@@ -221,18 +227,19 @@ Item {
         present(contactCard);
     }
 
-    // The user's own words are in the dialog of the network, or on the screen.
+    // Nothing came of what the user wanted. Without a network, no other call comes about either.
     function explain(action, number, why, isWithoutNetwork) {
-        if (action === "dial" && current === callScreen && !line.active)
-            current = line.ringing !== null ? incomingScreen : dialPad;
-        if (action === "dial" && isWithoutNetwork)
-            showError(why);
-        else if (line.active)
+        if (line.ringing !== null) {
+            if (!incomingScreen.ringing)
+                receive(); // It still rings.
+        } else if (line.active) {
             callScreen.notify(why);
-        else if (line.ringing === null)
+        } else if (action === "dial" && isWithoutNetwork) {
+            current = dialPad;
+            showError(why);
+        } else {
             presentNote({shown: why, logged: why});
-        else if (action === "answer" || action === "endAndAnswer" || action === "hangUp")
-            receive();
+        }
     }
 
     function leave() {

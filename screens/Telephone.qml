@@ -27,7 +27,8 @@ QtObject {
     /// The calls or the state of one of them have changed.
     signal changed()
     signal ended(var call)
-    /// An action has failed. Without a network, no other call can be made either.
+    /// An action has failed. Without a network, no other call can be made either; "why" is empty if
+    /// the stack does not say more.
     signal failed(string action, int call, string number, string why, bool isWithoutNetwork)
     signal sent(var message)
     signal notSent(var message, string why)
@@ -41,7 +42,7 @@ QtObject {
     }
 
     function isWithoutNetwork(error) {
-        return [Telephony.NotRegistered, Telephony.NotAttached, Telephony.SimNotReady,
+        return [Telephony.Failed, Telephony.NotRegistered, Telephony.NotAttached, Telephony.SimNotReady,
                 Telephony.NoStack, Telephony.NoAnswer, Telephony.NoModem].indexOf(error) >= 0;
     }
 
@@ -56,7 +57,9 @@ QtObject {
         onDataChanged: telephone.changed()
         onEnded: function(call) { telephone.ended(call); }
         onFailed: function(action, call, number, error, explanation) {
-            telephone.failed(action, call, number, explanation, telephone.isWithoutNetwork(error));
+            var isSilent = action === "dial" && error === Telephony.Failed;
+            telephone.failed(action, call, number, isSilent ? "" : explanation,
+                             telephone.isWithoutNetwork(error));
         }
         onRowsInserted: telephone.changed()
         onRowsRemoved: telephone.changed()
