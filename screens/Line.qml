@@ -70,12 +70,16 @@ QtObject {
 
     // The call that was asked for, until the stack knows it.
     property var pending: null
+    // What has become of the last one.
+    property int adopted: 0
     property var chosenModems: ({})
     property var refused: ({})
     property var ended: []
 
     /// Another call rings.
     signal rang()
+    /// No call rings any more. The call screen has the one that did, or it has ended.
+    signal quieted()
     /// Another call is on the call screen.
     signal renewed()
     /// A call has ended. "isRefused" is true if the user has not taken it.
@@ -206,10 +210,16 @@ QtObject {
             summary = Kinds.summary(view);
         var finished = ended;
         ended = [];
-        if (Kinds.idOf(next.main) !== Kinds.idOf(before.main) && active)
+        var isTheSame = Kinds.idOf(next.main) === Kinds.idOf(before.main)
+            || Kinds.idOf(before.main) === 0 && Kinds.idOf(next.main) === adopted;
+        if (active && !isTheSame)
             renewed();
-        if (Kinds.idOf(next.ringing) !== Kinds.idOf(before.ringing) && ringing !== null)
-            rang();
+        if (Kinds.idOf(next.ringing) !== Kinds.idOf(before.ringing)) {
+            if (ringing !== null)
+                rang();
+            else
+                quieted();
+        }
         finished.forEach(function(call) {
             over(call, refused[call.callId] === true);
             delete refused[call.callId];
@@ -223,6 +233,7 @@ QtObject {
             var isWanted = pending !== null && call.direction === "outgoing";
             chosenModems[call.callId] = isWanted ? pending.chosenModem : "";
             if (isWanted) {
+                adopted = call.callId;
                 if (pending.isUnwanted)
                     telephone.calls.hangUp(call.callId);
                 pending = null;

@@ -139,10 +139,15 @@ Item {
 
     // The call screen has another call, or the first one: it may have been dialled elsewhere.
     function turnToCall() {
-        if (!line.ongoing && current === callScreen || incomingScreen.ringing && line.ringing !== null)
-            return;
+        if (line.ringing === null)
+            present(callScreen);
+    }
+
+    // The call was taken, perhaps not here, or it has ended.
+    function stopRinging() {
         incomingScreen.stop();
-        present(callScreen);
+        if (line.active && current === incomingScreen)
+            current = callScreen;
     }
 
     /// The text has a "%1" for the caller.
@@ -183,12 +188,12 @@ Item {
     // A call has ended.
     function settle(call, isRefused) {
         var wasTaken = call.startTime !== undefined || call.direction !== "incoming";
-        if (!line.ringing)
-            incomingScreen.stop();
         if (!wasTaken && !isRefused && call.reason !== "local")
             miss(call);
         else if (wasTaken && line.active && call.reason !== "local")
             callScreen.notify(qsTr("The call with %1 has ended").arg(Words.caller(call)));
+        if (missed !== null && current === dialPad && !line.active && line.ringing === null)
+            presentMissed();
         if (current !== callScreen && current !== incomingScreen)
             return;
         if (line.ringing !== null)
@@ -243,6 +248,10 @@ Item {
     }
 
     function leave() {
+        if (missed !== null && !line.active && line.ringing === null) {
+            presentMissed();
+            return;
+        }
         current = incomingScreen.ringing ? incomingScreen : line.active ? callScreen : dialPad;
     }
 
@@ -366,6 +375,7 @@ Item {
             phone.tellOfReply(QT_TR_NOOP("The reply to %1 could not be sent"), number);
         }
         onOver: phone.settle(call, isRefused)
+        onQuieted: phone.stopRinging()
         onRang: phone.receive()
         onRenewed: phone.turnToCall()
         onSent: {
