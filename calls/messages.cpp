@@ -135,11 +135,16 @@ void Messages::readPath(int id, const QDBusMessage &answer)
     const bool isPath =
         answer.type() == QDBusMessage::ReplyMessage && answer.signature() == QLatin1String("o");
     const QPointer<Messages> self(this);
+    const QVector<QDBusMessage> early = std::exchange(m_early, {});
     if (row >= 0 && isPath) {
         m_messages[row].path = busPath(answer);
         Q_EMIT dataChanged(index(row), index(row), {State});
     } else if (row >= 0) {
         failRow(row, Telephony::errorOf(answer));
+    }
+    for (const QDBusMessage &message : early) {
+        if (self)
+            receive(message);
     }
     if (self)
         sendNext();
@@ -149,8 +154,11 @@ void Messages::receive(const QDBusMessage &message)
 {
     const bool isRemoved = message.member() == messageRemoved;
     const int row = rowOf(isRemoved ? busPath(message) : message.path());
-    if (row < 0)
+    if (row < 0) {
+        if (m_isSending && m_early.size() < mostBusObjects)
+            m_early.append(message);
         return;
+    }
     const QVariant state = isRemoved ? QVariant() : busProperty(message).value;
     if (isRemoved) {
         failRow(row, Telephony::Canceled);

@@ -6,6 +6,7 @@
 #include "ofono.h"
 
 #include <QAbstractListModel>
+#include <QDBusMessage>
 #include <QQmlParserStatus>
 #include <QVariantMap>
 #include <QVector>
@@ -89,5 +90,8 @@ private:
     Ofono m_ofono;
     QVector<Message> m_messages;
     bool m_isSending = false; ///< Whether the stack is about to take a message.
+    /// The signals of unknown messages meanwhile. QtDBus may deliver them before the answer,
+    /// although they have come after it.
+    QVector<QDBusMessage> m_early;
     int m_lastId = 0;
 };
