@@ -79,7 +79,7 @@ public:
 
 private:
     SimFiltersHelper::RuleList m_rules;
-    ModemEntries m_modems;
+    OfonoObjects m_modems;
     std::atomic<bool> m_blocking = false;
 };
 
@@ -90,8 +90,8 @@ int measure(int ruleCount, int simCount)
     if (!bus.start(folder.path(), QStringLiteral("bus")))
         return EXIT_FAILURE;
     qputenv("DBUS_SYSTEM_BUS_ADDRESS", bus.address().toUtf8());
-    qDBusRegisterMetaType<ModemEntry>();
-    qDBusRegisterMetaType<ModemEntries>();
+    qDBusRegisterMetaType<OfonoObject>();
+    qDBusRegisterMetaType<OfonoObjects>();
     qDBusRegisterMetaType<SimFiltersHelper::Rule>();
     qDBusRegisterMetaType<SimFiltersHelper::RuleList>();
 

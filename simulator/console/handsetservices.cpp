@@ -30,6 +30,7 @@ HandsetServices::HandsetServices(const World &world, const QDBusConnection &sess
     , m_notifications(session, transcript)
     , m_reminders(session, system)
     , m_sims(system, transcript)
+    , m_calls(system, transcript)
     , m_rules(system, transcript)
 {
     const QProcessEnvironment environment = environmentOf(world);
@@ -104,9 +105,9 @@ void HandsetServices::follow()
         talk->follow();
 }
 
-std::array<ServiceTalk *, 4> HandsetServices::talks()
+std::array<ServiceTalk *, 5> HandsetServices::talks()
 {
-    return {&m_alarms, &m_notifications, &m_sims, &m_rules};
+    return {&m_alarms, &m_notifications, &m_sims, &m_calls, &m_rules};
 }
 
 void HandsetServices::callHistoryLaunched(const QStringList &arguments)

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "alarmcommands.h"
+#include "callcommands.h"
 #include "callrulecommands.h"
 #include "notificationcommands.h"
 #include "remindercommands.h"
@@ -50,6 +51,7 @@ public:
     AlarmCommands &alarms() { return m_alarms; }
     NotificationCommands &notifications() { return m_notifications; }
     SimCommands &sims() { return m_sims; }
+    CallCommands &calls() { return m_calls; }
     CallRuleCommands &rules() { return m_rules; }
     const std::vector<std::unique_ptr<ServiceProcess>> &processes() const { return m_processes; }
 
@@ -57,7 +59,7 @@ private Q_SLOTS:
     void callHistoryLaunched(const QStringList &arguments);
 
 private:
-    std::array<ServiceTalk *, 4> talks();
+    std::array<ServiceTalk *, 5> talks();
     ServiceProcess *add(const ServiceProcess::Service &service, const QDBusConnection &bus,
                         const QProcessEnvironment &environment);
     void start(ServiceProcess *process, const std::function<void()> &settled);
@@ -67,6 +69,7 @@ private:
     NotificationCommands m_notifications;
     ReminderCommands m_reminders;
     SimCommands m_sims;
+    CallCommands m_calls;
     CallRuleCommands m_rules;
     std::vector<std::unique_ptr<ServiceProcess>> m_processes;
     ServiceProcess *m_timeDaemon; ///< One of the processes.

@@ -3,17 +3,32 @@
 
 #include "modem.h"
 
+#include "messagemanager.h"
+#include "networkregistration.h"
+#include "phoneline.h"
 #include "simmanager.h"
+#include "supplementaryservices.h"
+#include "voicecallmanager.h"
 
 #include <QRegularExpression>
 
 #include <utility>
 
-Modem::Modem(QString path, const Sim &sim, QObject *parent)
+Modem::Modem(QString path, PhoneLine &line, QObject *parent)
     : QObject(parent)
     , m_path(std::move(path))
-    , m_simManager(new SimManager(*this, sim))
+    , m_line(line)
+    , m_bus(QString())
+    , m_simManager(new SimManager(*this, line.sim()))
 {
+    // Before the others follow the line, so that the SIM is told first.
+    connect(&line, &PhoneLine::simChanged, this, &Modem::updateSim);
+    connect(&line, &PhoneLine::conditionChanged, this, &Modem::followCondition);
+    new VoiceCallManager(*this, line);
+    new NetworkRegistration(*this, line);
+    new MessageManager(*this, line);
+    new SupplementaryServices(*this, line);
+    m_interfaces = currentInterfaces();
 }
 
 bool Modem::isPath(const QString &path)
@@ -23,27 +38,44 @@ bool Modem::isPath(const QString &path)
     return element.match(path).hasMatch();
 }
 
-bool Modem::start(QDBusConnection bus)
+bool Modem::start(const QDBusConnection &bus)
 {
-    return bus.registerObject(
+    m_bus = bus;
+    return m_bus.registerObject(
         m_path, this, QDBusConnection::ExportScriptableContents | QDBusConnection::ExportAdaptors);
 }
 
-void Modem::setSim(const Sim &sim)
+bool Modem::offers(const QString &interface)
 {
-    m_simManager->setSim(sim);
+    if (has(interface))
+        return true;
+    sendErrorReply(QDBusError::UnknownMethod,
+                   QStringLiteral("Method \"%1\" with signature \"%2\" on interface \"%3\" "
+                                  "doesn't exist")
+                       .arg(message().member(), message().signature(), interface));
+    return false;
 }
 
-void Modem::reset(const Sim &sim)
+void Modem::refuse(OfonoError error)
 {
-    m_simManager->setSim({});
-    m_simManager->setSim({sim.imsi, true});
+    setDelayedReply(true);
+    m_bus.send(ofonoError(message(), error));
+}
+
+void Modem::updateSim()
+{
+    m_simManager->setSim(m_line.sim());
+    updateInterfaces();
+}
+
+void Modem::perform(const QDBusMessage &call, const Command &command)
+{
+    call.setDelayedReply(true);
+    m_line.pace().add([this, call, command] { m_bus.send(command(call)); });
 }
 
 QVariantMap Modem::GetProperties() const
 {
-    const QStringList interfaces{QStringLiteral("org.ofono.SimManager")};
-    const QStringList features{QStringLiteral("sim")};
     return {{QStringLiteral("Powered"), m_powered},
             {QStringLiteral("Online"), m_online},
             {QStringLiteral("Lockdown"), false},
@@ -53,27 +85,40 @@ QVariantMap Modem::GetProperties() const
             {QStringLiteral("Revision"), QStringLiteral("1.0")},
             {QStringLiteral("Serial"), m_path.mid(1)},
             {QStringLiteral("Type"), QStringLiteral("hardware")},
-            {QStringLiteral("Features"), m_powered ? features : QStringList()},
-            {QStringLiteral("Interfaces"), m_powered ? interfaces : QStringList()}};
+            {QStringLiteral("Features"), features()},
+            {QStringLiteral("Interfaces"), m_interfaces}};
 }
 
 void Modem::SetProperty(const QString &property, const QDBusVariant &value)
 {
     const QVariant wanted = value.variant();
     const bool isBool = wanted.userType() == QMetaType::Bool;
-    if (isBool && property == QLatin1String("Powered"))
+    const bool isGone = m_line.condition() == PhoneLine::Condition::Gone;
+    if (isBool && property == QLatin1String("Powered") && !(isGone && wanted.toBool()))
         setPowered(wanted.toBool());
+    else if (isBool && property == QLatin1String("Powered"))
+        refuse(OfonoError::Failed);
     else if (isBool && property == QLatin1String("Online") && m_powered)
         setOnline(wanted.toBool());
     else if (isBool && property == QLatin1String("Online"))
-        sendErrorReply(QStringLiteral("org.ofono.Error.NotAvailable"),
-                       QStringLiteral("Operation currently not available"));
+        refuse(OfonoError::NotAvailable);
     else if (isBool && property == QLatin1String("Lockdown"))
-        sendErrorReply(QStringLiteral("org.ofono.Error.NotImplemented"),
-                       QStringLiteral("Implementation not provided"));
+        refuse(OfonoError::NotImplemented);
     else
-        sendErrorReply(QStringLiteral("org.ofono.Error.InvalidArguments"),
-                       QStringLiteral("Invalid arguments in method call"));
+        refuse(OfonoError::InvalidArguments);
+}
+
+/// A modem that is pulled out loses its power. It gets it again when it is back.
+void Modem::followCondition()
+{
+    const bool isGone = m_line.condition() == PhoneLine::Condition::Gone;
+    if (isGone)
+        setPowered(false);
+    if (m_wasPulledOut && !isGone) {
+        setPowered(true);
+        setOnline(true);
+    }
+    m_wasPulledOut = isGone;
 }
 
 void Modem::setPowered(bool powered)
@@ -83,8 +128,7 @@ void Modem::setPowered(bool powered)
     m_powered = powered;
     tell(QStringLiteral("Powered"));
     setOnline(false);
-    tell(QStringLiteral("Interfaces"));
-    tell(QStringLiteral("Features"));
+    updateInterfaces();
 }
 
 void Modem::setOnline(bool online)
@@ -92,7 +136,39 @@ void Modem::setOnline(bool online)
     if (m_online == online)
         return;
     m_online = online;
+    m_line.setOn(online);
     tell(QStringLiteral("Online"));
+    updateInterfaces();
+}
+
+QStringList Modem::currentInterfaces() const
+{
+    if (!m_powered)
+        return {};
+    const QStringList always{SimManager::interface(), VoiceCallManager::interface()};
+    const QStringList online{MessageManager::interface(), NetworkRegistration::interface(),
+                             SupplementaryServices::interface()};
+    return m_line.isReady() ? always + online : always;
+}
+
+QStringList Modem::features() const
+{
+    if (!m_powered)
+        return {};
+    const QStringList always{QStringLiteral("sim")};
+    const QStringList online{QStringLiteral("net"), QStringLiteral("sms"), QStringLiteral("ussd")};
+    return m_line.isReady() ? always + online : always;
+}
+
+void Modem::updateInterfaces()
+{
+    const QStringList interfaces = currentInterfaces();
+    if (interfaces == m_interfaces)
+        return;
+    m_interfaces = interfaces;
+    tell(QStringLiteral("Interfaces"));
+    tell(QStringLiteral("Features"));
+    Q_EMIT interfacesChanged();
 }
 
 void Modem::tell(const QString &property)

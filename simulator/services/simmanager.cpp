@@ -49,7 +49,7 @@ SimManager::SimManager(Modem &modem, Sim sim)
 void SimManager::setSim(const Sim &sim)
 {
     const QVariantMap before = propertiesOf(std::exchange(m_sim, sim));
-    if (!m_modem.isPowered())
+    if (!m_modem.has(interface()))
         return;
     const QVariantMap now = propertiesOf(m_sim);
     for (const QString &name : names) {
@@ -58,12 +58,8 @@ void SimManager::setSim(const Sim &sim)
     }
 }
 
-QVariantMap SimManager::GetProperties() const
+QVariantMap SimManager::GetProperties()
 {
-    if (!m_modem.isPowered())
-        m_modem.sendErrorReply(
-            QDBusError::UnknownMethod,
-            QStringLiteral("Method \"GetProperties\" with signature \"\" on interface "
-                           "\"org.ofono.SimManager\" doesn't exist"));
+    m_modem.offers(interface());
     return propertiesOf(m_sim);
 }

@@ -20,6 +20,8 @@ class SimManager : public QDBusAbstractAdaptor
     Q_CLASSINFO("D-Bus Interface", "org.ofono.SimManager")
 
 public:
+    static QString interface() { return QStringLiteral("org.ofono.SimManager"); }
+
     /// An adaptor on the object of \a modem, which owns it.
     SimManager(Modem &modem, Sim sim);
 
@@ -27,7 +29,7 @@ public:
     void setSim(const Sim &sim);
 
 public Q_SLOTS:
-    QVariantMap GetProperties() const;
+    QVariantMap GetProperties();
 
 Q_SIGNALS:
     void PropertyChanged(const QString &name, const QDBusVariant &value);

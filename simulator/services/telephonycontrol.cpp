@@ -3,100 +3,98 @@
 
 #include "telephonycontrol.h"
 
-#include "telephonystack.h"
+#include "callfilter.h"
+#include "modem.h"
+#include "modemset.h"
 
 #include <algorithm>
 
-namespace {
-
-QString pathOf(const QString &modem)
-{
-    return modem.startsWith(QLatin1Char('/')) ? modem : QLatin1Char('/') + modem;
-}
-
-} // namespace
-
-TelephonyControl::TelephonyControl(TelephonyStack &stack)
-    : QDBusAbstractAdaptor(&stack)
-    , m_stack(stack)
+TelephonyControl::TelephonyControl(ModemSet &modems)
+    : QDBusAbstractAdaptor(&modems)
+    , m_modems(modems)
 {
 }
 
 SimsByModem TelephonyControl::ListSims() const
 {
-    return m_stack.sims();
+    return m_modems.sims();
 }
 
 QString TelephonyControl::InsertSim(const QString &imsi, const QString &modem)
 {
     if (!accepts(imsi))
         return {};
-    const SimsByModem &sims = m_stack.sims();
+    const SimsByModem sims = m_modems.sims();
     const auto firstEmpty = std::find(sims.cbegin(), sims.cend(), Sim());
     if (modem.isEmpty() && firstEmpty == sims.cend()) {
         refuse(QStringLiteral("there is no modem without a SIM"));
         return {};
     }
-    QString path = modem.isEmpty() ? firstEmpty.key() : pathOf(modem);
+    QString path = modem.isEmpty() ? firstEmpty.key() : ModemSet::pathOf(modem);
     if (sims.value(path).isPresent()) {
         refuse(QStringLiteral("there is a SIM in %1 already").arg(path));
         return {};
     }
     if (!sims.contains(path)) {
+        if (!m_modems.isExtensible()) {
+            refuse(QStringLiteral("there is no modem %1, and oFono takes no others while it runs")
+                       .arg(path));
+            return {};
+        }
         if (!Modem::isPath(path)) {
             refuse(QStringLiteral("\"%1\" cannot be a modem: its name has letters, digits and _")
                        .arg(modem));
             return {};
         }
-        m_stack.addModem(path);
+        m_modems.addModem(path);
         Q_EMIT ModemAdded(path);
     }
-    m_stack.insertSim(path, imsi);
+    m_modems.insertSim(path, imsi);
     Q_EMIT SimInserted(path, imsi);
     return path;
 }
 
 void TelephonyControl::RemoveSim(const QString &modem)
 {
-    const QString path = pathOf(modem);
+    const QString path = ModemSet::pathOf(modem);
     if (!hasSim(path))
         return;
-    m_stack.removeSim(path);
+    m_modems.removeSim(path);
     Q_EMIT SimRemoved(path);
 }
 
 void TelephonyControl::LockSim(const QString &modem)
 {
-    const QString path = pathOf(modem);
+    const QString path = ModemSet::pathOf(modem);
     if (!hasSim(path))
         return;
-    if (m_stack.sims().value(path).locked) {
+    if (m_modems.sims().value(path).locked) {
         refuse(QStringLiteral("the SIM in %1 is locked").arg(path));
         return;
     }
-    m_stack.lockSim(path);
+    m_modems.lockSim(path);
     Q_EMIT SimLocked(path);
 }
 
 void TelephonyControl::UnlockSim(const QString &modem)
 {
-    const QString path = pathOf(modem);
+    const QString path = ModemSet::pathOf(modem);
     if (!hasSim(path))
         return;
-    if (!m_stack.sims().value(path).locked) {
+    if (!m_modems.sims().value(path).locked) {
         refuse(QStringLiteral("the SIM in %1 is not locked").arg(path));
         return;
     }
-    m_stack.unlockSim(path);
+    m_modems.unlockSim(path);
     Q_EMIT SimUnlocked(path);
 }
 
 void TelephonyControl::RemoveModem(const QString &modem)
 {
-    const QString path = pathOf(modem);
+    const QString path = ModemSet::pathOf(modem);
     if (!hasModem(path))
         return;
-    m_stack.removeModem(path);
+    m_modems.removeModem(path);
     Q_EMIT ModemRemoved(path);
 }
 
@@ -141,7 +139,7 @@ void TelephonyControl::SetDefaultAction(const QString &filter, uint action)
 
 bool TelephonyControl::hasModem(const QString &path)
 {
-    const bool has = m_stack.sims().contains(path);
+    const bool has = m_modems.sims().contains(path);
     if (!has)
         refuse(QStringLiteral("there is no modem %1").arg(path));
     return has;
@@ -151,7 +149,7 @@ bool TelephonyControl::hasSim(const QString &path)
 {
     if (!hasModem(path))
         return false;
-    const bool has = m_stack.sims().value(path).isPresent();
+    const bool has = m_modems.sims().value(path).isPresent();
     if (!has)
         refuse(QStringLiteral("there is no SIM in %1").arg(path));
     return has;
@@ -167,7 +165,7 @@ bool TelephonyControl::accepts(const QString &imsi)
 
 CallFilter *TelephonyControl::findFilter(const QString &name)
 {
-    CallFilter *const filter = m_stack.filter(name);
+    CallFilter *const filter = m_modems.filter(name);
     if (filter == nullptr)
         refuse(QStringLiteral("there is no filter \"%1\", only dial and incoming").arg(name));
     return filter;
@@ -175,5 +173,5 @@ CallFilter *TelephonyControl::findFilter(const QString &name)
 
 void TelephonyControl::refuse(const QString &why)
 {
-    m_stack.sendErrorReply(QDBusError::InvalidArgs, why);
+    m_modems.sendErrorReply(QDBusError::InvalidArgs, why);
 }

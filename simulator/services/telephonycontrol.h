@@ -9,7 +9,7 @@
 #include <QDBusAbstractAdaptor>
 
 class CallFilter;
-class TelephonyStack;
+class ModemSet;
 
 /// The interface through which the simulator acts as the user on SIMs, and as the device management
 /// on rules. A method whose arguments are wrong replies with an error that says why.
@@ -21,8 +21,8 @@ class TelephonyControl : public QDBusAbstractAdaptor
     Q_CLASSINFO("D-Bus Interface", "com.nimbo.simulator.Telephony")
 
 public:
-    /// An adaptor on the object of \a stack, which owns it.
-    explicit TelephonyControl(TelephonyStack &stack);
+    /// An adaptor on the object of \a modems, which owns it.
+    explicit TelephonyControl(ModemSet &modems);
 
 public Q_SLOTS:
     /// Returns the SIM of each modem.
@@ -65,5 +65,5 @@ private:
     CallFilter *findFilter(const QString &name);
     void refuse(const QString &why);
 
-    TelephonyStack &m_stack;
+    ModemSet &m_modems;
 };

@@ -119,8 +119,8 @@ private:
 void TestSimFilterServices::initTestCase()
 {
     registerFilterRuleTypes();
-    qDBusRegisterMetaType<ModemEntry>();
-    qDBusRegisterMetaType<ModemEntries>();
+    qDBusRegisterMetaType<OfonoObject>();
+    qDBusRegisterMetaType<OfonoObjects>();
 }
 
 void TestSimFilterServices::init()
@@ -269,7 +269,7 @@ bool TestSimFilterServices::startScripted(const QStringList &imsis)
     m_scripted = std::make_unique<ScriptedService>(m_ui->systemBus().address(), ofono, u"/"_s);
     if (!startUi())
         return false;
-    ModemEntries modems;
+    OfonoObjects modems;
     for (int i = 0; i < imsis.size(); ++i)
         modems.append(
             {QDBusObjectPath(u"/ril_%1"_s.arg(i)), {{u"Interfaces"_s, QStringList(simManager)}}});
@@ -332,7 +332,7 @@ void TestSimFilterServices::speakToTheStackInOrder()
     QCOMPARE(modems.interface(), u"org.ofono.Manager"_s);
     QCOMPARE(state(), u"dial receive 0"_s);
     QCOMPARE(m_scripted->waiting(), 0);
-    const ModemEntries entries{
+    const OfonoObjects entries{
         {QDBusObjectPath(first), {{u"Interfaces"_s, QStringList(simManager)}}}};
     m_scripted->reply(modems, {QVariant::fromValue(entries)});
     const QDBusMessage sim = m_scripted->next(u"GetProperties"_s);

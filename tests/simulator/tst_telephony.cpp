@@ -48,8 +48,18 @@ Rules rulesWith(uint defaultAction, const FilterRules &rules = {})
     return {u"uua(su)"_s, 1, defaultAction, rules};
 }
 
-QVariantMap modemProperties(const QString &serial)
+const QString callsInterface = u"org.ofono.VoiceCallManager"_s;
+const QStringList interfacesWithoutSim{simManager, callsInterface};
+const QStringList interfacesWithSim{simManager, callsInterface, u"org.ofono.MessageManager"_s,
+                                    u"org.ofono.NetworkRegistration"_s,
+                                    u"org.ofono.SupplementaryServices"_s};
+const QStringList featuresWithSim{u"sim"_s, u"net"_s, u"sms"_s, u"ussd"_s};
+
+/// Returns the properties of a modem, whose SIM can be read or not.
+QVariantMap modemProperties(const QString &serial, bool hasSim)
 {
+    const QStringList interfaces = hasSim ? interfacesWithSim : interfacesWithoutSim;
+    const QStringList features = hasSim ? featuresWithSim : QStringList(u"sim"_s);
     return {{u"Powered"_s, true},
             {u"Online"_s, true},
             {u"Lockdown"_s, false},
@@ -59,8 +69,8 @@ QVariantMap modemProperties(const QString &serial)
             {u"Revision"_s, u"1.0"_s},
             {u"Serial"_s, serial},
             {u"Type"_s, u"hardware"_s},
-            {u"Features"_s, QStringList(u"sim"_s)},
-            {u"Interfaces"_s, QStringList(u"org.ofono.SimManager"_s)}};
+            {u"Features"_s, features},
+            {u"Interfaces"_s, interfaces}};
 }
 
 const QVariantMap noSim{{u"Present"_s, false}};
@@ -72,6 +82,16 @@ const QVariantMap readableSim{{u"Present"_s, true},
                               {u"MobileNetworkCode"_s, u"01"_s}};
 const QVariantMap lockedSim{
     {u"Present"_s, true}, {u"CardIdentifier"_s, card}, {u"PinRequired"_s, u"pin"_s}};
+
+/// Returns the signals of the modem at \a path whose SIM can be read from now on, or not any more.
+QStringList switched(const QString &path, bool hasSim)
+{
+    const QString changed = path + u" Modem.PropertyChanged "_s;
+    const QStringList interfaces = hasSim ? interfacesWithSim : interfacesWithoutSim;
+    const QStringList features = hasSim ? featuresWithSim : QStringList(u"sim"_s);
+    return {changed + u"Interfaces ["_s + interfaces.join(u',') + u"]"_s,
+            changed + u"Features ["_s + features.join(u',') + u"]"_s};
+}
 
 /// Returns the value of an argument of a signal.
 QString describe(const QVariant &value)
@@ -147,7 +167,7 @@ private:
     bool does(const QString &method, const QVariantList &arguments) const;
     QStringList heard();
     QVariantMap propertiesOf(const QString &path, const QString &interface) const;
-    ModemEntries modems() const;
+    OfonoObjects modems() const;
     SimsByModem sims() const;
     Rules rules(const QString &filter) const;
 
@@ -159,8 +179,8 @@ void TestTelephony::initTestCase()
 {
     registerSimTypes();
     registerFilterRuleTypes();
-    qDBusRegisterMetaType<ModemEntry>();
-    qDBusRegisterMetaType<ModemEntries>();
+    qDBusRegisterMetaType<OfonoObject>();
+    qDBusRegisterMetaType<OfonoObjects>();
 }
 
 void TestTelephony::init()
@@ -218,11 +238,11 @@ QVariantMap TestTelephony::propertiesOf(const QString &path, const QString &inte
                                            : QVariantMap{{reply.errorName(), QVariant()}};
 }
 
-ModemEntries TestTelephony::modems() const
+OfonoObjects TestTelephony::modems() const
 {
     const QDBusMessage reply = m_stack->call(manager, u"GetModems"_s);
-    return reply.signature() == u"a(oa{sv})"_s ? qdbus_cast<ModemEntries>(reply.arguments().at(0))
-                                               : ModemEntries();
+    return reply.signature() == u"a(oa{sv})"_s ? qdbus_cast<OfonoObjects>(reply.arguments().at(0))
+                                               : OfonoObjects();
 }
 
 SimsByModem TestTelephony::sims() const
@@ -315,14 +335,14 @@ void TestTelephony::servesAnotherClient()
 
 void TestTelephony::hasTwoModemsAtFirst()
 {
-    const ModemEntries entries = modems();
+    const OfonoObjects entries = modems();
     QCOMPARE(entries.size(), 2);
     QCOMPARE(entries.at(0).path.path(), u"/ril_0"_s);
-    QCOMPARE(entries.at(0).properties, modemProperties(u"ril_0"_s));
+    QCOMPARE(entries.at(0).properties, modemProperties(u"ril_0"_s, false));
     QCOMPARE(entries.at(1).path.path(), u"/ril_1"_s);
-    QCOMPARE(entries.at(1).properties, modemProperties(u"ril_1"_s));
+    QCOMPARE(entries.at(1).properties, modemProperties(u"ril_1"_s, false));
     for (const QString &path : {u"/ril_0"_s, u"/ril_1"_s}) {
-        QCOMPARE(propertiesOf(path, modemInterface), modemProperties(path.mid(1)));
+        QCOMPARE(propertiesOf(path, modemInterface), modemProperties(path.mid(1), false));
         QCOMPARE(propertiesOf(path, simManager), noSim);
     }
     QCOMPARE(sims(), SimsByModem({{u"/ril_0"_s, {}}, {u"/ril_1"_s, {}}}));
@@ -340,11 +360,12 @@ void TestTelephony::insertsASim()
                           u"/ril_1 SimManager.PropertyChanged PinRequired none"_s,
                           u"/ril_1 SimManager.PropertyChanged SubscriberIdentity "_s + imsi,
                           u"/ril_1 SimManager.PropertyChanged MobileCountryCode 262"_s,
-                          u"/ril_1 SimManager.PropertyChanged MobileNetworkCode 01"_s,
-                          u"/ Telephony.SimInserted /ril_1 "_s + imsi}));
+                          u"/ril_1 SimManager.PropertyChanged MobileNetworkCode 01"_s})
+                 + switched(u"/ril_1"_s, true)
+                 + QStringList(u"/ Telephony.SimInserted /ril_1 "_s + imsi));
     QCOMPARE(propertiesOf(u"/ril_1"_s, simManager), readableSim);
     QCOMPARE(propertiesOf(u"/ril_0"_s, simManager), noSim);
-    QCOMPARE(propertiesOf(u"/ril_1"_s, modemInterface), modemProperties(u"ril_1"_s));
+    QCOMPARE(propertiesOf(u"/ril_1"_s, modemInterface), modemProperties(u"ril_1"_s, true));
     QCOMPARE(sims(), SimsByModem({{u"/ril_0"_s, {}}, {u"/ril_1"_s, {imsi, false}}}));
 }
 
@@ -382,14 +403,14 @@ void TestTelephony::addsAModemForASim()
     const QDBusMessage reply = m_stack->call(control, u"InsertSim"_s, {imsi, modem});
     QCOMPARE(reply.arguments(), QVariantList{path});
     const QStringList all = heard();
-    QCOMPARE(all.size(), 9);
+    QCOMPARE(all.size(), 11);
     QCOMPARE(all.at(0),
              u"/ Manager.ModemAdded "_s + path
                  + u" [Emergency,Features,Interfaces,Lockdown,Manufacturer,Model,Online,Powered,"_s
                  + u"Revision,Serial,Type]"_s);
     QCOMPARE(all.at(1), u"/ Telephony.ModemAdded "_s + path);
     QCOMPARE(all.at(2), path + u" SimManager.PropertyChanged Present true"_s);
-    QCOMPARE(propertiesOf(path, modemInterface), modemProperties(path.mid(1)));
+    QCOMPARE(propertiesOf(path, modemInterface), modemProperties(path.mid(1), true));
     QCOMPARE(propertiesOf(path, simManager), readableSim);
     QCOMPARE(rules(u"dial"_s), rulesWith(2));
     QCOMPARE(modems().size(), 3);
@@ -406,7 +427,7 @@ void TestTelephony::readsACodeOnlyFromALongIdentity()
                           {u"SubscriberIdentity"_s, u"2620"_s}}));
     QCOMPARE(propertiesOf(u"/ril_1"_s, simManager).value(u"MobileCountryCode"_s), u"262"_s);
     QCOMPARE(propertiesOf(u"/ril_1"_s, simManager).value(u"MobileNetworkCode"_s), u"03"_s);
-    QCOMPARE(heard().size(), 5 + 7);
+    QCOMPARE(heard().size(), 7 + 9);
 }
 
 void TestTelephony::removesASim()
@@ -415,8 +436,8 @@ void TestTelephony::removesASim()
     heard();
     QVERIFY(does(u"RemoveSim"_s, {u"ril_0"_s}));
     QCOMPARE(heard(),
-             QStringList({u"/ril_0 SimManager.PropertyChanged Present false"_s,
-                          u"/ Telephony.SimRemoved /ril_0"_s}));
+             QStringList(u"/ril_0 SimManager.PropertyChanged Present false"_s)
+                 + switched(u"/ril_0"_s, false) + QStringList(u"/ Telephony.SimRemoved /ril_0"_s));
     QCOMPARE(propertiesOf(u"/ril_0"_s, simManager), noSim);
     QCOMPARE(modems().size(), 2);
 }
@@ -427,11 +448,12 @@ void TestTelephony::locksAndUnlocksASim()
     heard();
     QVERIFY(does(u"LockSim"_s, {u"ril_0"_s}));
     QCOMPARE(heard(),
-             QStringList({u"/ril_0 SimManager.PropertyChanged Present false"_s,
-                          u"/ril_0 SimManager.PropertyChanged Present true"_s,
-                          u"/ril_0 SimManager.PropertyChanged CardIdentifier "_s + card,
-                          u"/ril_0 SimManager.PropertyChanged PinRequired pin"_s,
-                          u"/ Telephony.SimLocked /ril_0"_s}));
+             QStringList(u"/ril_0 SimManager.PropertyChanged Present false"_s)
+                 + switched(u"/ril_0"_s, false)
+                 + QStringList({u"/ril_0 SimManager.PropertyChanged Present true"_s,
+                                u"/ril_0 SimManager.PropertyChanged CardIdentifier "_s + card,
+                                u"/ril_0 SimManager.PropertyChanged PinRequired pin"_s,
+                                u"/ Telephony.SimLocked /ril_0"_s}));
     QCOMPARE(propertiesOf(u"/ril_0"_s, simManager), lockedSim);
     QCOMPARE(sims().value(u"/ril_0"_s), (Sim{imsi, true}));
 
@@ -440,8 +462,8 @@ void TestTelephony::locksAndUnlocksASim()
              QStringList({u"/ril_0 SimManager.PropertyChanged PinRequired none"_s,
                           u"/ril_0 SimManager.PropertyChanged SubscriberIdentity "_s + imsi,
                           u"/ril_0 SimManager.PropertyChanged MobileCountryCode 262"_s,
-                          u"/ril_0 SimManager.PropertyChanged MobileNetworkCode 01"_s,
-                          u"/ Telephony.SimUnlocked /ril_0"_s}));
+                          u"/ril_0 SimManager.PropertyChanged MobileNetworkCode 01"_s})
+                 + switched(u"/ril_0"_s, true) + QStringList(u"/ Telephony.SimUnlocked /ril_0"_s));
     QCOMPARE(propertiesOf(u"/ril_0"_s, simManager), readableSim);
 }
 
@@ -459,7 +481,7 @@ void TestTelephony::removesAModem()
 
     QVERIFY(does(u"InsertSim"_s, {imsi, u"/ril_0"_s}));
     QCOMPARE(propertiesOf(u"/ril_0"_s, simManager), readableSim);
-    QCOMPARE(heard().size(), 9);
+    QCOMPARE(heard().size(), 11);
 }
 
 void TestTelephony::switchesAModem()
@@ -494,11 +516,10 @@ void TestTelephony::switchesAModem()
     QCOMPARE(set(u"Powered"_s, true), QString());
     QCOMPARE(set(u"Online"_s, true), QString());
     QCOMPARE(set(u"Online"_s, true), QString());
-    QCOMPARE(
-        heard(),
-        QStringList({changed + u"Powered true"_s, changed + u"Interfaces [org.ofono.SimManager]"_s,
-                     changed + u"Features [sim]"_s, changed + u"Online true"_s}));
-    QCOMPARE(propertiesOf(u"/ril_0"_s, modemInterface), modemProperties(u"ril_0"_s));
+    QCOMPARE(heard(),
+             QStringList(changed + u"Powered true"_s) + switched(u"/ril_0"_s, false)
+                 + QStringList(changed + u"Online true"_s) + switched(u"/ril_0"_s, true));
+    QCOMPARE(propertiesOf(u"/ril_0"_s, modemInterface), modemProperties(u"ril_0"_s, true));
     QCOMPARE(propertiesOf(u"/ril_0"_s, simManager), readableSim);
 }
 
@@ -528,7 +549,7 @@ void TestTelephony::refusesOtherProperties()
         m_stack->callAt(u"/ril_0"_s, modemInterface, u"SetProperty"_s,
                         {property, QVariant::fromValue(QDBusVariant(value))});
     QCOMPARE(reply.errorName(), error);
-    QCOMPARE(propertiesOf(u"/ril_0"_s, modemInterface), modemProperties(u"ril_0"_s));
+    QCOMPARE(propertiesOf(u"/ril_0"_s, modemInterface), modemProperties(u"ril_0"_s, false));
 }
 
 void TestTelephony::changesRules_data()
@@ -760,7 +781,7 @@ void TestTelephony::goesOnWhereNothingCanBeKept()
     QVERIFY(does(u"InsertSim"_s, {imsi, QString()}));
     QVERIFY(m_stack->logs(u"The SIMs and filter rules cannot be kept in "_s));
     QCOMPARE(sims().value(u"/ril_0"_s), (Sim{imsi, false}));
-    QCOMPARE(heard().size(), 7);
+    QCOMPARE(heard().size(), 9);
 }
 
 void TestTelephony::refusesWhatCannotBe_data()

@@ -1,0 +1,219 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+#include "voicecallmanager.h"
+
+#include "modem.h"
+#include "phoneline.h"
+#include "voicecall.h"
+
+#include <QRegularExpression>
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+using State = NetworkCall::State;
+
+/// A request such as *100# is none.
+bool isNumber(const QString &text)
+{
+    static const QRegularExpression number(
+        QRegularExpression::anchoredPattern(QStringLiteral("\\+?[0-9*#]{1,80}")));
+    static const QRegularExpression request(
+        QRegularExpression::anchoredPattern(QStringLiteral("[*#].*#")));
+    return number.match(text).hasMatch() && !request.match(text).hasMatch();
+}
+
+bool isTones(const QString &text)
+{
+    static const QRegularExpression tones(
+        QRegularExpression::anchoredPattern(QStringLiteral("[0-9*#A-Da-dPpWw]+")));
+    return tones.match(text).hasMatch();
+}
+
+} // namespace
+
+VoiceCallManager::VoiceCallManager(Modem &modem, PhoneLine &line)
+    : QDBusAbstractAdaptor(&modem)
+    , m_modem(modem)
+    , m_line(line)
+    , m_emergencyNumbers(line.emergencyNumbers())
+{
+    registerOfonoObjectTypes();
+    connect(&line, &PhoneLine::simChanged, this, &VoiceCallManager::followEmergencyNumbers);
+    connect(&line.calls(), &NetworkCalls::added, this, &VoiceCallManager::add);
+    connect(&line.calls(), &NetworkCalls::changed, this,
+            [this](const NetworkCall &call) { m_calls.at(call.id)->update(call); });
+    connect(
+        &line.calls(), &NetworkCalls::ended, this,
+        [this](const NetworkCall &call, NetworkCalls::Ending ending) { remove(call.id, ending); });
+}
+
+VoiceCallManager::~VoiceCallManager() = default;
+
+QVariantMap VoiceCallManager::GetProperties()
+{
+    m_modem.offers(interface());
+    return {{QStringLiteral("EmergencyNumbers"), m_emergencyNumbers}};
+}
+
+OfonoObjects VoiceCallManager::GetCalls()
+{
+    OfonoObjects calls;
+    if (!m_modem.offers(interface()))
+        return calls;
+    for (const auto &[id, call] : m_calls)
+        calls.append({QDBusObjectPath(call->path()), call->GetProperties()});
+    return calls;
+}
+
+QDBusObjectPath VoiceCallManager::Dial(const QString &number, const QString &callerId)
+{
+    const QStringList callerIds{QString(), QStringLiteral("default"), QStringLiteral("enabled"),
+                                QStringLiteral("disabled")};
+    if (!m_modem.offers(interface()))
+        return {};
+    if (!isNumber(number) || !callerIds.contains(callerId))
+        m_modem.refuse(OfonoError::InvalidFormat);
+    else if (!m_modem.isOnline())
+        m_modem.refuse(OfonoError::NotAvailable);
+    else
+        m_modem.perform(m_modem.message(), [this, number](const QDBusMessage &message) {
+            return dial(message, number);
+        });
+    return {};
+}
+
+void VoiceCallManager::HangupAll()
+{
+    perform([](NetworkCalls &calls) {
+        const bool hasHeld = calls.has(State::Held) && !calls.has(State::Waiting);
+        const bool hasEnded = calls.hangUp();
+        return (hasHeld && calls.endHeldOrWaiting()) || hasEnded;
+    });
+}
+
+void VoiceCallManager::SwapCalls()
+{
+    perform([](NetworkCalls &calls) { return !calls.has(State::Waiting) && calls.swap(); });
+}
+
+void VoiceCallManager::ReleaseAndSwap()
+{
+    perform([](NetworkCalls &calls) { return !calls.has(State::Waiting) && calls.endActive(); });
+}
+
+void VoiceCallManager::ReleaseAndAnswer()
+{
+    perform([](NetworkCalls &calls) { return calls.has(State::Waiting) && calls.endActive(); });
+}
+
+void VoiceCallManager::HoldAndAnswer()
+{
+    perform([](NetworkCalls &calls) { return calls.has(State::Waiting) && calls.swap(); });
+}
+
+void VoiceCallManager::Transfer()
+{
+    perform([](NetworkCalls &calls) { return calls.transfer(); });
+}
+
+QList<QDBusObjectPath> VoiceCallManager::PrivateChat(const QDBusObjectPath &call)
+{
+    const auto isIt = [&call](const auto &entry) { return entry.second->path() == call.path(); };
+    const auto found = std::find_if(m_calls.cbegin(), m_calls.cend(), isIt);
+    if (!m_modem.offers(interface()))
+        return {};
+    if (found == m_calls.cend() || !found->second->call().isInConference)
+        m_modem.refuse(OfonoError::NotFound);
+    else
+        performOnConference([id = found->first](NetworkCalls &calls) { return calls.split(id); });
+    return {};
+}
+
+QList<QDBusObjectPath> VoiceCallManager::CreateMultiparty()
+{
+    if (m_modem.offers(interface()))
+        performOnConference([](NetworkCalls &calls) { return calls.join(); });
+    return {};
+}
+
+void VoiceCallManager::HangupMultiparty()
+{
+    perform([](NetworkCalls &calls) { return calls.endConference(); });
+}
+
+void VoiceCallManager::SendTones(const QString &tones)
+{
+    if (!m_modem.offers(interface()))
+        return;
+    if (!isTones(tones)) {
+        m_modem.refuse(OfonoError::InvalidFormat);
+        return;
+    }
+    m_modem.perform(m_modem.message(), [this, tones](const QDBusMessage &message) {
+        return m_line.sendTones(tones) ? message.createReply()
+                                       : ofonoError(message, OfonoError::Failed);
+    });
+}
+
+void VoiceCallManager::perform(const Action &action)
+{
+    if (!m_modem.offers(interface()))
+        return;
+    m_modem.perform(m_modem.message(), [this, action](const QDBusMessage &message) {
+        return action(m_line.calls()) ? message.createReply()
+                                      : ofonoError(message, OfonoError::Failed);
+    });
+}
+
+void VoiceCallManager::performOnConference(const Action &action)
+{
+    m_modem.perform(m_modem.message(), [this, action](const QDBusMessage &message) {
+        return action(m_line.calls()) ? message.createReply(QVariant::fromValue(conference()))
+                                      : ofonoError(message, OfonoError::Failed);
+    });
+}
+
+QDBusMessage VoiceCallManager::dial(const QDBusMessage &message, const QString &number)
+{
+    const int id = m_line.dial(number);
+    return id == 0
+        ? ofonoError(message, OfonoError::Failed)
+        : message.createReply(QVariant::fromValue(QDBusObjectPath(m_calls.at(id)->path())));
+}
+
+QList<QDBusObjectPath> VoiceCallManager::conference() const
+{
+    QList<QDBusObjectPath> paths;
+    for (const auto &[id, call] : m_calls) {
+        if (call->call().isInConference)
+            paths.append(QDBusObjectPath(call->path()));
+    }
+    return paths;
+}
+
+void VoiceCallManager::add(const NetworkCall &call)
+{
+    const auto &added =
+        m_calls.emplace(call.id, std::make_unique<VoiceCall>(m_modem, m_line, call)).first->second;
+    Q_EMIT CallAdded(QDBusObjectPath(added->path()), added->GetProperties());
+}
+
+void VoiceCallManager::remove(int id, NetworkCalls::Ending ending)
+{
+    const auto removed = m_calls.extract(id);
+    VoiceCall *const call = removed.mapped().get();
+    call->end(ending);
+    Q_EMIT CallRemoved(QDBusObjectPath(call->path()));
+}
+
+void VoiceCallManager::followEmergencyNumbers()
+{
+    const QStringList before = std::exchange(m_emergencyNumbers, m_line.emergencyNumbers());
+    if (before == m_emergencyNumbers || !m_modem.has(interface()))
+        return;
+    Q_EMIT PropertyChanged(QStringLiteral("EmergencyNumbers"), QDBusVariant(m_emergencyNumbers));
+}
