@@ -7,6 +7,7 @@ must not grow."""
 import json
 import platform
 import subprocess
+import sys
 from pathlib import Path
 from statistics import median
 
@@ -22,6 +23,8 @@ YARDSTICKS = {
     "start to first frame, services absent": "bare host",
     "one dial": PING,
 }
+# The numbers that elf(5) gives them, and the names that uname(1) does.
+PROCESSORS = {3: "i686", 40: "armv7l", 62: "x86_64", 183: "aarch64", 243: "riscv64"}
 NOT_RECORDED = 77  # The exit status that makes CTest report the check as skipped.
 # These packages have the other code whose instructions are counted. Debian 13 has renamed two.
 PACKAGES = [
@@ -65,16 +68,26 @@ def versions():
     return dict(fields for fields in found if len(fields) == 2)
 
 
-def system():
-    """Returns the name of the system's release: its compiler and libraries decide the counts."""
+def processor(program):
+    """Returns the name of the processor for which a program is built (elf(5)). The machine's own may
+    be another one: it may be emulated, or have 64 bits where the program has 32."""
+    header = Path(program).read_bytes()[:20]
+    number = int.from_bytes(header[18:20], sys.byteorder)
+    return PROCESSORS.get(number, f"processor {number}")
+
+
+def system(programs):
+    """Returns the name of the system's release and processor: they, the compiler and the libraries
+    decide the counts."""
     release = platform.freedesktop_os_release()
-    return f"{release['NAME']} {release.get('VERSION_ID', '')} {platform.machine()}"
+    version = release.get("VERSION_ID", "")
+    return f"{release['NAME']} {version} {processor(programs.native[0])}"
 
 
 def record(programs):
     """Records the counts of this system, and keeps those of others."""
     recorded = json.loads(FILE.read_text())
-    recorded[system()] = {"instructions": measured(programs), "versions": versions()}
+    recorded[system(programs)] = {"instructions": measured(programs), "versions": versions()}
     FILE.write_text(json.dumps(recorded, indent=2, sort_keys=True) + "\n")
     print(FILE.read_text())
     return 0
@@ -82,9 +95,10 @@ def record(programs):
 
 def check(programs):
     """Returns the exit status: 1 if a count has grown."""
-    recorded = json.loads(FILE.read_text()).get(system())
+    name = system(programs)
+    recorded = json.loads(FILE.read_text()).get(name)
     if recorded is None:
-        print(f"No counts are recorded for {system()}. Record them with bench/run --record.")
+        print(f"No counts are recorded for {name}. Record them with bench/run --record.")
         return NOT_RECORDED
     counts, before = measured(programs), recorded["instructions"]
     here = versions()

@@ -60,7 +60,7 @@ private:
     QString m_modem;
     QString m_number;
     QString m_name;
-    QString m_direction; ///< Empty if the call was there before this process.
+    QString m_direction; ///< Empty if the call was answered before it was first seen.
     QString m_state;
     QString m_reason;
     QDateTime m_startTime;

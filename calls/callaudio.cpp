@@ -46,6 +46,7 @@ void CallAudio::componentComplete()
 void CallAudio::requestAllTrue()
 {
     for (Setting *setting : {&m_voiceCall, &m_speaker, &m_muted}) {
+        setting->confirmed = false;
         if (setting->wanted)
             request(*setting);
     }

@@ -118,8 +118,6 @@ void CallModel::removeRow(int row)
     const QPointer<CallModel> self(this);
     const QVariantMap call = m_calls.at(row).values();
     beginRemoveRows({}, row, row);
-    if (!self)
-        return;
     m_calls.remove(row);
     endRemoveRows();
     if (self && updateProperties())

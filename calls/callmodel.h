@@ -10,7 +10,8 @@
 
 /// A list of calls, one in each row, in the order in which they have come.
 ///
-/// Every function that changes it emits its signals last. A handler may destroy the model.
+/// Every function that changes it emits its signals last. A handler may destroy the model, but not
+/// one of rowsAboutToBeInserted() and rowsAboutToBeRemoved(), which Qt emits in between.
 class CallModel : public QAbstractListModel
 {
     Q_OBJECT

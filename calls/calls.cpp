@@ -9,6 +9,8 @@
 #include <QDBusObjectPath>
 #include <QPointer>
 
+#include <utility>
+
 namespace {
 
 const QLatin1String managerInterface("org.ofono.VoiceCallManager");
@@ -22,13 +24,10 @@ const QLatin1String disconnectReason("DisconnectReason");
 
 Calls::Calls(QObject *parent)
     : CallModel(parent)
-    , m_ofono(nullptr)
-    , m_dialogue(
-          m_ofono,
-          [this](const QString &action, const QString &text, Telephony::Error error) {
-              fail(action, 0, text, error);
-          },
-          nullptr)
+    , m_dialogue(m_ofono,
+                 [this](const QString &action, const QString &text, Telephony::Error error) {
+                     fail(action, 0, text, error);
+                 })
 {
     m_ofono.follow(managerInterface, callAdded, QStringLiteral("oa{sv}"));
     m_ofono.follow(managerInterface, QStringLiteral("CallRemoved"), QStringLiteral("o"));
@@ -43,8 +42,8 @@ Calls::Calls(QObject *parent)
 void Calls::followModem(const QString &modem)
 {
     const bool isLine = m_ofono.has(modem, managerInterface);
-    const bool wasLine = m_lines.count(modem) > 0;
-    if (isLine && !wasLine) {
+    const auto line = m_lines.find(modem);
+    if (isLine && line == m_lines.end()) {
         QObject *const context = m_lines[modem].context.get();
         m_ofono.ask({modem, managerInterface, QStringLiteral("GetProperties"), {}},
                     QStringLiteral("a{sv}"), context, [this, modem](const QDBusMessage &answer) {
@@ -54,9 +53,10 @@ void Calls::followModem(const QString &modem)
         m_ofono.ask({modem, managerInterface, QStringLiteral("GetCalls"), {}},
                     QStringLiteral("a(oa{sv})"), context,
                     [this, modem](const QDBusMessage &answer) { readCalls(modem, answer); });
-    } else if (!isLine) {
-        m_lines.erase(modem);
-        m_tones.erase(modem);
+    } else if (!isLine && line != m_lines.end()) {
+        if (line->second.tones)
+            fail(QStringLiteral("sendTones"), 0, {}, Telephony::NoAnswer);
+        m_lines.erase(line);
     }
     const QPointer<Calls> self(this);
     m_dialogue.followModem(modem);
@@ -155,8 +155,6 @@ void Calls::startCall(const QString &text, const QString &modem)
                                        : m_ofono.modemFor(modem, managerInterface);
     if (!isEmergency && !PhoneNumber::isDialable(number))
         fail(action, 0, number, Telephony::InvalidFormat);
-    else if (!isEmergency && m_ofono.isBusy())
-        fail(action, 0, number, Telephony::InProgress);
     else if (m_ofono.status() == Telephony::NoService || m_ofono.status() == Telephony::NoBus)
         fail(action, 0, number, Telephony::NoStack);
     else if (!isEmergency && PhoneNumber::isRequest(number))
@@ -166,7 +164,7 @@ void Calls::startCall(const QString &text, const QString &modem)
              m_ofono.status() == Telephony::Hung ? Telephony::NoAnswer : Telephony::NoModem);
     else
         tell(action, 0, number,
-             {chosen, managerInterface, QStringLiteral("Dial"), {number, QString()}});
+             {chosen, managerInterface, QStringLiteral("Dial"), {number, QString()}, isEmergency});
 }
 
 void Calls::answer(int call)
@@ -196,7 +194,7 @@ void Calls::hangUp(int call)
     const Call *const found = find(call);
     if (found != nullptr)
         tell(QStringLiteral("hangUp"), call, found->number(),
-             {found->path(), callInterface, QStringLiteral("Hangup"), {}});
+             {found->path(), callInterface, QStringLiteral("Hangup"), {}, true});
     else
         fail(QStringLiteral("hangUp"), call, {}, Telephony::NoCall);
 }
@@ -213,7 +211,7 @@ void Calls::hangUpAll(const QString &modem)
         fail(QStringLiteral("hangUpAll"), 0, {}, Telephony::NoCall);
     for (const QString &path : qAsConst(modems)) {
         tell(QStringLiteral("hangUpAll"), 0, {},
-             {path, managerInterface, QStringLiteral("HangupAll"), {}});
+             {path, managerInterface, QStringLiteral("HangupAll"), {}, true});
     }
 }
 
@@ -243,36 +241,37 @@ void Calls::split(int call)
 void Calls::sendTones(const QString &tones, const QString &modem)
 {
     const QString action = QStringLiteral("sendTones");
-    const QString chosen = ongoingModem(modem);
-    const auto sending = m_tones.find(chosen);
-    const QString all = sending == m_tones.end() ? tones : QString(sending->second + tones);
-    if (chosen.isEmpty()) {
+    const auto line = m_lines.find(ongoingModem(modem));
+    if (line == m_lines.end()) {
         fail(action, 0, {}, Telephony::NoCall);
-    } else if (!PhoneNumber::areTones(all)) {
-        fail(action, 0, {}, Telephony::InvalidFormat);
-    } else {
-        m_tones[chosen] = all;
-        if (sending == m_tones.end())
-            sendNextTones(chosen);
+        return;
     }
+    std::optional<QString> &waiting = line->second.tones;
+    const bool isSending = waiting.has_value();
+    const QString all = waiting.value_or(QString()) + tones;
+    if (!PhoneNumber::areTones(all)) {
+        fail(action, 0, {}, Telephony::InvalidFormat);
+        return;
+    }
+    waiting = all;
+    if (!isSending)
+        sendNextTones(line->first);
 }
 
 /// oFono refuses tones while it sends others.
 void Calls::sendNextTones(const QString &modem)
 {
-    QString &waiting = m_tones[modem];
-    const QString tones = waiting;
-    waiting.clear();
+    Line &line = m_lines.at(modem);
+    const QString tones = std::exchange(*line.tones, {});
     m_ofono.command({modem, managerInterface, QStringLiteral("SendTones"), {tones}},
-                    m_ofono.patience().network, this, [this, modem](const QDBusMessage &answer) {
+                    m_ofono.patience().network, line.context.get(),
+                    [this, modem](const QDBusMessage &answer) {
+                        std::optional<QString> &waiting = m_lines.at(modem).tones;
                         const bool isError = answer.type() == QDBusMessage::ErrorMessage;
-                        const auto sending = m_tones.find(modem);
                         if (isError)
                             fail(QStringLiteral("sendTones"), 0, {}, Telephony::errorOf(answer));
-                        if (sending == m_tones.end())
-                            return;
-                        if (isError || sending->second.isEmpty())
-                            m_tones.erase(sending);
+                        if (isError || waiting->isEmpty())
+                            waiting.reset();
                         else
                             sendNextTones(modem);
                     });
@@ -300,10 +299,9 @@ void Calls::manageOngoing(const QString &action, const QString &method, const QS
 
 QString Calls::ongoingModem(const QString &wanted) const
 {
-    if (!wanted.isEmpty())
-        return m_lines.count(wanted) > 0 ? wanted : QString();
     const Call *const found = find(ongoing());
-    return found != nullptr ? found->modem() : QString();
+    const QString modem = wanted.isEmpty() && found != nullptr ? found->modem() : wanted;
+    return m_lines.count(modem) > 0 ? modem : QString();
 }
 
 void Calls::tell(const QString &action, int call, const QString &number,

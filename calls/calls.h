@@ -12,6 +12,7 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 
 /// The calls of all modems, and what the user may do with them. It follows oFono's interfaces
 /// org.ofono.VoiceCallManager and org.ofono.VoiceCall.
@@ -87,6 +88,7 @@ private:
         std::unique_ptr<QObject> context = std::make_unique<QObject>(); ///< Of its answers.
         bool callsKnown = false;
         QStringList emergencyNumbers;
+        std::optional<QString> tones; ///< Those that wait while others are being sent.
     };
 
     void followModem(const QString &modem);
@@ -108,7 +110,6 @@ private:
     Ofono m_ofono;
     ServiceDialogue m_dialogue;
     std::map<QString, Line> m_lines; ///< By the path of the modem.
-    std::map<QString, QString> m_tones; ///< Those that wait, by modems that are sending tones.
     QStringList m_modems;
     QStringList m_emergencyNumbers;
 };

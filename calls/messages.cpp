@@ -3,7 +3,6 @@
 
 #include "messages.h"
 
-#include "busvalues.h"
 #include "phonenumber.h"
 
 #include <QDBusMessage>
@@ -25,7 +24,6 @@ constexpr int longestText = 255 * 153;
 
 Messages::Messages(QObject *parent)
     : QAbstractListModel(parent)
-    , m_ofono(nullptr)
 {
     m_ofono.follow(managerInterface, messageRemoved, QStringLiteral("o"));
     m_ofono.follow(messageInterface, QStringLiteral("PropertyChanged"), QStringLiteral("sv"));
@@ -154,21 +152,24 @@ void Messages::receive(const QDBusMessage &message)
 {
     const bool isRemoved = message.member() == messageRemoved;
     const int row = rowOf(isRemoved ? busPath(message) : message.path());
-    if (row < 0) {
-        if (m_isSending && m_early.size() < mostBusObjects)
-            m_early.append(message);
-        return;
-    }
-    const QVariant state = isRemoved ? QVariant() : busProperty(message).value;
-    if (isRemoved) {
+    if (row < 0 && m_isSending && m_early.size() < mostBusObjects)
+        m_early.append(message);
+    else if (row >= 0 && isRemoved)
         failRow(row, Telephony::Canceled);
-    } else if (busProperty(message).name == QLatin1String("State")) {
-        const Message finished = m_messages.at(row);
-        if (state == QLatin1String("failed"))
-            failRow(row, Telephony::Failed);
-        else if (state == QLatin1String("sent") && removeRow(row))
-            Q_EMIT sent(valuesOf(finished));
-    }
+    else if (row >= 0)
+        change(message.path(), busProperty(message));
+}
+
+void Messages::change(const QString &path, const BusProperty &property)
+{
+    const int row = rowOf(path);
+    if (row < 0 || property.name != QLatin1String("State"))
+        return;
+    const Message message = m_messages.at(row);
+    if (property.value == QLatin1String("failed"))
+        failRow(row, Telephony::Failed);
+    else if (property.value == QLatin1String("sent") && removeRow(row))
+        Q_EMIT sent(valuesOf(message));
 }
 
 void Messages::followModem(const QString &modem)

@@ -35,7 +35,9 @@ const QLatin1String interfacesProperty("Interfaces");
 /// unanswered then while they are still in use.
 const QLatin1String connectionName("com.nimbo.calls");
 
-/// With the questions, this stays below the 128 unanswered calls that a stock system bus allows.
+/// With the questions, of which 32 are under way at a time, one object stays below the 128
+/// unanswered calls of a connection that a stock system bus allows. Where several objects reach
+/// that limit together, the bus refuses a command, with the same error as this limit.
 constexpr int mostCommands = 64;
 
 /// An oFono that hangs may go on after minutes, and would not be asked again.
@@ -43,9 +45,8 @@ constexpr int forever = std::numeric_limits<int>::max();
 
 } // namespace
 
-Ofono::Ofono(QObject *parent)
-    : QObject(parent)
-    , m_bus(QString())
+Ofono::Ofono()
+    : m_bus(QString())
 {
     m_silence.setSingleShot(true);
     connect(&m_silence, &QTimer::timeout, this,
@@ -162,6 +163,8 @@ void Ofono::readQuery(const Command &question, const QString &signature,
         // The true answer is lost.
         if (context)
             ask(question, signature, context, handler);
+        else
+            updateStatus();
         return;
     }
     const bool isError = answer.type() == QDBusMessage::ErrorMessage;
@@ -177,17 +180,13 @@ void Ofono::readQuery(const Command &question, const QString &signature,
         updateStatus();
 }
 
-bool Ofono::isBusy() const
-{
-    return m_commands >= mostCommands;
-}
-
 void Ofono::command(const Command &command, std::chrono::milliseconds patience, QObject *context,
                     const AnswerHandler &handler)
 {
-    QDBusPendingCall call =
-        QDBusPendingCall::fromError(QDBusError(QDBusError::ServiceUnknown, service));
-    if (!m_owner.isEmpty()) {
+    const bool isTooMuch = m_commands >= mostCommands && !command.isUrgent;
+    QDBusPendingCall call = QDBusPendingCall::fromError(
+        QDBusError(isTooMuch ? QDBusError::LimitsExceeded : QDBusError::ServiceUnknown, service));
+    if (!m_owner.isEmpty() && !isTooMuch) {
         QDBusMessage message = QDBusMessage::createMethodCall(m_owner, command.path,
                                                               command.interface, command.method);
         message.setArguments(command.arguments);

@@ -50,10 +50,11 @@ public:
         QString interface;
         QString method;
         QVariantList arguments;
+        bool isUrgent = false; ///< Whether it is given however many others are unanswered.
     };
 
     /// Does nothing until start().
-    explicit Ofono(QObject *parent);
+    Ofono();
     ~Ofono() override;
 
     /// Sets how patient this object is. Call this before start().
@@ -92,11 +93,9 @@ public:
     void ask(const Command &question, const QString &signature, QObject *context,
              const AnswerHandler &handler);
 
-    /// Returns whether so many commands are unanswered that no more should be given.
-    bool isBusy() const;
-
     /// Tells oFono to do something. \a handler gets the answer or an error, also if oFono is not
-    /// there or stops, unless \a context is destroyed before.
+    /// there or stops, or has too many commands to answer (LimitsExceeded), unless \a context is
+    /// destroyed before.
     void command(const Command &command, std::chrono::milliseconds patience, QObject *context,
                  const AnswerHandler &handler);
 

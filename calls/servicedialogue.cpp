@@ -38,6 +38,11 @@ QVariantMap readValues(const QDBusArgument &argument)
     return values;
 }
 
+bool isUnderWay(const QVariant &state)
+{
+    return state == active || state == userResponse;
+}
+
 /// Reads the values of a setting of \a kind: an operation, and a status or a service with values.
 QVariantMap readSetting(const QString &kind, const QVariant &value)
 {
@@ -65,9 +70,8 @@ QVariantMap readSetting(const QString &kind, const QVariant &value)
 
 } // namespace
 
-ServiceDialogue::ServiceDialogue(Ofono &ofono, FailureHandler failed, QObject *parent)
-    : QObject(parent)
-    , m_ofono(ofono)
+ServiceDialogue::ServiceDialogue(Ofono &ofono, FailureHandler failed)
+    : m_ofono(ofono)
     , m_failed(std::move(failed))
     , m_state(idle)
 {
@@ -78,7 +82,7 @@ ServiceDialogue::ServiceDialogue(Ofono &ofono, FailureHandler failed, QObject *p
 
 QString ServiceDialogue::state() const
 {
-    return m_waits ? QString(active) : m_state;
+    return m_sent ? QString(active) : m_state;
 }
 
 void ServiceDialogue::begin(const QString &request, const QString &modem)
@@ -92,6 +96,7 @@ void ServiceDialogue::begin(const QString &request, const QString &modem)
     }
     const Content before = content();
     m_modem = chosen;
+    m_context = std::make_unique<QObject>();
     m_text.clear();
     m_answer.clear();
     call(QStringLiteral("dial"), QStringLiteral("Initiate"), request,
@@ -101,22 +106,26 @@ void ServiceDialogue::begin(const QString &request, const QString &modem)
 
 void ServiceDialogue::reply(const QString &text)
 {
+    m_ofono.later([this, self = QPointer<ServiceDialogue>(this), text] {
+        if (self)
+            respond(text);
+    });
+}
+
+void ServiceDialogue::respond(const QString &text)
+{
     if (state() != userResponse || text.size() > longestReply) {
         m_failed(QStringLiteral("reply"), text.left(longestReply),
                  state() == userResponse ? Telephony::InvalidFormat : Telephony::NotActive);
         return;
     }
-    m_ofono.later([this, self = QPointer<ServiceDialogue>(this), text] {
-        if (!self)
-            return;
-        const Content before = content();
-        call(QStringLiteral("reply"), QStringLiteral("Respond"), text,
-             [this](const QDBusMessage &answer) {
-                 if (answer.signature() == QLatin1String("s"))
-                     m_text = safeLines(answer.arguments().constFirst().toString());
-             });
-        update(before);
-    });
+    const Content before = content();
+    call(QStringLiteral("reply"), QStringLiteral("Respond"), text,
+         [this](const QDBusMessage &answer) {
+             if (answer.signature() == QLatin1String("s"))
+                 m_text = safeLines(answer.arguments().constFirst().toString());
+         });
+    update(before);
 }
 
 void ServiceDialogue::cancel()
@@ -124,7 +133,7 @@ void ServiceDialogue::cancel()
     if (m_modem.isEmpty() || state() == idle)
         return;
     m_ofono.command({m_modem, interface, QStringLiteral("Cancel"), {}}, m_ofono.patience().command,
-                    this, [this](const QDBusMessage &answer) {
+                    m_context.get(), [this](const QDBusMessage &answer) {
                         if (answer.type() == QDBusMessage::ErrorMessage)
                             m_failed(QStringLiteral("cancel"), {}, Telephony::errorOf(answer));
                     });
@@ -134,11 +143,11 @@ void ServiceDialogue::cancel()
 void ServiceDialogue::call(const QString &action, const QString &method, const QString &text,
                            const std::function<void(const QDBusMessage &)> &succeeded)
 {
-    m_waits = true;
-    m_ofono.command({m_modem, interface, method, {text}}, m_ofono.patience().network, this,
-                    [=](const QDBusMessage &answer) {
+    m_sent = Sent{action, text};
+    m_ofono.command({m_modem, interface, method, {text}}, m_ofono.patience().network,
+                    m_context.get(), [=](const QDBusMessage &answer) {
                         const Content before = content();
-                        m_waits = false;
+                        m_sent.reset();
                         if (answer.type() == QDBusMessage::ErrorMessage)
                             m_failed(action, text, Telephony::errorOf(answer));
                         else
@@ -163,19 +172,18 @@ void ServiceDialogue::receive(const QDBusMessage &message)
 {
     if (message.interface() != interface)
         return;
-    const BusProperty property =
-        message.signature() == QLatin1String("sv") ? busProperty(message) : BusProperty();
-    const bool begins = state() == idle && property.value != idle;
-    if (message.path() != m_modem && !begins)
+    const bool isText = message.signature() == QLatin1String("s");
+    const BusProperty property = isText ? BusProperty() : busProperty(message);
+    const bool begins = isText || (property.name == stateProperty && isUnderWay(property.value));
+    if (message.path() != m_modem && !(begins && state() == idle))
         return;
     const Content before = content();
     m_modem = message.path();
-    if (message.signature() == QLatin1String("sv")) {
-        if (property.name == stateProperty)
-            readState(property.value);
-    } else {
+    if (isText) {
         m_text = safeLines(message.arguments().constFirst().toString());
         m_answer.clear();
+    } else if (property.name == stateProperty) {
+        readState(property.value);
     }
     update(before);
 }
@@ -189,7 +197,8 @@ void ServiceDialogue::followModem(const QString &modem)
                     QStringLiteral("a{sv}"), this, [this, modem](const QDBusMessage &answer) {
                         const Content before = content();
                         const QVariant value = busProperties(answer).value(stateProperty);
-                        if (m_modem.isEmpty() && value != idle) {
+                        if (m_modem.isEmpty() && m_ofono.has(modem, interface)
+                            && isUnderWay(value)) {
                             m_modem = modem;
                             readState(value);
                         }
@@ -197,8 +206,11 @@ void ServiceDialogue::followModem(const QString &modem)
                     });
     } else if (!hasInterface && modem == m_modem) {
         const Content before = content();
+        if (m_sent)
+            m_failed(m_sent->action, m_sent->text, Telephony::NoAnswer);
+        m_sent.reset();
+        m_context = std::make_unique<QObject>();
         m_state = idle;
-        m_waits = false;
         m_modem.clear();
         update(before);
     }
@@ -206,7 +218,7 @@ void ServiceDialogue::followModem(const QString &modem)
 
 void ServiceDialogue::readState(const QVariant &value)
 {
-    if (value == idle || value == active || value == userResponse)
+    if (value == idle || isUnderWay(value))
         m_state = value.toString();
 }
 

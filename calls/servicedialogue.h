@@ -10,6 +10,8 @@
 #include <QVariantMap>
 
 #include <functional>
+#include <memory>
+#include <optional>
 
 /// A dialogue with the network, which begins with a request such as *100# (USSD), or with a message
 /// from the network. There is one at a time. It follows org.ofono.SupplementaryServices.
@@ -32,7 +34,7 @@ public:
     using FailureHandler =
         std::function<void(const QString &action, const QString &text, Telephony::Error error)>;
 
-    ServiceDialogue(Ofono &ofono, FailureHandler failed, QObject *parent);
+    ServiceDialogue(Ofono &ofono, FailureHandler failed);
 
     QString state() const;
     QString text() const { return m_text; }
@@ -67,6 +69,14 @@ private:
         QString modem;
     };
 
+    /// A request or a reply, and the action of the user that has sent it.
+    struct Sent
+    {
+        QString action;
+        QString text;
+    };
+
+    void respond(const QString &text);
     void call(const QString &action, const QString &method, const QString &text,
               const std::function<void(const QDBusMessage &)> &succeeded);
     void readAnswer(const QDBusMessage &message);
@@ -77,7 +87,8 @@ private:
     Ofono &m_ofono;
     FailureHandler m_failed;
     QString m_state; ///< oFono's.
-    bool m_waits = false; ///< Whether the network is to answer what was sent last.
+    std::optional<Sent> m_sent; ///< What the network is to answer.
+    std::unique_ptr<QObject> m_context = std::make_unique<QObject>(); ///< Of the answers.
     QString m_text;
     QVariantMap m_answer;
     QString m_modem;

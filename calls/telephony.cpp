@@ -55,7 +55,7 @@ QString explanationOf(Error error)
     case InvalidArguments:
     case InvalidFormat:
     case NotRecognized:
-        //% "This number cannot be used."
+        //% "This number or text cannot be used."
         return qtTrId("parley-la-error_invalid_number");
     case InProgress:
     case InUse:
@@ -95,7 +95,7 @@ QString explanationOf(Error error)
     case NotFound:
     case NotActive:
     case NoCall:
-        //% "This call has ended."
+        //% "This has already ended."
         return qtTrId("parley-la-error_no_call");
     case Failed:
         break;

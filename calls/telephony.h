@@ -18,7 +18,7 @@ enum Status {
     Starting, ///< It is being asked for its modems and calls.
     Ready, ///< Its modems and calls are known.
     Hung, ///< It has not answered for some seconds. It may go on at any time.
-    NoService, ///< It does not run, or refuses this process.
+    NoService, ///< It does not run, or does not tell this process its modems.
     NoBus ///< There is no system bus, or the connection to it is lost.
 };
 Q_ENUM_NS(Status)
@@ -48,7 +48,7 @@ enum Error {
     NotRecognized,
     Terminated,
     NoStack, ///< There is no telephony stack, or it has stopped meanwhile.
-    NoAnswer, ///< The stack has not answered in time. It may still do what it was asked for.
+    NoAnswer, ///< The stack has not answered in time, or its modem has gone. It may have done it.
     NoModem, ///< No modem can do this, or not the one that was asked for.
     NoCall ///< There is no such call, or no longer.
 };

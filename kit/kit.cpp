@@ -6,13 +6,12 @@
 #include "phonewindow.h"
 #include "simfiltershelper.h"
 
+#include <QDateTime>
 #include <QDebug>
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QQmlContext>
-
-#include <utility>
 
 namespace {
 
@@ -51,8 +50,6 @@ Kit::Kit(QQmlEngine *engine)
     context->setContextProperty(QStringLiteral("simFiltersHelper"), m_filters);
     reset();
 }
-
-Kit::~Kit() = default;
 
 QObject *Kit::service() const
 {

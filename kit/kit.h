@@ -4,13 +4,10 @@
 #pragma once
 
 #include <QObject>
-#include <QPointer>
 #include <QQmlEngine>
 #include <QStringList>
 #include <QVariantList>
 #include <QVariantMap>
-
-#include <memory>
 
 class PhoneWindow;
 class SimFiltersHelper;
@@ -46,7 +43,6 @@ public:
 
     /// Sets the root context of \a engine, which owns the object.
     explicit Kit(QQmlEngine *engine);
-    ~Kit() override;
 
     QObject *service() const;
     /// For ParleyUiAdaptor objects.

@@ -59,8 +59,8 @@ void Reminder::adopt(bool exists, const QDateTime &when)
 {
     const QPointer<Reminder> self(this);
     const bool existsDiffers = m_exists != exists;
-    const bool whenDiffers = m_when != when;
-    m_when = when;
+    const bool whenDiffers = this->when() != when;
+    m_when = DueTime(when);
     m_exists = exists;
     if (whenDiffers)
         Q_EMIT whenChanged();
@@ -72,7 +72,7 @@ void Reminder::gain(const QDateTime &when)
 {
     const QPointer<Reminder> self(this);
     m_exists = true;
-    m_when = when;
+    m_when = DueTime(when);
     Q_EMIT whenChanged();
     if (self)
         Q_EMIT existsChanged();

@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include "duetime.h"
 #include "reminders.h"
 
 #include <QDateTime>
@@ -35,7 +36,7 @@ public:
     void setPhoneNumber(const QString &number);
 
     /// When the reminder is due, or the last one was. Invalid if there has been none.
-    QDateTime when() const { return m_when; }
+    QDateTime when() const { return m_when.toDateTime(); }
 
     /// Whether the number has a reminder: an alarm, and the notification that shows it.
     bool exists() const { return m_exists; }
@@ -63,7 +64,7 @@ Q_SIGNALS:
 
 private:
     QString m_phoneNumber;
-    QDateTime m_when;
+    DueTime m_when;
     QPointer<Reminders> m_reminders;
     bool m_exists = false;
 };

@@ -3,7 +3,8 @@
 
 #pragma once
 
-#include <QDateTime>
+#include "duetime.h"
+
 #include <QPointer>
 #include <QString>
 #include <QVector>
@@ -32,7 +33,7 @@ struct ReminderRecord
     Age age; ///< Greater than that of every record that was added before. Never changes.
     QString normalizedNumber;
     QString minimizedNumber;
-    QDateTime when; ///< When the alarm is due; invalid until there has been one.
+    DueTime when; ///< When the alarm is due; invalid until there has been one.
     /// The objects that watch the number, in the order in which they were bound. A destroyed object
     /// may stay listed as a null pointer.
     QVector<QPointer<Reminder>> reminders;

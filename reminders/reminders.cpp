@@ -37,7 +37,7 @@ void Reminders::alarmAdded(const PhoneNumberKeys &keys, const QDateTime &due,
 {
     ReminderRecord *record = m_store.findOrAppend(keys);
     m_store.setCookie(*record, cookie);
-    record->when = due;
+    record->when = DueTime(due);
     m_publications.enqueue({keys, cookie, due, text});
     if (m_publications.size() == 1)
         publishNext();
@@ -139,7 +139,7 @@ void Reminders::mergeAlarms(const QVector<ReminderAlarm> &alarms)
     for (const ReminderAlarm &alarm : alarms) {
         ReminderRecord *record = m_store.findOrAppend(PhoneNumberKeys::ofAlarm(alarm.phoneNumber));
         m_store.setCookie(*record, alarm.cookie);
-        record->when = alarm.due;
+        record->when = DueTime(alarm.due);
     }
     m_notifications.query([this](const QVector<ReminderNotification> &notifications) {
         matchNotifications(notifications);
@@ -156,7 +156,7 @@ void Reminders::matchNotifications(const QVector<ReminderNotification> &notifica
             continue;
         }
         record->notificationId = notification.id;
-        announce(*record, record->when);
+        announce(*record, record->when.toDateTime());
         if (!self)
             return;
     }

@@ -152,7 +152,7 @@ std::optional<ReminderStore::Shown> ReminderStore::bind(Reminder *reminder,
         return {};
     }
     list(bound, reminder);
-    return Shown{bound->second.hasReminder(), bound->second.when};
+    return Shown{bound->second.hasReminder(), bound->second.when.toDateTime()};
 }
 
 void ReminderStore::unbindFromFirst(const Reminder *reminder)

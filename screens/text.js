@@ -49,6 +49,7 @@ function secondsLater(now, seconds) {
 }
 
 function onDay(now, daysLater, hour) {
+    Date.timeZoneUpdated(); // The engine does not notice a new zone by itself.
     return new Date(now.getFullYear(), now.getMonth(), now.getDate() + daysLater, hour);
 }
 

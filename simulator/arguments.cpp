@@ -5,12 +5,14 @@
 
 #include "places.h"
 #include "prompt.h"
+#include "runservice.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QFileInfo>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -18,6 +20,29 @@ bool hasDisplay()
 {
     const auto isSet = [](const char *variable) { return !qEnvironmentVariableIsEmpty(variable); };
     return isSet("DISPLAY") || isSet("WAYLAND_DISPLAY") || isSet("QT_QPA_PLATFORM");
+}
+
+/// Returns what is wrong with options that are given together; empty if nothing is.
+QString conflict(const QCommandLineParser &parser)
+{
+    const auto both = [&parser](const char *one, const char *other) {
+        return parser.isSet(QString::fromLatin1(one)) && parser.isSet(QString::fromLatin1(other));
+    };
+    using Pair = std::pair<const char *, const char *>;
+    for (const auto &[option, needed] : {Pair("junit", "tests"), Pair("replay", "watch")}) {
+        if (both(option, option) && !both(option, needed))
+            return QStringLiteral("--%1 needs --%2.")
+                .arg(QLatin1String(option), QLatin1String(needed));
+    }
+    // Each script of a folder has a handset of its own, which keeps nothing.
+    for (const auto &[one, other] :
+         {Pair("tests", "script"), Pair("tests", "tour"), Pair("tests", "state"),
+          Pair("tests", "watch"), Pair("script", "tour")}) {
+        if (both(one, other))
+            return QStringLiteral("--%1 and --%2 cannot be combined.")
+                .arg(QLatin1String(one), QLatin1String(other));
+    }
+    return {};
 }
 
 } // namespace
@@ -61,6 +86,10 @@ Arguments Arguments::parse(int argc, char *argv[])
         QStringLiteral("junit"),
         QStringLiteral("With --tests: writes a report for CI systems, in the form of JUnit."),
         QStringLiteral("file"));
+    const QCommandLineOption ofono(
+        QStringLiteral("ofono"),
+        QStringLiteral("Runs the real oFono on simulated modems in the place of the simulated "
+                       "telephony."));
     const QCommandLineOption kit(
         QStringLiteral("kit"),
         QStringLiteral("Prints the folder of the QML modules with which tools run screens "
@@ -75,8 +104,8 @@ Arguments Arguments::parse(int argc, char *argv[])
                        "buses, and takes commands\n"
                        "from standard input and from its control panel. The command \"help\" lists "
                        "them."));
-    parser.addOptions(
-        {help, version, ui, qml, watch, replay, script, tour, tests, junit, kit, state, noPanel});
+    parser.addOptions({help, version, ui, qml, watch, replay, script, tour, tests, junit, ofono,
+                       kit, state, noPanel});
     QStringList words;
     std::transform(argv, argv + argc, std::back_inserter(words),
                    [](const char *argument) { return QString::fromLocal8Bit(argument); });
@@ -86,6 +115,8 @@ Arguments Arguments::parse(int argc, char *argv[])
         arguments.error = parser.errorText();
     else if (const QStringList surplus = parser.positionalArguments(); !surplus.isEmpty())
         arguments.error = QStringLiteral("Unexpected argument '%1'.").arg(surplus.constFirst());
+    else
+        arguments.error = conflict(parser);
     if (parser.isSet(help)) {
         const QCoreApplication application(argc, argv); // The text has its name.
         arguments.answer = parser.helpText();
@@ -96,6 +127,9 @@ Arguments Arguments::parse(int argc, char *argv[])
     } else if (arguments.error.isEmpty() && !QFileInfo(parser.value(qml)).isFile()) {
         arguments.error = QStringLiteral("There is no file %1.").arg(parser.value(qml));
     }
+    if (parser.isSet(ofono) && arguments.error.isEmpty())
+        arguments.error = whyNoOfono();
+    arguments.handset.hasOfono = parser.isSet(ofono);
     arguments.handset.uiProgram = parser.value(ui);
     arguments.handset.catalogueFolder = places.translations;
     arguments.handset.qmlFile = parser.value(qml);

@@ -44,8 +44,8 @@
         <translation type="unfinished">مستحق منذ %1</translation>
     </message>
     <message id="parley-la-error_invalid_number">
-        <source>This number cannot be used.</source>
-        <translation type="unfinished">لا يمكن استخدام هذا الرقم.</translation>
+        <source>This number or text cannot be used.</source>
+        <translation type="unfinished">لا يمكن استخدام هذا الرقم أو النص.</translation>
     </message>
     <message id="parley-la-error_busy">
         <source>The phone is busy. Try again in a moment.</source>
@@ -80,8 +80,8 @@
         <translation type="unfinished">خدمة الهاتف لا تعمل.</translation>
     </message>
     <message id="parley-la-error_no_call">
-        <source>This call has ended.</source>
-        <translation type="unfinished">انتهت هذه المكالمة.</translation>
+        <source>This has already ended.</source>
+        <translation type="unfinished">لقد انتهى هذا بالفعل.</translation>
     </message>
     <message id="parley-la-error_failed">
         <source>This has failed.</source>

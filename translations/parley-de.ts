@@ -44,8 +44,8 @@
         <translation type="unfinished">Fällig seit %1</translation>
     </message>
     <message id="parley-la-error_invalid_number">
-        <source>This number cannot be used.</source>
-        <translation type="unfinished">Diese Nummer kann nicht verwendet werden.</translation>
+        <source>This number or text cannot be used.</source>
+        <translation type="unfinished">Diese Nummer oder dieser Text kann nicht verwendet werden.</translation>
     </message>
     <message id="parley-la-error_busy">
         <source>The phone is busy. Try again in a moment.</source>
@@ -80,8 +80,8 @@
         <translation type="unfinished">Der Telefondienst läuft nicht.</translation>
     </message>
     <message id="parley-la-error_no_call">
-        <source>This call has ended.</source>
-        <translation type="unfinished">Dieser Anruf ist beendet.</translation>
+        <source>This has already ended.</source>
+        <translation type="unfinished">Das ist bereits beendet.</translation>
     </message>
     <message id="parley-la-error_failed">
         <source>This has failed.</source>

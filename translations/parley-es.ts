@@ -44,8 +44,8 @@
         <translation type="unfinished">Pendiente desde %1</translation>
     </message>
     <message id="parley-la-error_invalid_number">
-        <source>This number cannot be used.</source>
-        <translation type="unfinished">Este número no se puede usar.</translation>
+        <source>This number or text cannot be used.</source>
+        <translation type="unfinished">Este número o texto no se puede usar.</translation>
     </message>
     <message id="parley-la-error_busy">
         <source>The phone is busy. Try again in a moment.</source>
@@ -80,8 +80,8 @@
         <translation type="unfinished">El servicio de telefonía no está en funcionamiento.</translation>
     </message>
     <message id="parley-la-error_no_call">
-        <source>This call has ended.</source>
-        <translation type="unfinished">Esta llamada ha terminado.</translation>
+        <source>This has already ended.</source>
+        <translation type="unfinished">Esto ya ha terminado.</translation>
     </message>
     <message id="parley-la-error_failed">
         <source>This has failed.</source>

@@ -44,8 +44,8 @@
         <translation type="unfinished">Määräaika oli %1</translation>
     </message>
     <message id="parley-la-error_invalid_number">
-        <source>This number cannot be used.</source>
-        <translation type="unfinished">Tätä numeroa ei voi käyttää.</translation>
+        <source>This number or text cannot be used.</source>
+        <translation type="unfinished">Tätä numeroa tai tekstiä ei voi käyttää.</translation>
     </message>
     <message id="parley-la-error_busy">
         <source>The phone is busy. Try again in a moment.</source>
@@ -80,8 +80,8 @@
         <translation type="unfinished">Puhelinpalvelu ei ole käynnissä.</translation>
     </message>
     <message id="parley-la-error_no_call">
-        <source>This call has ended.</source>
-        <translation type="unfinished">Tämä puhelu on päättynyt.</translation>
+        <source>This has already ended.</source>
+        <translation type="unfinished">Tämä on jo päättynyt.</translation>
     </message>
     <message id="parley-la-error_failed">
         <source>This has failed.</source>

@@ -44,8 +44,8 @@
         <translation type="unfinished">En attente depuis %1</translation>
     </message>
     <message id="parley-la-error_invalid_number">
-        <source>This number cannot be used.</source>
-        <translation type="unfinished">Ce numéro ne peut pas être utilisé.</translation>
+        <source>This number or text cannot be used.</source>
+        <translation type="unfinished">Ce numéro ou ce texte ne peut pas être utilisé.</translation>
     </message>
     <message id="parley-la-error_busy">
         <source>The phone is busy. Try again in a moment.</source>
@@ -80,8 +80,8 @@
         <translation type="unfinished">Le service téléphonique ne fonctionne pas.</translation>
     </message>
     <message id="parley-la-error_no_call">
-        <source>This call has ended.</source>
-        <translation type="unfinished">Cet appel est terminé.</translation>
+        <source>This has already ended.</source>
+        <translation type="unfinished">C’est déjà terminé.</translation>
     </message>
     <message id="parley-la-error_failed">
         <source>This has failed.</source>

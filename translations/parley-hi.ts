@@ -44,8 +44,8 @@
         <translation type="unfinished">%1 से बाकी</translation>
     </message>
     <message id="parley-la-error_invalid_number">
-        <source>This number cannot be used.</source>
-        <translation type="unfinished">इस नंबर का उपयोग नहीं किया जा सकता।</translation>
+        <source>This number or text cannot be used.</source>
+        <translation type="unfinished">इस नंबर या टेक्स्ट का उपयोग नहीं किया जा सकता।</translation>
     </message>
     <message id="parley-la-error_busy">
         <source>The phone is busy. Try again in a moment.</source>
@@ -80,8 +80,8 @@
         <translation type="unfinished">फ़ोन सेवा नहीं चल रही है।</translation>
     </message>
     <message id="parley-la-error_no_call">
-        <source>This call has ended.</source>
-        <translation type="unfinished">यह कॉल समाप्त हो गई है।</translation>
+        <source>This has already ended.</source>
+        <translation type="unfinished">यह पहले ही समाप्त हो चुका है।</translation>
     </message>
     <message id="parley-la-error_failed">
         <source>This has failed.</source>

@@ -44,8 +44,8 @@
         <translation type="unfinished">In sospeso da: %1</translation>
     </message>
     <message id="parley-la-error_invalid_number">
-        <source>This number cannot be used.</source>
-        <translation type="unfinished">Questo numero non può essere usato.</translation>
+        <source>This number or text cannot be used.</source>
+        <translation type="unfinished">Questo numero o testo non può essere usato.</translation>
     </message>
     <message id="parley-la-error_busy">
         <source>The phone is busy. Try again in a moment.</source>
@@ -80,8 +80,8 @@
         <translation type="unfinished">Il servizio telefonico non è in esecuzione.</translation>
     </message>
     <message id="parley-la-error_no_call">
-        <source>This call has ended.</source>
-        <translation type="unfinished">Questa chiamata è terminata.</translation>
+        <source>This has already ended.</source>
+        <translation type="unfinished">È già terminato.</translation>
     </message>
     <message id="parley-la-error_failed">
         <source>This has failed.</source>

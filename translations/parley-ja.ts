@@ -44,8 +44,8 @@
         <translation type="unfinished">%1 から未対応</translation>
     </message>
     <message id="parley-la-error_invalid_number">
-        <source>This number cannot be used.</source>
-        <translation type="unfinished">この番号は使用できません。</translation>
+        <source>This number or text cannot be used.</source>
+        <translation type="unfinished">この番号またはテキストは使用できません。</translation>
     </message>
     <message id="parley-la-error_busy">
         <source>The phone is busy. Try again in a moment.</source>
@@ -80,8 +80,8 @@
         <translation type="unfinished">電話サービスが動作していません。</translation>
     </message>
     <message id="parley-la-error_no_call">
-        <source>This call has ended.</source>
-        <translation type="unfinished">この通話は終了しました。</translation>
+        <source>This has already ended.</source>
+        <translation type="unfinished">これはすでに終了しています。</translation>
     </message>
     <message id="parley-la-error_failed">
         <source>This has failed.</source>

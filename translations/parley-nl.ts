@@ -44,8 +44,8 @@
         <translation type="unfinished">Open sinds %1</translation>
     </message>
     <message id="parley-la-error_invalid_number">
-        <source>This number cannot be used.</source>
-        <translation type="unfinished">Dit nummer kan niet worden gebruikt.</translation>
+        <source>This number or text cannot be used.</source>
+        <translation type="unfinished">Dit nummer of deze tekst kan niet worden gebruikt.</translation>
     </message>
     <message id="parley-la-error_busy">
         <source>The phone is busy. Try again in a moment.</source>
@@ -80,8 +80,8 @@
         <translation type="unfinished">De telefoondienst is niet actief.</translation>
     </message>
     <message id="parley-la-error_no_call">
-        <source>This call has ended.</source>
-        <translation type="unfinished">Dit gesprek is beëindigd.</translation>
+        <source>This has already ended.</source>
+        <translation type="unfinished">Dit is al beëindigd.</translation>
     </message>
     <message id="parley-la-error_failed">
         <source>This has failed.</source>

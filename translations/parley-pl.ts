@@ -44,8 +44,8 @@
         <translation type="unfinished">Termin minął: %1</translation>
     </message>
     <message id="parley-la-error_invalid_number">
-        <source>This number cannot be used.</source>
-        <translation type="unfinished">Nie można użyć tego numeru.</translation>
+        <source>This number or text cannot be used.</source>
+        <translation type="unfinished">Nie można użyć tego numeru lub tekstu.</translation>
     </message>
     <message id="parley-la-error_busy">
         <source>The phone is busy. Try again in a moment.</source>
@@ -80,8 +80,8 @@
         <translation type="unfinished">Usługa telefoniczna nie działa.</translation>
     </message>
     <message id="parley-la-error_no_call">
-        <source>This call has ended.</source>
-        <translation type="unfinished">To połączenie zostało zakończone.</translation>
+        <source>This has already ended.</source>
+        <translation type="unfinished">To zostało już zakończone.</translation>
     </message>
     <message id="parley-la-error_failed">
         <source>This has failed.</source>

@@ -44,8 +44,8 @@
         <translation type="unfinished">Pendente desde %1</translation>
     </message>
     <message id="parley-la-error_invalid_number">
-        <source>This number cannot be used.</source>
-        <translation type="unfinished">Este número não pode ser usado.</translation>
+        <source>This number or text cannot be used.</source>
+        <translation type="unfinished">Este número ou texto não pode ser usado.</translation>
     </message>
     <message id="parley-la-error_busy">
         <source>The phone is busy. Try again in a moment.</source>
@@ -80,8 +80,8 @@
         <translation type="unfinished">O serviço de telefonia não está em execução.</translation>
     </message>
     <message id="parley-la-error_no_call">
-        <source>This call has ended.</source>
-        <translation type="unfinished">Esta chamada foi encerrada.</translation>
+        <source>This has already ended.</source>
+        <translation type="unfinished">Isto já terminou.</translation>
     </message>
     <message id="parley-la-error_failed">
         <source>This has failed.</source>

@@ -44,8 +44,8 @@
         <translation type="unfinished">Zamanı geldi: %1</translation>
     </message>
     <message id="parley-la-error_invalid_number">
-        <source>This number cannot be used.</source>
-        <translation type="unfinished">Bu numara kullanılamaz.</translation>
+        <source>This number or text cannot be used.</source>
+        <translation type="unfinished">Bu numara veya metin kullanılamaz.</translation>
     </message>
     <message id="parley-la-error_busy">
         <source>The phone is busy. Try again in a moment.</source>
@@ -80,8 +80,8 @@
         <translation type="unfinished">Telefon hizmeti çalışmıyor.</translation>
     </message>
     <message id="parley-la-error_no_call">
-        <source>This call has ended.</source>
-        <translation type="unfinished">Bu arama sona erdi.</translation>
+        <source>This has already ended.</source>
+        <translation type="unfinished">Bu zaten sona erdi.</translation>
     </message>
     <message id="parley-la-error_failed">
         <source>This has failed.</source>

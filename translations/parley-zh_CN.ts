@@ -44,8 +44,8 @@
         <translation type="unfinished">自 %1 起已到期</translation>
     </message>
     <message id="parley-la-error_invalid_number">
-        <source>This number cannot be used.</source>
-        <translation type="unfinished">无法使用此号码。</translation>
+        <source>This number or text cannot be used.</source>
+        <translation type="unfinished">无法使用此号码或文本。</translation>
     </message>
     <message id="parley-la-error_busy">
         <source>The phone is busy. Try again in a moment.</source>
@@ -80,8 +80,8 @@
         <translation type="unfinished">电话服务未运行。</translation>
     </message>
     <message id="parley-la-error_no_call">
-        <source>This call has ended.</source>
-        <translation type="unfinished">此通话已结束。</translation>
+        <source>This has already ended.</source>
+        <translation type="unfinished">这已经结束。</translation>
     </message>
     <message id="parley-la-error_failed">
         <source>This has failed.</source>

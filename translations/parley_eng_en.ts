@@ -44,7 +44,7 @@
         <translation type="unfinished"></translation>
     </message>
     <message id="parley-la-error_invalid_number">
-        <source>This number cannot be used.</source>
+        <source>This number or text cannot be used.</source>
         <translation type="unfinished"></translation>
     </message>
     <message id="parley-la-error_busy">
@@ -80,7 +80,7 @@
         <translation type="unfinished"></translation>
     </message>
     <message id="parley-la-error_no_call">
-        <source>This call has ended.</source>
+        <source>This has already ended.</source>
         <translation type="unfinished"></translation>
     </message>
     <message id="parley-la-error_failed">

@@ -60,14 +60,11 @@ def install_in(root, *packages, binds=()):
 
 def mirror():
     """Returns the address from which this machine gets Debian's packages."""
-    targets = run(
-        "apt-get", "indextargets", "--format", "$(SITE) $(RELEASE)", "Created-By: Packages"
-    )
-    sites = [line.split()[0] for line in targets.splitlines() if not line.split()[1:] == []]
-    plain = [site for site in sites if "security" not in site]
-    if not plain:
+    targets = ["--format", "$(SITE)", "Created-By: Packages", "Label: Debian"]
+    sites = run("apt-get", "indextargets", *targets).split()
+    if not sites:
         raise Failure("The package sources of this machine have no Debian mirror.")
-    return plain[0]
+    return sites[0]
 
 
 def source_files(source):
@@ -109,7 +106,7 @@ class Cache:
         shutil.rmtree(unfinished, ignore_errors=True)
         unfinished.mkdir()
         make(unfinished)
-        for old in self.folder.glob(f"{name}-*"):
+        for old in self.folder.glob(f"{name}-{'[0-9a-f]' * 12}"):
             shutil.rmtree(old)
         unfinished.rename(folder)
         return folder

@@ -7,7 +7,7 @@ import contextlib
 import json
 import re
 
-from machine import USER, Failed, wait_until
+from machine import UID, USER, Failed, wait_until
 
 NAME = "com.nimbo.parley.ui"
 UNIT = "parley-ui.service"
@@ -40,13 +40,21 @@ class Handset:
 
     def pid(self, unit=UNIT):
         """Returns the main process of a unit of the user; 0 if there is none."""
-        return int(self.user("systemctl", "--user", "show", "--value", "-p", "MainPID", unit))
+        pid = self.user("systemctl", "--user", "show", "--value", "-p", "MainPID", unit)
+        return int(pid or "0")
 
     def is_ready(self):
         """Returns whether the call UI has its name on the bus."""
         return self.machine.succeeds(
             "busctl", "--user", "--no-pager", "status", NAME, user=USER
         ) and (self.user("systemctl", "--user", "is-active", UNIT, check=False) == "active")
+
+    def ready_after(self):
+        """Returns the milliseconds from the start of the user's session to the call UI's name."""
+        show = ["systemctl", "show", "--value", "-p"]
+        begun = self.machine.run(*show, "InactiveExitTimestampMonotonic", f"user@{UID}.service")
+        ready = self.user("systemctl", "--user", *show[1:], "ActiveEnterTimestampMonotonic", UNIT)
+        return (int(ready) - int(begun)) // 1000
 
     def restart(self):
         """Starts the call UI anew, also if it was started too often in a short time."""
@@ -138,16 +146,15 @@ class Handset:
 
     def recover(self, check):
         """Keeps a picture after a check that failed, and starts the call UI anew for the next."""
-        try:
+        with contextlib.suppress(Failed):
             self.screenshot(f"failed-{check}")
             self.restart()
-        except Failed:
-            pass
 
     def keep_journals(self):
-        """Keeps what the machine has logged."""
-        journal = self.machine.run("journalctl", "--no-pager", "-o", "short-precise")
-        (self.output / "journal.log").write_text(journal)
+        """Keeps what the machine has logged, as far as it has booted."""
+        with contextlib.suppress(Failed):
+            journal = self.machine.run("journalctl", "--no-pager", "-o", "short-precise")
+            (self.output / "journal.log").write_text(journal)
 
     @contextlib.contextmanager
     def screens(self, name):

@@ -63,7 +63,7 @@ class Machine:
             raise Failed("the machine has not rebooted")
         self.boot()
 
-    def cut_power(self):
+    def kill(self):
         """Ends all processes at once, and boots."""
         self.end()
         self.boot()

@@ -7,6 +7,7 @@
 
 #include <QDateTime>
 #include <QFileInfo>
+#include <QLocale>
 #include <QStandardPaths>
 
 #include <algorithm>
@@ -32,10 +33,11 @@ QString outcomeOf(const BusMessage &reply)
     return reply.values.isEmpty() ? QStringLiteral("done") : reply.values;
 }
 
+/// Has the same digits in every language.
 QString timeOfDay(qint64 microseconds)
 {
-    return QDateTime::fromMSecsSinceEpoch(microseconds / 1000)
-        .toString(QStringLiteral("hh:mm:ss.zzz"));
+    return QLocale::c().toString(QDateTime::fromMSecsSinceEpoch(microseconds / 1000),
+                                 QStringLiteral("hh:mm:ss.zzz"));
 }
 
 /// Finds a program as a shell does.

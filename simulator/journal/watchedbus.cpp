@@ -4,21 +4,16 @@
 #include "watchedbus.h"
 
 #include "answers.h"
+#include "runningprogram.h"
 
 #include <QDBusMessage>
 #include <QDBusPendingCall>
-#include <QFile>
 
 #include <utility>
 
 namespace {
 
 const QLatin1String busService("org.freedesktop.DBus");
-
-QString programOf(uint process)
-{
-    return QFile::symLinkTarget(QStringLiteral("/proc/%1/exe").arg(process));
-}
 
 } // namespace
 
@@ -61,7 +56,7 @@ void WatchedBus::askWhetherUi(const QString &connection, const std::function<voi
     whenAnswered(m_bus.connection.asyncCall(question), this,
                  [this, answer](const QDBusMessage &process) {
                      answer(process.type() == QDBusMessage::ReplyMessage
-                            && programOf(process.arguments().value(0).toUInt()) == m_uiProgram);
+                            && runsProgram(process.arguments().value(0).toUInt(), m_uiProgram));
                  });
 }
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Parley developers
 // SPDX-License-Identifier: BSD-3-Clause
 
-#include "phonewindow.h"
+#include "phonedisplay.h"
 
 #include <QGenericPlugin>
 
@@ -13,7 +13,7 @@ class PhonePlugin : public QGenericPlugin
     Q_PLUGIN_METADATA(IID QGenericPluginFactoryInterface_iid FILE "phone.json")
 
 public:
-    QObject *create(const QString &, const QString &) override { return new PhoneWindow; }
+    QObject *create(const QString &, const QString &) override { return new PhoneDisplay; }
 };
 
 #include "phoneplugin.moc"

@@ -26,12 +26,13 @@ namespace {
 using Register = void *;
 using Function = Register (*)(Register, Register, Register, Register, Register, Register);
 
-Function next(const char *symbol)
+template <typename Original = Function>
+Original next(const char *symbol)
 {
     void *function = dlsym(RTLD_NEXT, symbol);
     if (function == nullptr)
         std::abort();
-    return reinterpret_cast<Function>(function);
+    return reinterpret_cast<Original>(function);
 }
 
 const QString &string(Register r)
@@ -114,16 +115,19 @@ extern "C" Q_DECL_EXPORT Register _ZN11QQmlPrivate11qmlregisterENS_16Registratio
     return next("_ZN11QQmlPrivate11qmlregisterENS_16RegistrationTypeEPv")(a, b, c, d, e, f);
 }
 
-/// The arguments are sender, signal, receiver, slot and type. The first register has the address of
-/// the result.
-extern "C" Q_DECL_EXPORT Register _ZN7QObject7connectEPKS_PKcS1_S3_N2Qt14ConnectionTypeE(
-    Register a, Register b, Register c, Register d, Register e, Register f)
+/// Has the types of the original, because processors differ in where they expect the address of a
+/// result that is an object.
+extern "C" Q_DECL_EXPORT QMetaObject::Connection
+_ZN7QObject7connectEPKS_PKcS1_S3_N2Qt14ConnectionTypeE(const QObject *sender, const char *signal,
+                                                       const QObject *receiver, const char *slot,
+                                                       Qt::ConnectionType type)
 {
+    using Connect = QMetaObject::Connection (*)(const QObject *, const char *, const QObject *,
+                                                const char *, Qt::ConnectionType);
     constexpr auto symbol = "_ZN7QObject7connectEPKS_PKcS1_S3_N2Qt14ConnectionTypeE";
-    const auto *signal = static_cast<const char *>(c);
     if (std::strcmp(signal, SIGNAL(quit())) == 0)
-        print("connect quit to", QString::fromLatin1(static_cast<const char *>(e)));
-    return next(symbol)(a, b, c, d, e, f);
+        print("connect quit to", QString::fromLatin1(slot));
+    return next<Connect>(symbol)(sender, signal, receiver, slot, type);
 }
 
 extern "C" Q_DECL_EXPORT Register _ZN5QFileD1Ev(Register a, Register b, Register c, Register d,

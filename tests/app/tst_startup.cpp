@@ -115,9 +115,6 @@ void TestStartup::takesItsStepsInOrder()
     QFETCH(bool, prestart);
     QFETCH(bool, devel);
 
-#ifndef Q_PROCESSOR_X86_64
-    QSKIP("the probe only supports the calling convention of x86-64");
-#endif
     QVERIFY(m_ui->writeSettings({
         {u"/desktop/nimbo/specials/supported"_s, u"['one']"_s},
         {u"/desktop/nimbo/specials/one/sequence"_s, u"'*#1#'"_s},
@@ -187,9 +184,6 @@ void TestStartup::takesItsStepsInOrder()
 
 void TestStartup::undoesItsStepsInReverse()
 {
-#ifndef Q_PROCESSOR_X86_64
-    QSKIP("the probe only supports the calling convention of x86-64");
-#endif
     m_ui->setEnvironment(u"LD_PRELOAD"_s, QStringLiteral(PARLEY_STARTUP_PROBE));
     QVERIFY(m_ui->startProbe({u"-devel"_s}));
     QVERIFY(m_ui->logs(u"step: exec"_s));

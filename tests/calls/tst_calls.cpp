@@ -2,13 +2,11 @@
 // SPDX-License-Identifier: BSD-3-Clause
 
 #include "calls.h"
+#include "callstest.h"
 #include "fakeofono.h"
 #include "literals.h"
-#include "messagelog.h"
-#include "privatebus.h"
 
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <memory>
@@ -29,14 +27,12 @@ FakeObject object(const QString &path, const QVariantMap &properties)
 } // namespace
 
 /// The calls, with an oFono that is scripted message by message.
-class TestCalls : public QObject
+class TestCalls : public CallsTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void init();
-    void cleanup();
+    void cleanup() override;
 
     void connectsWhenItIsComplete();
     void knowsThatThereIsNoStack();
@@ -71,6 +67,7 @@ private Q_SLOTS:
     void knowsNoSuchCall();
     void sendsTonesOneAfterTheOther();
     void dropsTonesAfterAFailure();
+    void dropsTonesWithTheirModem();
     void tellsWhatHasFailed_data();
     void tellsWhatHasFailed();
     void failsWithoutAStack();
@@ -78,12 +75,19 @@ private Q_SLOTS:
     void failsWithoutAnAnswer();
 
     void hasADialogue();
+    void repliesOnce();
     void hasADialogueThatFails();
     void hasADialogueThatTheNetworkBegins();
     void findsADialogue();
+    void findsADialogueOfAnotherModem_data();
+    void findsADialogueOfAnotherModem();
+    void staysWithTheModemOfItsDialogue_data();
+    void staysWithTheModemOfItsDialogue();
     void readsSettings();
     void cancelsTheDialogue();
     void endsTheDialogueWithItsModem();
+    void knowsTheAnswersOfItsDialogue_data();
+    void knowsTheAnswersOfItsDialogue();
 
 private:
     void startStack(const QStringList &modems = {first});
@@ -94,26 +98,11 @@ private:
     /// Waits for a failure, and returns it as "action call number error".
     QString failure();
 
-    QTemporaryDir m_folder;
-    PrivateBus m_bus;
-    std::unique_ptr<MessageLog> m_log;
     std::unique_ptr<FakeOfono> m_ofono;
     std::unique_ptr<Calls> m_calls;
     std::unique_ptr<QSignalSpy> m_failures;
     std::unique_ptr<QSignalSpy> m_ended;
 };
-
-void TestCalls::initTestCase()
-{
-    QVERIFY(m_bus.start(m_folder.path(), u"system"_s));
-}
-
-void TestCalls::init()
-{
-    qputenv("DBUS_SYSTEM_BUS_ADDRESS", m_bus.address().toUtf8());
-    qputenv("DBUS_SESSION_BUS_ADDRESS", m_bus.address().toUtf8());
-    m_log = std::make_unique<MessageLog>();
-}
 
 void TestCalls::cleanup()
 {
@@ -125,8 +114,7 @@ void TestCalls::cleanup()
     if (m_ofono)
         QCOMPARE(m_ofono->waiting(), 0);
     m_ofono.reset();
-    QCOMPARE(m_log->take().join(u'\n'), QString());
-    m_log.reset();
+    CallsTest::cleanup();
 }
 
 void TestCalls::startStack(const QStringList &modems)
@@ -153,20 +141,15 @@ void TestCalls::startWith(const QList<FakeObject> &calls)
 
 QVariant TestCalls::role(int row, const QByteArray &name) const
 {
-    return m_calls->data(m_calls->index(row), m_calls->roleNames().key(name));
+    return CallsTest::role(*m_calls, row, name);
 }
 
 QString TestCalls::failure()
 {
-    if (m_failures->isEmpty() && !m_failures->wait())
-        return {};
-    const QVariantList values = m_failures->takeFirst();
-    const auto error = static_cast<Telephony::Error>(values.at(3).toInt());
-    if (values.at(4).toString().isEmpty())
-        return u"no explanation"_s;
-    return u"%1 %2 %3 %4"_s.arg(
-        values.at(0).toString(), values.at(1).toString(), values.at(2).toString(),
-        QString::fromLatin1(QMetaEnum::fromType<Telephony::Error>().valueToKey(error)));
+    return takeFailure(*m_failures, [](const QVariantList &values) {
+        return u"%1 %2 %3"_s.arg(values.at(0).toString(), values.at(1).toString(),
+                                 values.at(2).toString());
+    });
 }
 
 void TestCalls::connectsWhenItIsComplete()
@@ -646,6 +629,29 @@ void TestCalls::dropsTonesAfterAFailure()
     QCOMPARE(m_ofono->next(u"SendTones"_s).arguments().at(0).toString(), u"3"_s);
 }
 
+/// The answer for a modem that has gone does not concern the one that comes in its place.
+void TestCalls::dropsTonesWithTheirModem()
+{
+    startWith({object(one, FakeOfono::call(u"active"_s))});
+    m_calls->sendTones(u"1"_s);
+    const QDBusMessage before = m_ofono->next(u"SendTones"_s);
+    m_calls->sendTones(u"2"_s);
+    m_ofono->removeModem(first);
+    QCOMPARE(failure(), u"sendTones 0  NoAnswer"_s);
+    m_ofono->addModem(first, FakeOfono::modem());
+    QTRY_COMPARE(m_calls->count(), 1);
+    m_calls->sendTones(u"3"_s);
+    const QDBusMessage now = m_ofono->next(u"SendTones"_s);
+    QCOMPARE(now.arguments().at(0).toString(), u"3"_s);
+    m_ofono->reply(before, {});
+    m_ofono->settle();
+    m_calls->sendTones(u"4"_s);
+    m_ofono->settle();
+    QCOMPARE(m_ofono->waiting(), 0);
+    m_ofono->reply(now, {});
+    QCOMPARE(m_ofono->next(u"SendTones"_s).arguments().at(0).toString(), u"4"_s);
+}
+
 void TestCalls::tellsWhatHasFailed_data()
 {
     QTest::addColumn<QString>("sent");
@@ -748,6 +754,19 @@ void TestCalls::hasADialogue()
     QCOMPARE(failure(), u"reply 0 1 NotActive"_s);
 }
 
+/// A user may touch the button twice.
+void TestCalls::repliesOnce()
+{
+    startStack();
+    m_ofono->setDialogueState(u"user-response"_s);
+    startCalls();
+    QTRY_COMPARE(m_calls->dialogue()->state(), u"user-response"_s);
+    m_calls->dialogue()->reply(u"1"_s);
+    m_calls->dialogue()->reply(u"2"_s);
+    QCOMPARE(m_ofono->next(u"Respond"_s).arguments(), QVariantList({u"1"_s}));
+    QCOMPARE(failure(), u"reply 0 2 NotActive"_s);
+}
+
 void TestCalls::hasADialogueThatFails()
 {
     startWith({});
@@ -786,6 +805,76 @@ void TestCalls::findsADialogue()
     QCOMPARE(call.path(), first);
     m_ofono->fail(call, u"org.ofono.Error.NotActive"_s, {});
     QCOMPARE(failure(), u"cancel 0  NotActive"_s);
+}
+
+void TestCalls::findsADialogueOfAnotherModem_data()
+{
+    QTest::addColumn<QVariantMap>("properties");
+    QTest::addColumn<bool>("refused");
+
+    QTest::newRow("idle") << QVariantMap{{u"State"_s, u"idle"_s}} << false;
+    QTest::newRow("without a state") << QVariantMap() << false;
+    QTest::newRow("with an unknown state") << QVariantMap{{u"State"_s, u"bored"_s}} << false;
+    QTest::newRow("with a state of another type") << QVariantMap{{u"State"_s, 7}} << false;
+    QTest::newRow("that refuses") << QVariantMap() << true;
+}
+
+/// A modem that has no dialogue, or does not tell, does not hide that of the next one.
+void TestCalls::findsADialogueOfAnotherModem()
+{
+    QFETCH(QVariantMap, properties);
+    QFETCH(bool, refused);
+
+    startStack({});
+    startCalls();
+    QTRY_COMPARE(m_calls->status(), Telephony::Ready);
+    m_ofono->answerNothing();
+    const QVariantMap modem{{u"Online"_s, true},
+                            {u"Interfaces"_s, QStringList(u"org.ofono.SupplementaryServices"_s)}};
+    m_ofono->addModem(first, modem);
+    m_ofono->addModem(second, modem);
+    const QDBusMessage question = m_ofono->next(u"GetProperties"_s);
+    QCOMPARE(question.path(), first);
+    if (refused)
+        m_ofono->fail(question, u"org.freedesktop.DBus.Error.AccessDenied"_s, u"no"_s);
+    else
+        m_ofono->reply(question, {properties});
+    m_ofono->settle();
+    QCOMPARE(m_calls->dialogue()->modem(), QString());
+    m_ofono->reply(m_ofono->next(u"GetProperties"_s),
+                   {QVariantMap{{u"State"_s, u"user-response"_s}}});
+    QTRY_COMPARE(m_calls->dialogue()->state(), u"user-response"_s);
+    QCOMPARE(m_calls->dialogue()->modem(), second);
+    if (refused)
+        QCOMPARE(m_log->take().size(), 1);
+}
+
+void TestCalls::staysWithTheModemOfItsDialogue_data()
+{
+    QTest::addColumn<QString>("property");
+    QTest::addColumn<QVariant>("value");
+
+    QTest::newRow("another property") << u"Other"_s << QVariant(u"active"_s);
+    QTest::newRow("no dialogue") << u"State"_s << QVariant(u"idle"_s);
+    QTest::newRow("an unknown state") << u"State"_s << QVariant(u"bored"_s);
+    QTest::newRow("a state of another type") << u"State"_s << QVariant(7);
+}
+
+/// Only a dialogue of another modem makes that the modem of the dialogue.
+void TestCalls::staysWithTheModemOfItsDialogue()
+{
+    QFETCH(QString, property);
+    QFETCH(QVariant, value);
+
+    const QString interface = u"org.ofono.SupplementaryServices"_s;
+    startStack({first, second});
+    startCalls();
+    QTRY_COMPARE(m_calls->status(), Telephony::Ready);
+    m_ofono->change(second, interface, property, value);
+    m_ofono->settle();
+    QCOMPARE(m_calls->dialogue()->modem(), QString());
+    m_ofono->change(second, interface, u"State"_s, u"active"_s);
+    QTRY_COMPARE(m_calls->dialogue()->modem(), second);
 }
 
 void TestCalls::readsSettings()
@@ -831,8 +920,47 @@ void TestCalls::endsTheDialogueWithItsModem()
     m_calls->dial(u"*100#"_s);
     QCOMPARE(m_ofono->next(u"Initiate"_s).path(), first);
     m_ofono->removeModem(first);
-    QTRY_COMPARE(m_calls->dialogue()->state(), u"idle"_s);
+    QCOMPARE(failure(), u"dial 0 *100# NoAnswer"_s);
+    QCOMPARE(m_calls->dialogue()->state(), u"idle"_s);
     QCOMPARE(m_calls->dialogue()->modem(), QString());
+}
+
+void TestCalls::knowsTheAnswersOfItsDialogue_data()
+{
+    QTest::addColumn<bool>("failed");
+
+    QTest::newRow("a text") << false;
+    QTest::newRow("a failure") << true;
+}
+
+/// What comes for a dialogue that has ended with its modem does not concern the next one.
+void TestCalls::knowsTheAnswersOfItsDialogue()
+{
+    QFETCH(bool, failed);
+
+    const auto text = [](const QString &value) {
+        return QVariantList{u"USSD"_s, QVariant::fromValue(QDBusVariant(value))};
+    };
+    startStack({first, second});
+    startCalls();
+    QTRY_COMPARE(m_calls->status(), Telephony::Ready);
+    m_calls->dial(u"*100#"_s, first);
+    const QDBusMessage before = m_ofono->next(u"Initiate"_s);
+    m_ofono->removeModem(first);
+    QCOMPARE(failure(), u"dial 0 *100# NoAnswer"_s);
+    m_calls->dial(u"*101#"_s);
+    const QDBusMessage now = m_ofono->next(u"Initiate"_s);
+    QCOMPARE(now.path(), second);
+    if (failed)
+        m_ofono->fail(before, u"org.ofono.Error.Failed"_s, {});
+    else
+        m_ofono->reply(before, text(u"old"_s));
+    m_ofono->settle();
+    QCOMPARE(m_calls->dialogue()->state(), u"active"_s);
+    QCOMPARE(m_calls->dialogue()->text(), QString());
+    m_ofono->reply(now, text(u"new"_s));
+    QTRY_COMPARE(m_calls->dialogue()->text(), u"new"_s);
+    QCOMPARE(m_calls->dialogue()->state(), u"idle"_s);
 }
 
 QTEST_GUILESS_MAIN(TestCalls)

@@ -2,17 +2,15 @@
 // SPDX-License-Identifier: BSD-3-Clause
 
 #include "calls.h"
+#include "callstest.h"
 #include "fakeofono.h"
 #include "literals.h"
-#include "messagelog.h"
-#include "privatebus.h"
 #include "rawofono.h"
 #include "waitfor.h"
 #include "watchercount.h"
 
 #include <QDBusVariant>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <cstring>
@@ -52,17 +50,17 @@ RawMessage pathSignal(const QByteArray &destination, const char *interface, cons
 } // namespace
 
 /// The calls among processes that lie, hang and die, and handlers that do what they like.
-class TestCallsAttacks : public QObject
+class TestCallsAttacks : public CallsTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void init();
-    void cleanup();
+    void init() override;
+    void cleanup() override;
 
     void believesOnlyTheOwnersSignals();
     void believesOnlyTheOwnersAnswers();
+    void waitsForNoAnswerAboutAModemThatIsGone();
     void knowsAStackThatHangsFromTheStart();
     void knowsAStackThatHangsWhileItDials();
     void dropsAnswersThatComeTooLate();
@@ -70,12 +68,14 @@ private Q_SLOTS:
     void toleratesModemsOfAnotherShape();
     void toleratesCallsOfAnotherShape();
     void toleratesErrors();
+    void knowsWhatItMayNotDo();
     void toleratesPropertiesOfAnotherType_data();
     void toleratesPropertiesOfAnotherType();
     void toleratesSignalsOfAnotherShape();
     void showsTextsSafely();
     void limitsModems();
     void limitsCalls();
+    void limitsCommands_data();
     void limitsCommands();
     void survivesItsEndInAHandler_data();
     void survivesItsEndInAHandler();
@@ -87,23 +87,13 @@ private:
     void startWith(const QList<FakeObject> &calls);
     QVariant role(int row, const QByteArray &name) const;
 
-    QTemporaryDir m_folder;
-    PrivateBus m_bus;
-    std::unique_ptr<MessageLog> m_log;
     std::unique_ptr<FakeOfono> m_ofono;
     std::unique_ptr<Calls> m_calls;
 };
 
-void TestCallsAttacks::initTestCase()
-{
-    QVERIFY(m_bus.start(m_folder.path(), u"system"_s));
-    qputenv("DBUS_SYSTEM_BUS_ADDRESS", m_bus.address().toUtf8());
-    qputenv("DBUS_SESSION_BUS_ADDRESS", m_bus.address().toUtf8());
-}
-
 void TestCallsAttacks::init()
 {
-    m_log = std::make_unique<MessageLog>();
+    CallsTest::init();
     m_calls = std::make_unique<Calls>();
 }
 
@@ -111,8 +101,7 @@ void TestCallsAttacks::cleanup()
 {
     m_calls.reset();
     m_ofono.reset();
-    QCOMPARE(m_log->take().join(u'\n'), QString());
-    m_log.reset();
+    CallsTest::cleanup();
 }
 
 void TestCallsAttacks::startWith(const QList<FakeObject> &calls)
@@ -126,7 +115,7 @@ void TestCallsAttacks::startWith(const QList<FakeObject> &calls)
 
 QVariant TestCallsAttacks::role(int row, const QByteArray &name) const
 {
-    return m_calls->data(m_calls->index(row), m_calls->roleNames().key(name));
+    return CallsTest::role(*m_calls, row, name);
 }
 
 void TestCallsAttacks::believesOnlyTheOwnersSignals()
@@ -182,6 +171,27 @@ void TestCallsAttacks::believesOnlyTheOwnersAnswers()
     forge(dial);
     QVERIFY(failures.wait());
     QCOMPARE(failures.at(0).at(3).toInt(), int(Telephony::NoAnswer));
+}
+
+/// A stranger's answer to a question that nobody asks any more is an answer.
+void TestCallsAttacks::waitsForNoAnswerAboutAModemThatIsGone()
+{
+    RawOfono ofono(m_bus.address(), false);
+    RawConnection stranger(m_bus.address());
+    m_calls->componentComplete();
+    ofono.connection().send(RawOfono::answerTo(ofono.next("GetModems")).get());
+    const RawOfono::Call properties = ofono.next("GetProperties");
+    const RawOfono::Call calls = ofono.next("GetCalls");
+    QVERIFY(properties.serial != 0 && calls.serial != 0);
+    QTRY_COMPARE(m_calls->modems(), QStringList(first));
+    ofono.connection().send(
+        pathSignal(properties.sender, "org.ofono.Manager", "ModemRemoved", "/ril_0").get());
+    QTRY_COMPARE(m_calls->modems(), QStringList());
+    QCOMPARE(m_calls->status(), Telephony::Starting);
+    for (const RawOfono::Call &call : {properties, calls})
+        stranger.send(RawOfono::answerTo(call).get());
+    stranger.pump();
+    QTRY_COMPARE(m_calls->status(), Telephony::Ready);
 }
 
 void TestCallsAttacks::knowsAStackThatHangsFromTheStart()
@@ -306,6 +316,30 @@ void TestCallsAttacks::toleratesErrors()
                          "QDBusError(\"org.freedesktop.DBus.Error.AccessDenied\", \"no\")"_s));
 }
 
+/// A policy of the bus may allow to ask for the modems and refuse the rest.
+void TestCallsAttacks::knowsWhatItMayNotDo()
+{
+    const QString denied = u"org.freedesktop.DBus.Error.AccessDenied"_s;
+    m_ofono = std::make_unique<FakeOfono>(m_bus.address());
+    QSignalSpy failures(m_calls.get(), &Calls::failed);
+    m_calls->componentComplete();
+    QTRY_COMPARE(m_calls->status(), Telephony::Ready);
+    m_ofono->answerNothing();
+    m_ofono->addModem(first, FakeOfono::modem());
+    for (const QString &question : {u"GetProperties"_s, u"GetCalls"_s, u"GetProperties"_s})
+        m_ofono->fail(m_ofono->next(question), denied, u"no"_s);
+    m_ofono->settle();
+    QCOMPARE(m_calls->status(), Telephony::Ready);
+    QCOMPARE(m_calls->modems(), QStringList(first));
+    QCOMPARE(m_calls->emergencyNumbers(), QStringList());
+    QCOMPARE(m_calls->count(), 0);
+    m_calls->dial(u"111"_s);
+    m_ofono->fail(m_ofono->next(u"Dial"_s), denied, u"no"_s);
+    QVERIFY(failures.wait());
+    QCOMPARE(failures.at(0).at(3).toInt(), int(Telephony::AccessDenied));
+    QCOMPARE(m_log->take().size(), 3);
+}
+
 void TestCallsAttacks::toleratesPropertiesOfAnotherType_data()
 {
     QTest::addColumn<QString>("name");
@@ -413,17 +447,46 @@ void TestCallsAttacks::limitsCalls()
     QTRY_COMPARE(m_calls->count(), 999);
 }
 
+void TestCallsAttacks::limitsCommands_data()
+{
+    QTest::addColumn<QByteArray>("action");
+
+    for (const char *action : {"dial", "swap", "answer"})
+        QTest::newRow(action) << QByteArray(action);
+}
+
 void TestCallsAttacks::limitsCommands()
 {
-    startWith({});
+    QFETCH(QByteArray, action);
+
+    startWith({{QDBusObjectPath(one), FakeOfono::call(u"active"_s)}});
     QSignalSpy failures(m_calls.get(), &Calls::failed);
-    for (int i = 0; i < 100; ++i)
-        m_calls->dial(u"111"_s);
+    for (int i = 0; i < 100; ++i) {
+        if (action == "dial")
+            m_calls->dial(u"111"_s);
+        else if (action == "swap")
+            m_calls->swap();
+        else
+            m_calls->answer(m_calls->ongoing());
+    }
     QTRY_COMPARE(failures.count(), 36);
+    QCOMPARE(failures.at(0).at(0).toString(), QString::fromLatin1(action));
     QCOMPARE(failures.at(0).at(3).toInt(), int(Telephony::InProgress));
     QTRY_COMPARE(m_ofono->waiting(), 64);
+    m_ofono->forget();
+    for (const QString &number : {u"111"_s, u"*100#"_s}) {
+        m_calls->dial(number);
+        QVERIFY(failures.wait());
+        QCOMPARE(failures.constLast().at(2).toString(), number);
+        QCOMPARE(failures.constLast().at(3).toInt(), int(Telephony::InProgress));
+    }
     m_calls->dial(u"112"_s);
-    QTRY_COMPARE(m_ofono->waiting(), 65);
+    QCOMPARE(m_ofono->next(u"Dial"_s).arguments().at(0).toString(), u"112"_s);
+    m_calls->hangUp(m_calls->ongoing());
+    QCOMPARE(m_ofono->next(u"Hangup"_s).path(), one);
+    m_calls->hangUpAll();
+    QCOMPARE(m_ofono->next(u"HangupAll"_s).path(), first);
+    QCOMPARE(m_ofono->waiting(), 0);
 }
 
 void TestCallsAttacks::survivesItsEndInAHandler_data()

@@ -2,16 +2,14 @@
 // SPDX-License-Identifier: BSD-3-Clause
 
 #include "callaudio.h"
+#include "callstest.h"
 #include "literals.h"
-#include "messagelog.h"
-#include "privatebus.h"
 #include "rawconnection.h"
 #include "ringer.h"
 #include "scriptedservice.h"
 #include "watchercount.h"
 
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <memory>
@@ -26,14 +24,13 @@ const QString audioPath = u"/org/mobian_project/CallAudio"_s;
 } // namespace
 
 /// The ringing and the path of the sound, with services that are scripted message by message.
-class TestCallSound : public QObject
+class TestCallSound : public CallsTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void init();
-    void cleanup();
+    void init() override;
+    void cleanup() override;
 
     void rings();
     void doesNotRingWithoutFeedbackd();
@@ -53,6 +50,7 @@ private Q_SLOTS:
     void returnsWithoutCallaudiod();
     void keepsTheLastRequest();
     void tellsANewCallaudiod();
+    void believesANewCallaudiod();
     void endsThePathWithTheObject();
 
 private:
@@ -60,24 +58,14 @@ private:
     void startCallaudiod();
     void startAudio();
 
-    QTemporaryDir m_folder;
-    PrivateBus m_bus;
-    std::unique_ptr<MessageLog> m_log;
     std::unique_ptr<ScriptedService> m_service;
     std::unique_ptr<Ringer> m_ringer;
     std::unique_ptr<CallAudio> m_audio;
 };
 
-void TestCallSound::initTestCase()
-{
-    QVERIFY(m_bus.start(m_folder.path(), u"session"_s));
-    qputenv("DBUS_SYSTEM_BUS_ADDRESS", m_bus.address().toUtf8());
-    qputenv("DBUS_SESSION_BUS_ADDRESS", m_bus.address().toUtf8());
-}
-
 void TestCallSound::init()
 {
-    m_log = std::make_unique<MessageLog>();
+    CallsTest::init();
     m_ringer = std::make_unique<Ringer>();
     m_audio = std::make_unique<CallAudio>();
 }
@@ -87,8 +75,7 @@ void TestCallSound::cleanup()
     m_ringer.reset();
     m_audio.reset();
     m_service.reset();
-    QCOMPARE(m_log->take().join(u'\n'), QString());
-    m_log.reset();
+    CallsTest::cleanup();
 }
 
 void TestCallSound::startFeedbackd()
@@ -207,14 +194,19 @@ void TestCallSound::knowsThatItHasEnded()
 void TestCallSound::knowsThatItHasEndedAtOnce()
 {
     startFeedbackd();
-    const QSignalSpy changes(m_ringer.get(), &Ringer::ringingChanged);
+    const WatcherCount watchers;
     m_ringer->setActive(true);
+    QVERIFY(watchers.value() > 0);
     const QDBusMessage call = m_service->next(u"TriggerFeedback"_s);
     m_service->reply(call, {7U});
     m_service->emitSignal(feedback, u"FeedbackEnded"_s, {7U, 1U});
+    // Then the answer is handled.
+    QTRY_COMPARE(watchers.value(), 0);
     m_service->settle();
     QVERIFY(!m_ringer->isRinging());
-    QVERIFY(changes.count() != 1);
+    m_ringer->setActive(false);
+    m_service->settle();
+    QCOMPARE(m_service->waiting(), 0);
 }
 
 void TestCallSound::believesOnlyFeedbackd()
@@ -328,6 +320,7 @@ void TestCallSound::returnsWithoutCallaudiod()
 {
     m_audio->componentComplete();
     m_audio->setVoiceCall(true);
+    QVERIFY(m_audio->voiceCall());
     QTRY_VERIFY(!m_audio->voiceCall());
 }
 
@@ -356,6 +349,20 @@ void TestCallSound::tellsANewCallaudiod()
     m_service.reset();
     startCallaudiod();
     QCOMPARE(m_service->next(u"SelectMode"_s).arguments(), QVariantList({1U}));
+}
+
+/// What the former callaudiod has done is no longer done.
+void TestCallSound::believesANewCallaudiod()
+{
+    startAudio();
+    m_audio->setMuted(true);
+    m_service->reply(m_service->next(u"MuteMic"_s), {true});
+    m_service->settle();
+    m_service.reset();
+    startCallaudiod();
+    QVERIFY(m_audio->muted());
+    m_service->reply(m_service->next(u"MuteMic"_s), {false});
+    QTRY_VERIFY(!m_audio->muted());
 }
 
 void TestCallSound::endsThePathWithTheObject()

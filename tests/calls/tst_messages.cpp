@@ -1,14 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The Parley developers
 // SPDX-License-Identifier: BSD-3-Clause
 
+#include "callstest.h"
 #include "fakeofono.h"
 #include "literals.h"
-#include "messagelog.h"
 #include "messages.h"
-#include "privatebus.h"
 
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <memory>
@@ -22,14 +20,13 @@ const QString path = u"/ril_0/message_1"_s;
 } // namespace
 
 /// Text messages, with an oFono that is scripted message by message.
-class TestMessages : public QObject
+class TestMessages : public CallsTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void init();
-    void cleanup();
+    void init() override;
+    void cleanup() override;
 
     void areSent();
     void areSentBeforeTheAnswer();
@@ -51,25 +48,15 @@ private:
     QVariant role(int row, const QByteArray &name) const;
     QString failure();
 
-    QTemporaryDir m_folder;
-    PrivateBus m_bus;
-    std::unique_ptr<MessageLog> m_log;
     std::unique_ptr<FakeOfono> m_ofono;
     std::unique_ptr<Messages> m_messages;
     std::unique_ptr<QSignalSpy> m_sent;
     std::unique_ptr<QSignalSpy> m_failures;
 };
 
-void TestMessages::initTestCase()
-{
-    QVERIFY(m_bus.start(m_folder.path(), u"system"_s));
-    qputenv("DBUS_SYSTEM_BUS_ADDRESS", m_bus.address().toUtf8());
-    qputenv("DBUS_SESSION_BUS_ADDRESS", m_bus.address().toUtf8());
-}
-
 void TestMessages::init()
 {
-    m_log = std::make_unique<MessageLog>();
+    CallsTest::init();
     m_ofono = std::make_unique<FakeOfono>(m_bus.address(), QStringList(modem));
     m_messages = std::make_unique<Messages>();
     m_sent = std::make_unique<QSignalSpy>(m_messages.get(), &Messages::sent);
@@ -83,8 +70,7 @@ void TestMessages::cleanup()
     if (m_ofono)
         QCOMPARE(m_ofono->waiting(), 0);
     m_ofono.reset();
-    QCOMPARE(m_log->take().join(u'\n'), QString());
-    m_log.reset();
+    CallsTest::cleanup();
 }
 
 void TestMessages::start()
@@ -100,22 +86,17 @@ void TestMessages::take(const QDBusMessage &call, const QString &messagePath)
 
 QVariant TestMessages::role(int row, const QByteArray &name) const
 {
-    return m_messages->data(m_messages->index(row), m_messages->roleNames().key(name));
+    return CallsTest::role(*m_messages, row, name);
 }
 
 /// Waits for a failure, and returns it as "id number error".
 QString TestMessages::failure()
 {
-    if (m_failures->isEmpty() && !m_failures->wait())
-        return {};
-    const QVariantList values = m_failures->takeFirst();
-    const QVariantMap message = values.at(0).toMap();
-    const auto error = static_cast<Telephony::Error>(values.at(1).toInt());
-    if (values.at(2).toString().isEmpty())
-        return u"no explanation"_s;
-    return u"%1 %2 %3"_s.arg(
-        message.value(u"messageId"_s).toString(), message.value(u"number"_s).toString(),
-        QString::fromLatin1(QMetaEnum::fromType<Telephony::Error>().valueToKey(error)));
+    return takeFailure(*m_failures, [](const QVariantList &values) {
+        const QVariantMap message = values.at(0).toMap();
+        return u"%1 %2"_s.arg(message.value(u"messageId"_s).toString(),
+                              message.value(u"number"_s).toString());
+    });
 }
 
 void TestMessages::areSent()

@@ -69,7 +69,8 @@ void TestHandsets::init()
                                     u"XDG_SESSION_TYPE"_s, u"DBUS_SESSION_BUS_ADDRESS"_s})
         m_environment.remove(variable);
     m_environment.insert(u"QT_QUICK_BACKEND"_s, u"software"_s);
-    for (const QString &variable : {u"HOME"_s, u"XDG_RUNTIME_DIR"_s, u"XDG_CACHE_HOME"_s})
+    for (const QString &variable :
+         {u"HOME"_s, u"TMPDIR"_s, u"XDG_RUNTIME_DIR"_s, u"XDG_CACHE_HOME"_s})
         m_environment.insert(variable, m_folder->path());
     m_environment.insert(u"PARLEY_TEST_MARK"_s, m_folder->path());
     // The libraries that draw windows on this display leak. Other tests look for our own leaks.

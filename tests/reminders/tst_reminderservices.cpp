@@ -11,6 +11,7 @@
 #include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QDBusVariant>
+#include <QDateTime>
 #include <QElapsedTimer>
 #include <QJsonArray>
 #include <QProcessEnvironment>
@@ -111,6 +112,8 @@ private Q_SLOTS:
     void stayWhenTheNotificationIsDismissed();
     void goWhenTheyAreRemoved();
     void surviveARestartOfTheUi();
+    void keepTheirTimeWhereTheClockChanges_data();
+    void keepTheirTimeWhereTheClockChanges();
     void closeLeftovers();
     void tolerateMissingServices();
     void tolerateNoSystemBus();
@@ -562,6 +565,44 @@ void TestReminderServices::surviveARestartOfTheUi()
     m_ui->evaluate(u"reminder.remove()"_s);
     QVERIFY(m_ui->logs(u"qml: exists false"_s));
     QTRY_COMPARE(notificationsShown(), 0);
+}
+
+void TestReminderServices::keepTheirTimeWhereTheClockChanges_data()
+{
+    QTest::addColumn<QString>("zone");
+    QTest::addColumn<QString>("time");
+
+    const QString berlin = u"CET-1CEST,M3.5.0,M10.5.0/3"_s;
+    const QString lordHowe = u"<+1030>-10:30<+11>-11,M10.1.0,M4.1.0"_s;
+    QTest::newRow("before a missing hour") << berlin << u"2035-03-25T01:59:59+01:00"_s;
+    QTest::newRow("behind a missing hour") << berlin << u"2035-03-25T03:00:00+02:00"_s;
+    QTest::newRow("the first 02:30") << berlin << u"2035-10-28T02:30:00+02:00"_s;
+    QTest::newRow("the second 02:30") << berlin << u"2035-10-28T02:30:00+01:00"_s;
+    QTest::newRow("the first 01:45") << lordHowe << u"2035-04-01T01:45:00+11:00"_s;
+    QTest::newRow("the second 01:45") << lordHowe << u"2035-04-01T01:45:00+10:30"_s;
+}
+
+/// On the way to the alarm and back.
+void TestReminderServices::keepTheirTimeWhereTheClockChanges()
+{
+    QFETCH(QString, zone);
+    QFETCH(QString, time);
+
+    const qint64 seconds = QDateTime::fromString(time, Qt::ISODate).toSecsSinceEpoch();
+    m_ui->setEnvironment(u"TZ"_s, zone);
+    QVERIFY(startService(timeDaemon) && startService(notificationService));
+    QVERIFY(startUi());
+    QVERIFY(create(number, seconds));
+    const QDBusMessage reply =
+        ask(*m_system, timed, timedPath, timed, u"get_attributes_by_cookies"_s,
+            {QVariant::fromValue(QList<uint>{onlyAlarm().toUInt()})});
+    const auto alarms = qdbus_cast<AttributesByCookie>(reply.arguments().value(0));
+    QCOMPARE(alarms.size(), 1);
+    QCOMPARE(alarms.first().value(u"triggerTime"_s), QString::number(seconds));
+    m_ui->stop();
+    QVERIFY(startUi());
+    QVERIFY(m_ui->logs(u"qml: when %1"_s.arg(seconds)));
+    QVERIFY(m_ui->logs(u"qml: exists true"_s));
 }
 
 void TestReminderServices::closeLeftovers()

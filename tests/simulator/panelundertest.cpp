@@ -5,9 +5,11 @@
 
 #include "literals.h"
 #include "places.h"
+#include "runningprogram.h"
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QQuickWindow>
 #include <QRegularExpression>
@@ -44,6 +46,8 @@ void PanelUnderTest::init()
     QFile::setPermissions(m_folder->path(),
                           QFile::Permissions(0x7111)); // Another user calls as well.
     qputenv("TMPDIR", m_folder->path().toUtf8());
+    qputenv("LC_ALL", "C.UTF-8"); // The texts of the handset's processes are checked.
+    qunsetenv("LANGUAGE");
     m_lines.clear();
     m_commands.clear();
 }
@@ -157,14 +161,14 @@ void PanelUnderTest::click(const QString &name, const QString &line)
 
 pid_t PanelUnderTest::uiProcess() const
 {
+    const QString program = QFileInfo(qEnvironmentVariable("PARLEY_UI")).canonicalFilePath();
     const QByteArray folder = "TMPDIR=" + m_folder->path().toUtf8();
     const QStringList entries = QDir(u"/proc"_s).entryList({u"[0-9]*"_s}, QDir::Dirs);
     for (const QString &entry : entries) {
-        const QString process = u"/proc/"_s + entry;
-        QFile environment(process + u"/environ"_s);
-        if (QFile::symLinkTarget(process + u"/exe"_s).endsWith(u"/parley-ui"_s)
-            && environment.open(QIODevice::ReadOnly)
-            && environment.readAll().split('\0').contains(folder))
+        QFile environment(u"/proc/"_s + entry + u"/environ"_s);
+        if (environment.open(QIODevice::ReadOnly)
+            && environment.readAll().split('\0').contains(folder)
+            && runsProgram(entry.toInt(), program))
             return entry.toInt();
     }
     return 0;

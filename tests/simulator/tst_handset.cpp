@@ -3,6 +3,7 @@
 
 #include "filterrule.h"
 #include "literals.h"
+#include "runningprogram.h"
 #include "scriptedservice.h"
 #include "words.h"
 
@@ -10,6 +11,7 @@
 #include <QDBusMessage>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QProcess>
@@ -156,6 +158,8 @@ void TestHandset::init()
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(u"PARLEY_TEST_MARK"_s, m_folder->path());
     environment.insert(u"TMPDIR"_s, m_folder->path());
+    environment.insert(u"LC_ALL"_s, u"C.UTF-8"_s);
+    environment.remove(u"LANGUAGE"_s);
     environment.remove(u"DISPLAY"_s);
     environment.remove(u"WAYLAND_DISPLAY"_s);
     environment.remove(u"QT_QPA_PLATFORM"_s);
@@ -231,9 +235,8 @@ pid_t TestHandset::processNamed(const QByteArray &command)
 void TestHandset::killTheUi()
 {
     const QList<pid_t> processes = processesMarked(m_mark);
-    const auto isUi = [](pid_t process) {
-        return QFile::symLinkTarget(u"/proc/%1/exe"_s.arg(process)).endsWith(u"/parley-ui"_s);
-    };
+    const QString program = QFileInfo(qEnvironmentVariable("PARLEY_UI")).canonicalFilePath();
+    const auto isUi = [&program](pid_t process) { return runsProgram(process, program); };
     const auto ui = std::find_if(processes.cbegin(), processes.cend(), isUi);
     QVERIFY(ui != processes.cend());
     QCOMPARE(kill(*ui, SIGKILL), 0);
@@ -853,44 +856,49 @@ void TestHandset::listsItsCommands()
 {
     start({u"--script"_s, writeScript("help\n")});
     QVERIFY(ends(0));
-    for (const QString &command : {u"show \\[ARGUMENT\\.\\.\\.\\]"_s,
-                                   u"ongoing"_s,
-                                   u"open \\[URL\\.\\.\\.\\]"_s,
-                                   u"dial NUMBER"_s,
-                                   u"dial-via MODEM NUMBER"_s,
-                                   u"error-dialog"_s,
-                                   u"contact NUMBER"_s,
-                                   u"toggle"_s,
-                                   u"toggle-as UID GID"_s,
-                                   u"remind NUMBER SECONDS \\[NAME\\]"_s,
-                                   u"alarms"_s,
-                                   u"fire COOKIE"_s,
-                                   u"cancel COOKIE"_s,
-                                   u"notifications"_s,
-                                   u"click ID \\[ACTION\\]"_s,
-                                   u"dismiss ID"_s,
-                                   u"sims"_s,
-                                   u"sim insert IMSI \\[MODEM\\]"_s,
-                                   u"sim remove MODEM"_s,
-                                   u"sim lock MODEM"_s,
-                                   u"sim unlock MODEM"_s,
-                                   u"rules"_s,
-                                   u"rule dial\\|incoming IMSI ACTION"_s,
-                                   u"default dial\\|incoming ACTION"_s,
-                                   u"replies"_s,
-                                   u"replies edit"_s,
-                                   u"replies write \\[TEXT\\.\\.\\.\\]"_s,
-                                   u"journal clear"_s,
-                                   u"journal \\[COUNT\\]"_s,
-                                   u"restart"_s,
-                                   u"time-daemon stop\\|start\\|hang\\|continue"_s,
-                                   u"notification-service stop\\|start\\|hang\\|continue"_s,
-                                   u"alarm-service stop\\|start\\|hang\\|continue"_s,
-                                   u"telephony stop\\|start\\|hang\\|continue"_s,
-                                   u"help \\[COMMAND\\.\\.\\.\\]"_s,
-                                   u"quit"_s,
-                                   u"exit"_s,
-                                   u"expect TEXT\\.\\.\\."_s})
+    for (const QString &command :
+         {u"show \\[ARGUMENT\\.\\.\\.\\]"_s,
+          u"ongoing"_s,
+          u"open \\[URL\\.\\.\\.\\]"_s,
+          u"dial NUMBER"_s,
+          u"dial-via MODEM NUMBER"_s,
+          u"error-dialog"_s,
+          u"contact NUMBER"_s,
+          u"toggle"_s,
+          u"toggle-as UID GID"_s,
+          u"remind NUMBER SECONDS \\[NAME\\]"_s,
+          u"alarms"_s,
+          u"fire COOKIE"_s,
+          u"cancel COOKIE"_s,
+          u"notifications"_s,
+          u"click ID \\[ACTION\\]"_s,
+          u"dismiss ID"_s,
+          u"sims"_s,
+          u"sim insert IMSI \\[MODEM\\]"_s,
+          u"sim remove MODEM"_s,
+          u"sim lock MODEM"_s,
+          u"sim unlock MODEM"_s,
+          u"calls"_s,
+          u"ring NUMBER \\[MODEM\\]"_s,
+          u"remote answer\\|busy\\|hangup\\|hold\\|resume \\[CALL\\]"_s,
+          u"network lost\\|refuse\\|slow\\|hang\\|gone\\|back \\[MODEM\\]"_s,
+          u"rules"_s,
+          u"rule dial\\|incoming IMSI ACTION"_s,
+          u"default dial\\|incoming ACTION"_s,
+          u"replies"_s,
+          u"replies edit"_s,
+          u"replies write \\[TEXT\\.\\.\\.\\]"_s,
+          u"journal clear"_s,
+          u"journal \\[COUNT\\]"_s,
+          u"restart"_s,
+          u"time-daemon stop\\|start\\|hang\\|continue"_s,
+          u"notification-service stop\\|start\\|hang\\|continue"_s,
+          u"alarm-service stop\\|start\\|hang\\|continue"_s,
+          u"telephony stop\\|start\\|hang\\|continue"_s,
+          u"help \\[COMMAND\\.\\.\\.\\]"_s,
+          u"quit"_s,
+          u"exit"_s,
+          u"expect TEXT\\.\\.\\."_s})
         QVERIFY2(says(command + u"( {2,}|\n {32})\\S.*"_s), qUtf8Printable(command));
 }
 
@@ -903,7 +911,7 @@ void TestHandset::listsItsOptions()
     QVERIFY2(says(u"Usage: \\S*parley-handset \\[options\\]"_s), qUtf8Printable(m_output));
     for (const QString &option :
          {u"--help"_s, u"--ui <program>"_s, u"--qml <file>"_s, u"--watch"_s, u"--script <file>"_s,
-          u"--tour"_s, u"--state <folder>"_s, u"--no-panel"_s, u"--version"_s})
+          u"--tour"_s, u"--ofono"_s, u"--state <folder>"_s, u"--no-panel"_s, u"--version"_s})
         QVERIFY2(says(u"(-h, )?"_s + option + u" +\\S.*"_s), qUtf8Printable(m_output));
     QVERIFY(!m_output.contains(u"--service"_s));
 }
@@ -924,6 +932,13 @@ void TestHandset::refusesBadArguments_data()
         << QStringList(u"--bogus"_s) << u"(parley-handset: )?Unknown option 'bogus'\\."_s;
     QTest::newRow("surplus argument") << QStringList{u"--no-panel"_s, u"surplus"_s}
                                       << u"parley-handset: Unexpected argument 'surplus'\\."_s;
+    QTest::newRow("a report of no tests") << QStringList{u"--junit"_s, u"/nonexistent"_s}
+                                          << u"parley-handset: --junit needs --tests\\."_s;
+    QTest::newRow("a request again without watching")
+        << QStringList{u"--replay"_s} << u"parley-handset: --replay needs --watch\\."_s;
+    QTest::newRow("tests that keep something")
+        << QStringList{u"--tests"_s, u"/"_s, u"--state"_s, u"/nonexistent"_s}
+        << u"parley-handset: --tests and --state cannot be combined\\."_s;
     QTest::newRow("no such script") << QStringList{u"--script"_s, u"/nonexistent"_s}
                                     << u"/nonexistent: No such file or directory"_s;
     QTest::newRow("folder as script")

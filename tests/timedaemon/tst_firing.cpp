@@ -76,6 +76,7 @@ private Q_SLOTS:
     void waitsForTheNextAlarmAlone();
     void firesOnceWhenTheTimeHasCome();
     void firesWhenTheClockIsSetForwards();
+    void waitsWhenTheClockIsSetBackwards_data();
     void waitsWhenTheClockIsSetBackwards();
     void firesAfterASleep();
     void firesAtStartWhatWasDueMeanwhile();
@@ -176,16 +177,29 @@ void TestFiring::firesWhenTheClockIsSetForwards()
     QCOMPARE(m_fired->size(), 3);
 }
 
+void TestFiring::waitsWhenTheClockIsSetBackwards_data()
+{
+    QTest::addColumn<qint64>("seconds");
+
+    QTest::newRow("a second") << qint64{1};
+    QTest::newRow("an hour") << qint64{60} * 60;
+    QTest::newRow("a year") << qint64{365} * 24 * 60 * 60;
+}
+
 void TestFiring::waitsWhenTheClockIsSetBackwards()
 {
-    add(2000);
-    m_clock->passTo(1900);
-    m_clock->set(500);
+    QFETCH(qint64, seconds);
+
+    constexpr qint64 due = 1893585600;
+    m_clock->set(due - 200);
+    add(due);
+    m_clock->passTo(due - 100);
+    m_clock->set(due - 100 - seconds);
     QCOMPARE(m_fired->size(), 0);
-    QCOMPARE(*m_clock->request(), 2000);
-    m_clock->passTo(1999);
+    QCOMPARE(*m_clock->request(), due);
+    m_clock->passTo(due - 1);
     QCOMPARE(m_fired->size(), 0);
-    m_clock->passTo(2000);
+    m_clock->passTo(due);
     QCOMPARE(m_fired->size(), 1);
 }
 

@@ -216,7 +216,7 @@ void RandomTraffic::sendReply(Side &side)
 
 void RandomTraffic::moveName(Side &side)
 {
-    RandomPeer &service = *side.services[m_random.below(side.services.size())];
+    RandomPeer &service = *side.services[static_cast<size_t>(m_random.below(side.services.size()))];
     switch (m_random.below(8)) {
     case 0:
         side.stranger->connection().own(service.service());

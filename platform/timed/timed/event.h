@@ -30,7 +30,7 @@ public:
     void setAlarmFlag() { m_flags |= Alarm; }
     /// Sets when the alarm fires, in seconds since 1970-01-01 00:00 UTC. An event cannot be sent
     /// without it.
-    void setTicker(long seconds) { m_ticker = seconds; }
+    void setTicker(int64_t seconds) { m_ticker = seconds; }
     /// Sets an attribute. Throws Exception if \a key is empty, or if either text has a NUL
     /// character.
     void setAttribute(const QString &key, const QString &value);

@@ -26,7 +26,7 @@ public:
 
     void setReminderFlag() { m_steps << QStringLiteral("reminder"); }
     void setAlarmFlag() { m_steps << QStringLiteral("alarm"); }
-    void setTicker(long seconds) { m_steps << QStringLiteral("ticker %1").arg(seconds); }
+    void setTicker(int64_t seconds) { m_steps << QStringLiteral("ticker %1").arg(seconds); }
     void setAttribute(const QString &key, const QString &value);
 
     const QStringList &steps() const { return m_steps; }

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Parley developers
 // SPDX-License-Identifier: BSD-3-Clause
 
-#include "phonewindow.h"
+#include "phonedisplay.h"
 
 #include <QGuiApplication>
 #include <QPlatformSurfaceEvent>
@@ -28,16 +28,16 @@ bool isOfThePhone(const QWindow *window)
 
 } // namespace
 
-PhoneWindow::PhoneWindow(QObject *parent)
+PhoneDisplay::PhoneDisplay(QObject *parent)
     : QObject(parent)
 {
     qApp->installEventFilter(this);
     // The screens are loaded before the event loop runs.
-    QTimer::singleShot(0, this, &PhoneWindow::screensLoaded);
+    QTimer::singleShot(0, this, &PhoneDisplay::screensLoaded);
 }
 
 /// A window is fitted when it has been created, which is before it is shown.
-bool PhoneWindow::eventFilter(QObject *object, QEvent *event)
+bool PhoneDisplay::eventFilter(QObject *object, QEvent *event)
 {
     if (event->type() == QEvent::PlatformSurface
         && static_cast<QPlatformSurfaceEvent *>(event)->surfaceEventType()
@@ -49,7 +49,7 @@ bool PhoneWindow::eventFilter(QObject *object, QEvent *event)
     return false;
 }
 
-void PhoneWindow::screensLoaded()
+void PhoneDisplay::screensLoaded()
 {
     tell("loaded");
     const bool showsThem = qEnvironmentVariableIsSet("PARLEY_PHONE_SHOWN");
@@ -69,7 +69,7 @@ void PhoneWindow::screensLoaded()
     }
 }
 
-void PhoneWindow::fit(QWindow *window)
+void PhoneDisplay::fit(QWindow *window)
 {
     connect(window, &QWindow::windowStateChanged, this,
             [this, window](Qt::WindowState state) { keepSmall(window, state); });
@@ -78,7 +78,7 @@ void PhoneWindow::fit(QWindow *window)
     keepSmall(window, window->windowState());
 }
 
-void PhoneWindow::keepSmall(QWindow *window, Qt::WindowState state)
+void PhoneDisplay::keepSmall(QWindow *window, Qt::WindowState state)
 {
     if (state != Qt::WindowFullScreen && state != Qt::WindowMaximized)
         return;

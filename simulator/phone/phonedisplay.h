@@ -13,12 +13,12 @@ class QWindow;
 /// It tells the simulated handset what becomes of the window, in lines on standard error: "phone:
 /// loaded" when the screens have been loaded, and then "phone: shown" and "phone: hidden". If the
 /// environment has PARLEY_PHONE_SHOWN, the window is shown as soon as the screens have been loaded.
-class PhoneWindow : public QObject
+class PhoneDisplay : public QObject
 {
     Q_OBJECT
 
 public:
-    explicit PhoneWindow(QObject *parent = nullptr);
+    explicit PhoneDisplay(QObject *parent = nullptr);
 
     bool eventFilter(QObject *object, QEvent *event) override;
 
