@@ -152,18 +152,17 @@ void Messages::receive(const QDBusMessage &message)
 {
     const bool isRemoved = message.member() == messageRemoved;
     const int row = rowOf(isRemoved ? busPath(message) : message.path());
-    if (row < 0 && m_isSending && m_early.size() < mostBusObjects)
-        m_early.append(message);
-    else if (row >= 0 && isRemoved)
+    if (row >= 0 && isRemoved)
         failRow(row, Telephony::Canceled);
     else if (row >= 0)
-        change(message.path(), busProperty(message));
+        change(row, busProperty(message));
+    else if (m_isSending && m_early.size() < mostBusObjects)
+        m_early.append(message);
 }
 
-void Messages::change(const QString &path, const BusProperty &property)
+void Messages::change(int row, const BusProperty &property)
 {
-    const int row = rowOf(path);
-    if (row < 0 || property.name != QLatin1String("State"))
+    if (property.name != QLatin1String("State"))
         return;
     const Message message = m_messages.at(row);
     if (property.value == QLatin1String("failed"))

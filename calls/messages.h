@@ -77,7 +77,7 @@ private:
     void sendNext();
     void readPath(int id, const QDBusMessage &answer);
     void receive(const QDBusMessage &message);
-    void change(const QString &path, const BusProperty &property);
+    void change(int row, const BusProperty &property);
     void followModem(const QString &modem);
     int rowOf(int id) const;
     int rowOf(const QString &path) const;
