@@ -5,6 +5,7 @@
 
 #include "places.h"
 #include "prompt.h"
+#include "runservice.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -85,6 +86,10 @@ Arguments Arguments::parse(int argc, char *argv[])
         QStringLiteral("junit"),
         QStringLiteral("With --tests: writes a report for CI systems, in the form of JUnit."),
         QStringLiteral("file"));
+    const QCommandLineOption ofono(
+        QStringLiteral("ofono"),
+        QStringLiteral("Runs the real oFono on simulated modems in the place of the simulated "
+                       "telephony."));
     const QCommandLineOption kit(
         QStringLiteral("kit"),
         QStringLiteral("Prints the folder of the QML modules with which tools run screens "
@@ -99,8 +104,8 @@ Arguments Arguments::parse(int argc, char *argv[])
                        "buses, and takes commands\n"
                        "from standard input and from its control panel. The command \"help\" lists "
                        "them."));
-    parser.addOptions(
-        {help, version, ui, qml, watch, replay, script, tour, tests, junit, kit, state, noPanel});
+    parser.addOptions({help, version, ui, qml, watch, replay, script, tour, tests, junit, ofono,
+                       kit, state, noPanel});
     QStringList words;
     std::transform(argv, argv + argc, std::back_inserter(words),
                    [](const char *argument) { return QString::fromLocal8Bit(argument); });
@@ -122,6 +127,9 @@ Arguments Arguments::parse(int argc, char *argv[])
     } else if (arguments.error.isEmpty() && !QFileInfo(parser.value(qml)).isFile()) {
         arguments.error = QStringLiteral("There is no file %1.").arg(parser.value(qml));
     }
+    if (parser.isSet(ofono) && arguments.error.isEmpty())
+        arguments.error = whyNoOfono();
+    arguments.handset.hasOfono = parser.isSet(ofono);
     arguments.handset.uiProgram = parser.value(ui);
     arguments.handset.catalogueFolder = places.translations;
     arguments.handset.qmlFile = parser.value(qml);

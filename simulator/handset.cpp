@@ -127,7 +127,8 @@ void Handset::makeServices()
         ? m_folder.filePath(QStringLiteral("state"))
         : m_options.stateFolder;
     m_services = std::make_unique<HandsetServices>(
-        HandsetServices::World{m_sessionBus.address(), m_systemBus.address(), stateFolder},
+        HandsetServices::World{m_sessionBus.address(), m_systemBus.address(), stateFolder,
+                               m_options.hasOfono},
         QDBusConnection(sessionConnection), QDBusConnection(systemConnection), m_transcript);
 }
 

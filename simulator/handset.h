@@ -37,6 +37,7 @@ public:
         QString moduleFolder; ///< The folder of the QML modules of the screens, or empty.
         QString kitFolder; ///< The folder of the QML modules that are not for the call UI.
         QString stateFolder; ///< Keeps the state of the services; empty to discard it.
+        bool hasOfono = false; ///< The telephony is the real oFono.
         Interpreter::AtFailure atFailure = Interpreter::AtFailure::GoOn;
         bool hasPrompt = false; ///< Its user types on a terminal, where words are completed.
         bool hasPanel = false; ///< Its user can start again what did not start.

@@ -94,15 +94,22 @@ void end(bool succeeded)
     QCoreApplication::exit(succeeded ? EXIT_SUCCESS : EXIT_FAILURE);
 }
 
+/// Returns the arguments of the handsets that run tests.
+QStringList handsetArguments(const Arguments &arguments)
+{
+    QStringList all{QStringLiteral("--ui"), arguments.handset.uiProgram, QStringLiteral("--qml"),
+                    arguments.handset.qmlFile};
+    if (arguments.handset.hasOfono)
+        all.append(QStringLiteral("--ofono"));
+    return all;
+}
+
 int runTests(const Arguments &arguments, int &argc, char *argv[])
 {
     QCoreApplication application(argc, argv);
     const ProcessSignals signals;
     endAtSignals(signals);
-    ScreenTests tests({arguments.testFolder,
-                       arguments.reportFile,
-                       {QStringLiteral("--ui"), arguments.handset.uiProgram,
-                        QStringLiteral("--qml"), arguments.handset.qmlFile}});
+    ScreenTests tests({arguments.testFolder, arguments.reportFile, handsetArguments(arguments)});
     // Queued, because it may be emitted before the event loop runs.
     QObject::connect(&tests, &ScreenTests::ended, &application, &end, Qt::QueuedConnection);
     tests.start();

@@ -11,7 +11,7 @@ _parley_handset() {
     --state | --tests)
         mapfile -t words < <(compgen -d -- "$word") ;;
     *)
-        mapfile -t words < <(compgen -W '--help --junit --kit --no-panel --qml --replay --script --state --tests --tour --ui --version --watch' -- "$word")
+        mapfile -t words < <(compgen -W '--help --junit --kit --no-panel --ofono --qml --replay --script --state --tests --tour --ui --version --watch' -- "$word")
         COMPREPLY=("${words[@]}")
         return ;;
     esac

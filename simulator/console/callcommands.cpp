@@ -10,7 +10,6 @@
 
 namespace {
 
-const QLatin1String service("org.ofono");
 const QLatin1String path("/");
 const QLatin1String control("com.nimbo.simulator.Network");
 
@@ -53,8 +52,8 @@ QString sentenceOf(const QString &condition)
 
 } // namespace
 
-CallCommands::CallCommands(const QDBusConnection &systemBus, Transcript &transcript,
-                           QObject *parent)
+CallCommands::CallCommands(const QDBusConnection &systemBus, const QString &service,
+                           Transcript &transcript, QObject *parent)
     : ServiceTalk(systemBus, {service, path, control, QStringLiteral("calls")}, transcript, parent)
     , m_list(addList(
           {QDBusMessage::createMethodCall(service, path, control, QStringLiteral("ListCalls")),
@@ -84,6 +83,9 @@ CallCommands::CallCommands(const QDBusConnection &systemBus, Transcript &transcr
                [](const QString &modem, const QString &number, const QString &text) {
                    return QStringLiteral("%1 sends to %2: %3").arg(modem, number, text);
                });
+    tell(control, QStringLiteral("Ready"), QStringLiteral("s"), [](const QVariantList &values) {
+        return QStringLiteral("%1 is ready").arg(values.value(0).toString());
+    });
     tell(control, QStringLiteral("NetworkChanged"), QStringLiteral("ss"),
          [](const QVariantList &values) {
              return sentenceOf(values.value(1).toString()).arg(values.value(0).toString());

@@ -12,7 +12,8 @@ class CallCommands : public ServiceTalk
     Q_OBJECT
 
 public:
-    CallCommands(const QDBusConnection &systemBus, Transcript &transcript,
+    /// \a service is the name of the telephony, or of the modems, on \a systemBus.
+    CallCommands(const QDBusConnection &systemBus, const QString &service, Transcript &transcript,
                  QObject *parent = nullptr);
 
     QVector<Command> commands() override;

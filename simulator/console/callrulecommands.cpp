@@ -85,9 +85,10 @@ ServiceList::Source rulesOf(const QString &filter)
 
 } // namespace
 
-CallRuleCommands::CallRuleCommands(const QDBusConnection &systemBus, Transcript &transcript,
-                                   QObject *parent)
+CallRuleCommands::CallRuleCommands(const QDBusConnection &systemBus, bool areThere,
+                                   Transcript &transcript, QObject *parent)
     : ServiceTalk(systemBus, {service, path, control, QStringLiteral("rules")}, transcript, parent)
+    , m_areThere(areThere)
     , m_dialList(addList(rulesOf(QStringLiteral("dial"))))
     , m_incomingList(addList(rulesOf(QStringLiteral("incoming"))))
 {
@@ -114,7 +115,7 @@ CallRuleCommands::CallRuleCommands(const QDBusConnection &systemBus, Transcript 
 QVector<Command> CallRuleCommands::commands()
 {
     const QString filter = QStringLiteral("dial|incoming");
-    return {
+    QVector<Command> all{
         {QStringLiteral("rules"),
          {},
          QStringLiteral("list what calls may be dialled and may come in, by SIM"),
@@ -134,6 +135,13 @@ QVector<Command> CallRuleCommands::commands()
              setDefault(arguments.at(0), arguments.at(1), finish);
          }},
     };
+    if (m_areThere)
+        return all;
+    for (Command &command : all)
+        command.run = [](const QStringList &, const Finish &finish) {
+            finish(Outcome::Skipped, QStringLiteral("this oFono has no filter rules"));
+        };
+    return all;
 }
 
 QStringList CallRuleCommands::actionNames()

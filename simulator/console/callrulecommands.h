@@ -11,7 +11,8 @@ class CallRuleCommands : public ServiceTalk
     Q_OBJECT
 
 public:
-    CallRuleCommands(const QDBusConnection &systemBus, Transcript &transcript,
+    /// If \a areThere is false, the telephony has no rules, and the commands say so.
+    CallRuleCommands(const QDBusConnection &systemBus, bool areThere, Transcript &transcript,
                      QObject *parent = nullptr);
 
     QVector<Command> commands() override;
@@ -30,6 +31,7 @@ private:
              const Finish &finish);
     void setDefault(const QString &filter, const QString &action, const Finish &finish);
 
+    const bool m_areThere;
     ServiceList *const m_dialList;
     ServiceList *const m_incomingList;
 };

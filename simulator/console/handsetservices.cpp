@@ -3,7 +3,10 @@
 
 #include "handsetservices.h"
 
+#include "atmodems.h"
 #include "transcript.h"
+
+#include <algorithm>
 
 namespace {
 
@@ -19,6 +22,12 @@ QProcessEnvironment environmentOf(const HandsetServices::World &world)
     return environment;
 }
 
+/// Returns the service that is told about SIMs and calls.
+QString modemService(const HandsetServices::World &world)
+{
+    return world.hasOfono ? AtModems::busName() : QStringLiteral("org.ofono");
+}
+
 } // namespace
 
 HandsetServices::HandsetServices(const World &world, const QDBusConnection &session,
@@ -29,24 +38,34 @@ HandsetServices::HandsetServices(const World &world, const QDBusConnection &sess
     , m_alarms(system, transcript)
     , m_notifications(session, transcript)
     , m_reminders(session, system)
-    , m_sims(system, transcript)
-    , m_calls(system, transcript)
-    , m_rules(system, transcript)
+    , m_sims(system, modemService(world), transcript)
+    , m_calls(system, modemService(world), transcript)
+    , m_rules(system, !world.hasOfono, transcript)
 {
     const QProcessEnvironment environment = environmentOf(world);
     const QString callHistory = QStringLiteral("com.nokia.telephony.callhistory");
-    m_timeDaemon =
+    ServiceProcess *const timeDaemon =
         add({QStringLiteral("time-daemon"), QStringLiteral("com.nimbo.timed"), world.stateFolder},
             system, environment);
     add({QStringLiteral("notification-service"), QStringLiteral("org.freedesktop.Notifications"),
          world.stateFolder},
         session, environment);
-    m_alarmService = add({QStringLiteral("alarm-service"), QStringLiteral("com.nimbo.parley.alarm"),
-                          world.stateFolder},
-                         session, environment);
+    // It would log that there is no time daemon.
+    m_followers[timeDaemon] = add({QStringLiteral("alarm-service"),
+                                   QStringLiteral("com.nimbo.parley.alarm"), world.stateFolder},
+                                  session, environment);
     add({QStringLiteral("call-history"), callHistory, world.stateFolder}, session, environment);
-    add({QStringLiteral("telephony"), QStringLiteral("org.ofono"), world.stateFolder}, system,
-        environment);
+    const QString telephony = QStringLiteral("telephony");
+    if (world.hasOfono) {
+        ServiceProcess *const modem = add(
+            {QStringLiteral("modem"), AtModems::busName(), world.stateFolder}, system, environment);
+        // It reads where the modems are, and is of use when they are online.
+        m_followers[modem] =
+            add({telephony, AtModems::onlineName(), world.stateFolder, QStringLiteral("ofono")},
+                system, environment);
+    } else {
+        add({telephony, QStringLiteral("org.ofono"), world.stateFolder}, system, environment);
+    }
     QDBusConnection(session).connect(callHistory, QStringLiteral("/org/maemo/m"),
                                      QStringLiteral("com.nimbo.simulator.CallHistory"),
                                      QStringLiteral("Launched"), this,
@@ -70,8 +89,10 @@ void HandsetServices::start(const std::function<void()> &settled)
 {
     m_awaited = m_processes.size();
     for (const auto &process : m_processes) {
-        // It would log that there is no time daemon.
-        if (process.get() != m_alarmService)
+        const auto comesAfter = [&process](const auto &pair) {
+            return pair.second == process.get();
+        };
+        if (std::none_of(m_followers.cbegin(), m_followers.cend(), comesAfter))
             start(process.get(), settled);
     }
 }
@@ -82,8 +103,9 @@ void HandsetServices::start(ServiceProcess *process, const std::function<void()>
         if (outcome == Outcome::Failed)
             m_transcript.say(
                 QStringLiteral("The %1 did not start: %2").arg(process->command().name, text));
-        if (process == m_timeDaemon)
-            start(m_alarmService, settled);
+        const auto follower = m_followers.find(process);
+        if (follower != m_followers.cend())
+            start(follower->second, settled);
         if (--m_awaited == 0)
             settled();
     });

@@ -15,6 +15,7 @@
 
 #include <array>
 #include <functional>
+#include <map>
 #include <memory>
 #include <vector>
 
@@ -32,6 +33,7 @@ public:
         QString sessionBus; ///< The address of the bus.
         QString systemBus; ///< The address of the bus.
         QString stateFolder; ///< The services keep their state here.
+        bool hasOfono = false; ///< The telephony is the real oFono.
     };
 
     /// The connections are to the buses of \a world. \a transcript must outlive the object.
@@ -72,7 +74,7 @@ private:
     CallCommands m_calls;
     CallRuleCommands m_rules;
     std::vector<std::unique_ptr<ServiceProcess>> m_processes;
-    ServiceProcess *m_timeDaemon; ///< One of the processes.
-    ServiceProcess *m_alarmService; ///< One of the processes.
+    /// What starts when another process has.
+    std::map<ServiceProcess *, ServiceProcess *> m_followers;
     std::size_t m_awaited = 0;
 };

@@ -48,7 +48,8 @@ void ServiceProcess::start(const Finish &finish)
     m_finish = finish;
     m_patience.start();
     m_process.start(QCoreApplication::applicationFilePath(),
-                    serviceArguments(m_service.name, m_service.stateFolder), QIODevice::ReadOnly);
+                    serviceArguments(m_service.program, m_service.stateFolder),
+                    QIODevice::ReadOnly);
 }
 
 Command ServiceProcess::command()
@@ -74,7 +75,8 @@ void ServiceProcess::run(const QString &what, const Finish &finish)
         stop(finish);
     } else if (what == QLatin1String("hang") || what == QLatin1String("continue")) {
         const bool hangs = what == QLatin1String("hang");
-        ::kill(static_cast<pid_t>(m_process.processId()), hangs ? SIGSTOP : SIGCONT);
+        // It may run in a sandbox, which is in the same process group.
+        ::kill(-static_cast<pid_t>(m_process.processId()), hangs ? SIGSTOP : SIGCONT);
         setHung(hangs);
         finish(Outcome::Done, QStringLiteral("done"));
     } else {

@@ -22,9 +22,10 @@ class ServiceProcess : public QObject
 public:
     struct Service
     {
-        QString name; ///< Its name for runService(), which is also the name of its command.
+        QString name; ///< The name of its command.
         QString busName; ///< It has started when it owns this name.
         QString stateFolder;
+        QString program = name; ///< Its name for runService().
     };
 
     /// \a bus is a connection to the bus of the service.

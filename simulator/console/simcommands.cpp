@@ -9,7 +9,6 @@
 
 namespace {
 
-const QLatin1String service("org.ofono");
 const QLatin1String path("/");
 const QLatin1String control("com.nimbo.simulator.Telephony");
 
@@ -36,7 +35,8 @@ QString describe(const QVariantMap &modem)
 
 } // namespace
 
-SimCommands::SimCommands(const QDBusConnection &systemBus, Transcript &transcript, QObject *parent)
+SimCommands::SimCommands(const QDBusConnection &systemBus, const QString &service,
+                         Transcript &transcript, QObject *parent)
     : ServiceTalk(systemBus, {service, path, control, QStringLiteral("sims")}, transcript, parent)
     , m_list(addList(
           {QDBusMessage::createMethodCall(service, path, control, QStringLiteral("ListSims")),

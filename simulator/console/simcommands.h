@@ -11,7 +11,8 @@ class SimCommands : public ServiceTalk
     Q_OBJECT
 
 public:
-    SimCommands(const QDBusConnection &systemBus, Transcript &transcript,
+    /// \a service is the name of the telephony, or of the modems, on \a systemBus.
+    SimCommands(const QDBusConnection &systemBus, const QString &service, Transcript &transcript,
                 QObject *parent = nullptr);
 
     QVector<Command> commands() override;

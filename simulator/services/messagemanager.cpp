@@ -7,18 +7,17 @@
 #include "modem.h"
 #include "phoneline.h"
 
-#include <QRegularExpression>
 #include <QVector>
+
+#include <chrono>
 
 namespace {
 
-/// The address of a message has 20 digits at most (3GPP TS 23.040, 9.1.2.5).
-bool isNumber(const QString &text)
-{
-    static const QRegularExpression number(
-        QRegularExpression::anchoredPattern(QStringLiteral("\\+?[0-9*#]{1,20}")));
-    return number.match(text).hasMatch();
-}
+/// (3GPP TS 23.040, 9.1.2.5.)
+constexpr int mostDigits = 20;
+
+/// From when a message is taken until it is sent.
+constexpr std::chrono::milliseconds delay(200);
 
 } // namespace
 
@@ -27,7 +26,10 @@ MessageManager::MessageManager(Modem &modem, PhoneLine &line)
     , m_modem(modem)
     , m_line(line)
 {
-    connect(&line, &PhoneLine::registeredChanged, this, &MessageManager::sendAll);
+    m_delay.setSingleShot(true);
+    m_delay.setInterval(delay);
+    connect(&m_delay, &QTimer::timeout, this, &MessageManager::sendAll);
+    connect(&line, &PhoneLine::registeredChanged, &m_delay, qOverload<>(&QTimer::start));
     connect(&modem, &Modem::interfacesChanged, this, [this] {
         if (!m_modem.has(interface()))
             removeAll();
@@ -60,7 +62,7 @@ QDBusObjectPath MessageManager::SendMessage(const QString &number, const QString
 {
     if (!m_modem.offers(interface()))
         return {};
-    if (!isNumber(number)) {
+    if (!PhoneLine::isNumber(number, mostDigits)) {
         m_modem.refuse(OfonoError::InvalidFormat);
         return {};
     }
@@ -70,8 +72,7 @@ QDBusObjectPath MessageManager::SendMessage(const QString &number, const QString
     connect(message.get(), &Message::cancelled, this, [this, id] { remove(id); });
     Q_EMIT MessageAdded(QDBusObjectPath(path), message->GetProperties());
     m_messages.emplace(id, std::move(message));
-    // The reply goes out before the message.
-    QMetaObject::invokeMethod(this, &MessageManager::sendAll, Qt::QueuedConnection);
+    m_delay.start();
     return QDBusObjectPath(path);
 }
 

@@ -8,6 +8,7 @@
 #include <QDBusAbstractAdaptor>
 #include <QDBusMessage>
 #include <QDBusVariant>
+#include <QTimer>
 
 #include <map>
 #include <memory>
@@ -49,4 +50,5 @@ private:
     PhoneLine &m_line;
     std::map<int, std::unique_ptr<Message>> m_messages; ///< By a number of their own.
     int m_lastId = 0;
+    QTimer m_delay; ///< The network takes messages after a while.
 };

@@ -169,6 +169,8 @@ void Modem::updateInterfaces()
     tell(QStringLiteral("Interfaces"));
     tell(QStringLiteral("Features"));
     Q_EMIT interfacesChanged();
+    if (has(MessageManager::interface()))
+        m_line.announceReady();
 }
 
 void Modem::tell(const QString &property)

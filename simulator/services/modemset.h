@@ -47,6 +47,8 @@ public:
     /// Resets the modem, so that its SIM waits for the PIN.
     void lockSim(const QString &path);
     void unlockSim(const QString &path);
+    /// Enters the PIN of a locked SIM as the user does it, which unlocks it, at once or later.
+    virtual void enterPin(const QString &path) { unlockSim(path); }
 
     /// Returns the filter "dial" or "incoming", or null for any other name.
     CallFilter *filter(const QString &name);

@@ -84,7 +84,7 @@ bool NetworkCalls::answer()
 
 bool NetworkCalls::hangUp()
 {
-    return endWhere([](const NetworkCall &call) { return !isHeld(call) && !isWaiting(call); });
+    return endWhere([](const NetworkCall &call) { return !isWaiting(call); });
 }
 
 bool NetworkCalls::endHeldOrWaiting()
@@ -94,7 +94,7 @@ bool NetworkCalls::endHeldOrWaiting()
 
 bool NetworkCalls::endActive()
 {
-    if (!has(State::Active) && !has(State::Held))
+    if (isDialing() || !(has(State::Active) || has(State::Held)))
         return false;
     update([this] {
         const State next = has(State::Waiting) ? State::Waiting : State::Held;
@@ -115,7 +115,7 @@ bool NetworkCalls::end(int id)
 bool NetworkCalls::swap()
 {
     const bool isFull = has(State::Waiting) && has(State::Active) && has(State::Held);
-    if (isFull || !(has(State::Active) || has(State::Held)))
+    if (isFull || isDialing() || !(has(State::Active) || has(State::Held)))
         return false;
     update([this] {
         const State next = has(State::Waiting) ? State::Waiting : State::Held;
@@ -271,11 +271,15 @@ void NetworkCalls::set(State from, State to)
     }
 }
 
-/// Returns whether a call is being set up.
+bool NetworkCalls::isDialing() const
+{
+    return has(State::Dialing) || has(State::Alerting);
+}
+
+/// Returns whether a call is being set up by any side.
 bool NetworkCalls::isBusy() const
 {
-    return has(State::Dialing) || has(State::Alerting) || has(State::Incoming)
-        || has(State::Waiting);
+    return isDialing() || has(State::Incoming) || has(State::Waiting);
 }
 
 /// Returns 0 if there are as many calls as there can be.

@@ -55,7 +55,7 @@ public:
     int dial(const QString &number);
     /// Answers the call that is incoming.
     bool answer();
-    /// Ends what is active, being set up or incoming. A waiting call and those that are held stay.
+    /// Ends all calls but a waiting one.
     bool hangUp();
     /// Rejects the waiting call or, without one, ends the calls that are held.
     bool endHeldOrWaiting();
@@ -103,6 +103,7 @@ private:
     bool endWhere(Test test, Ending ending = Ending::Local);
     void remove(Test test);
     void set(State from, State to);
+    bool isDialing() const;
     bool isBusy() const;
     int freeId() const;
     int count(State state) const;

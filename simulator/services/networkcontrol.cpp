@@ -8,7 +8,6 @@
 #include <QDBusArgument>
 #include <QDBusMetaType>
 #include <QMetaEnum>
-#include <QRegularExpression>
 #include <QVector>
 
 #include <algorithm>
@@ -20,13 +19,6 @@ namespace {
 using State = NetworkCall::State;
 
 const QLatin1String withheld("withheld");
-
-bool isNumber(const QString &text)
-{
-    static const QRegularExpression number(
-        QRegularExpression::anchoredPattern(QStringLiteral("\\+?[0-9*#]{1,80}")));
-    return number.match(text).hasMatch();
-}
 
 QString numberOf(const NetworkCall &call)
 {
@@ -150,7 +142,7 @@ LineCalls NetworkControl::ListCalls() const
 QString NetworkControl::Ring(const QString &number, const QString &modem)
 {
     const bool isWithheld = number == withheld;
-    if (!isWithheld && !isNumber(number)) {
+    if (!isWithheld && !PhoneLine::isNumber(number)) {
         refuse(QStringLiteral("\"%1\" is no number; withheld stands for none").arg(number));
         return {};
     }
@@ -237,6 +229,7 @@ void NetworkControl::follow(const QString &path)
             });
     connect(&line, &PhoneLine::serviceRequested, this,
             [this, path](const QString &code) { Q_EMIT ServiceRequested(path, code); });
+    connect(&line, &PhoneLine::ready, this, [this, path] { Q_EMIT Ready(path); });
     connect(&line, &PhoneLine::conditionChanged, this,
             [this, path, &line] { Q_EMIT NetworkChanged(path, conditionName(line.condition())); });
 }

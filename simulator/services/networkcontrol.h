@@ -70,6 +70,8 @@ Q_SIGNALS:
     void MessageSent(const QString &modem, const QString &number, const QString &text);
     void ServiceRequested(const QString &modem, const QString &code);
     void NetworkChanged(const QString &modem, const QString &condition);
+    /// The telephony stack has read the SIM, and offers calls, messages and services.
+    void Ready(const QString &modem);
 
 private:
     /// A call of a line.

@@ -22,6 +22,7 @@ constexpr NamedError errors[] = {
     {"NotAvailable", "Operation currently not available"},
     {"NotFound", "Object is not found or not valid for this operation"},
     {"NotImplemented", "Implementation not provided"},
+    {"NotSupported", "Operation is not supported by the network / modem"},
 };
 
 } // namespace

@@ -16,6 +16,7 @@ enum class OfonoError {
     NotAvailable,
     NotFound,
     NotImplemented,
+    NotSupported,
 };
 
 /// Returns the reply to \a call that is this error, with oFono's text.

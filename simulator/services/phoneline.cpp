@@ -3,6 +3,7 @@
 
 #include "phoneline.h"
 
+#include <algorithm>
 #include <chrono>
 
 namespace {
@@ -24,6 +25,16 @@ PhoneLine::PhoneLine(const Sim &sim, QObject *parent)
         if (!call.isIncoming)
             m_search.start();
     });
+}
+
+bool PhoneLine::isNumber(const QString &text, int mostDigits)
+{
+    const QString digits = text.startsWith(QLatin1Char('+')) ? text.mid(1) : text;
+    const auto isDigit = [](QChar character) {
+        return QStringLiteral("0123456789*#").contains(character);
+    };
+    return !digits.isEmpty() && digits.size() <= mostDigits
+        && std::all_of(digits.cbegin(), digits.cend(), isDigit);
 }
 
 void PhoneLine::setOn(bool on)
@@ -63,7 +74,7 @@ bool PhoneLine::isReady() const
 
 QString PhoneLine::networkName() const
 {
-    return m_isRegistered ? QStringLiteral("Simulated network") : QString();
+    return m_isRegistered ? homeNetwork() : QString();
 }
 
 QStringList PhoneLine::emergencyNumbers() const
@@ -101,12 +112,16 @@ bool PhoneLine::sendTones(const QString &tones)
     return isPossible;
 }
 
+bool PhoneLine::takesMessages() const
+{
+    return m_isRegistered && m_condition != Condition::Refuse;
+}
+
 bool PhoneLine::sendMessage(const QString &number, const QString &text)
 {
-    const bool isPossible = m_isRegistered && m_condition != Condition::Refuse;
-    if (isPossible)
+    if (takesMessages())
         Q_EMIT messageSent(number, text);
-    return isPossible;
+    return takesMessages();
 }
 
 std::optional<PhoneLine::ServiceAnswer> PhoneLine::request(const QString &code)

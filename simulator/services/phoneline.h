@@ -37,6 +37,9 @@ public:
         bool wantsReply = false;
     };
 
+    /// Returns whether \a text can be dialled or sent to.
+    static bool isNumber(const QString &text, int mostDigits = 80);
+
     explicit PhoneLine(const Sim &sim, QObject *parent = nullptr);
 
     NetworkCalls &calls() { return m_calls; }
@@ -56,11 +59,15 @@ public:
     bool isRegistered() const { return m_isRegistered; }
     /// Returns the name of the network, or an empty one without it.
     QString networkName() const;
+    static QString homeNetwork() { return QStringLiteral("Nimbo Mobile"); }
     /// Returns the strength of the signal in percent.
     uchar strength() const { return m_isRegistered ? 80 : 0; }
 
     /// Returns the numbers that reach the emergency services (3GPP TS 22.101, 10.1.1).
     QStringList emergencyNumbers() const;
+
+    /// The telephony stack offers all that the line has: calls, messages, services.
+    void announceReady() { Q_EMIT ready(); }
 
     /// Calls a number. Returns the id of the call, or 0 if that is not possible.
     int dial(const QString &number);
@@ -68,17 +75,23 @@ public:
     int ring(const QString &number);
     /// Sends tones to the other side. Returns false without an active call.
     bool sendTones(const QString &tones);
+    /// Returns whether the network takes messages.
+    bool takesMessages() const;
     /// Hands a message to the network. Returns whether it takes it.
     bool sendMessage(const QString &number, const QString &text);
     /// Asks the network for a service. Returns its answer, or nothing if it does not know it.
     std::optional<ServiceAnswer> request(const QString &code);
     /// Replies to an answer that wants it.
     std::optional<ServiceAnswer> reply(const QString &text);
+    /// Returns whether the network waits for a reply.
+    bool isAsked() const { return m_isAsked; }
     void cancelService() { m_isAsked = false; }
 
 Q_SIGNALS:
     void simChanged();
     void registeredChanged();
+    /// The telephony stack offers all that the line has.
+    void ready();
     void conditionChanged();
     void dialled(const QString &number);
     void tonesSent(const QString &tones);
@@ -95,6 +108,6 @@ private:
     bool m_isOn = true;
     Condition m_condition = Condition::Back;
     bool m_isRegistered = false;
-    bool m_isAsked = false; ///< Whether the network waits for a reply.
+    bool m_isAsked = false;
     QTimer m_search; ///< For the phone that is called.
 };

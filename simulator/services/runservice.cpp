@@ -3,14 +3,18 @@
 
 #include "runservice.h"
 
+#include "atmodems.h"
 #include "callhistory.h"
 #include "notificationservice.h"
 #include "places.h"
+#include "sandbox.h"
 #include "telephonystack.h"
 
 #include <QCoreApplication>
 #include <QDBusError>
+#include <QDir>
 #include <QFile>
+#include <QStandardPaths>
 
 #include <cerrno>
 #include <cstdlib>
@@ -45,7 +49,45 @@ int become(const QString &program, const QString &name, const QStringList &argum
     return EXIT_FAILURE;
 }
 
+/// It may lie where only root's shell looks.
+QString findOfono()
+{
+    const QString name = QStringLiteral("ofonod");
+    const QString found = QStandardPaths::findExecutable(name);
+    return found.isEmpty() ? QStandardPaths::findExecutable(
+               name, {QStringLiteral("/usr/sbin"), QStringLiteral("/sbin")})
+                           : found;
+}
+
+/// Goes on as the real oFono, with the modems that listen for it. What it keeps is kept in the
+/// folder of the state, and it looks for no hardware.
+int runOfono(const QString &stateFolder)
+{
+    const QString kept = stateFolder + QLatin1String("/ofono");
+    if (const QString why = whyNoOfono(); !why.isEmpty()) {
+        qWarning("%s", qUtf8Printable(why));
+        return EXIT_FAILURE;
+    }
+    qputenv("OFONO_PHONESIM_CONFIG", QFile::encodeName(AtModems::configuration(stateFolder)));
+    QDir().mkpath(kept);
+    Sandbox sandbox;
+    sandbox.place(QStringLiteral("/var/lib/ofono"), kept);
+    QStringList command = sandbox.wrap(
+        {findOfono(), QStringLiteral("--nodetach"), QStringLiteral("--noplugin=udevng")});
+    const QString bubblewrap = command.takeFirst();
+    return become(QStandardPaths::findExecutable(bubblewrap), bubblewrap, command);
+}
+
 } // namespace
+
+QString whyNoOfono()
+{
+    if (findOfono().isEmpty())
+        return QStringLiteral("oFono is not installed; it is in the package ofono.");
+    if (!Sandbox::isPossible())
+        return QStringLiteral("oFono needs bwrap, from the package bubblewrap, to be allowed.");
+    return {};
+}
 
 int runService(const QString &name, const QString &stateFolder)
 {
@@ -62,6 +104,10 @@ int runService(const QString &name, const QString &stateFolder)
         return run(CallHistory(), QDBusConnection::sessionBus());
     if (name == QLatin1String("telephony"))
         return run(TelephonyStack(stateFolder), QDBusConnection::systemBus());
+    if (name == QLatin1String("modem"))
+        return run(AtModems(stateFolder), QDBusConnection::systemBus());
+    if (name == QLatin1String("ofono"))
+        return runOfono(stateFolder);
     qWarning("There is no service \"%s\".", qUtf8Printable(name));
     return EXIT_FAILURE;
 }

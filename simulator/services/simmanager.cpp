@@ -4,6 +4,7 @@
 #include "simmanager.h"
 
 #include "modem.h"
+#include "simfiles.h"
 
 #include <QStringList>
 
@@ -16,9 +17,7 @@ QVariantMap propertiesOf(const Sim &sim)
     QVariantMap properties{{QStringLiteral("Present"), sim.isPresent()}};
     if (!sim.isPresent())
         return properties;
-    // The number of a telecommunication card has 19 digits that begin with 89 (ITU-T E.118).
-    const QString card = QLatin1String("8900") + sim.imsi.rightJustified(15, QLatin1Char('0'));
-    properties.insert(QStringLiteral("CardIdentifier"), card);
+    properties.insert(QStringLiteral("CardIdentifier"), SimFiles::cardIdentifier(sim));
     properties.insert(QStringLiteral("PinRequired"),
                       sim.locked ? QStringLiteral("pin") : QStringLiteral("none"));
     if (sim.locked)

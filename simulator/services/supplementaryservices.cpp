@@ -98,7 +98,7 @@ QDBusMessage SupplementaryServices::reply(const QDBusMessage &message, const Ans
         setState(answer && answer->wantsReply ? userResponse : idle);
     if (isCancelled)
         return ofonoError(message, OfonoError::Canceled);
-    return answer ? message.createReply(arguments) : ofonoError(message, OfonoError::Failed);
+    return answer ? message.createReply(arguments) : ofonoError(message, OfonoError::NotSupported);
 }
 
 void SupplementaryServices::setState(const QString &state)

@@ -85,7 +85,7 @@ void TelephonyControl::UnlockSim(const QString &modem)
         refuse(QStringLiteral("the SIM in %1 is not locked").arg(path));
         return;
     }
-    m_modems.unlockSim(path);
+    m_modems.enterPin(path);
     Q_EMIT SimUnlocked(path);
 }
 

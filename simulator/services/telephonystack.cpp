@@ -24,7 +24,7 @@ TelephonyStack::~TelephonyStack() = default;
 bool TelephonyStack::start(const QDBusConnection &bus)
 {
     m_bus = bus;
-    return m_dialFilter.start(m_bus, QStringLiteral("/mdm/parleyfilter/dial"))
+    const bool isStarted = m_dialFilter.start(m_bus, QStringLiteral("/mdm/parleyfilter/dial"))
         && m_incomingFilter.start(m_bus, QStringLiteral("/mdm/parleyfilter/incoming"))
         && std::all_of(m_modems.cbegin(), m_modems.cend(),
                        [this](const auto &modem) { return modem.second->start(m_bus); })
@@ -32,6 +32,11 @@ bool TelephonyStack::start(const QDBusConnection &bus)
                                 QDBusConnection::ExportScriptableContents
                                     | QDBusConnection::ExportAdaptors)
         && m_bus.registerService(QStringLiteral("org.ofono"));
+    for (const auto &[path, line] : lines()) {
+        if (isStarted && line->isReady())
+            line->announceReady();
+    }
+    return isStarted;
 }
 
 OfonoObjects TelephonyStack::GetModems() const

@@ -17,13 +17,11 @@ namespace {
 using State = NetworkCall::State;
 
 /// A request such as *100# is none.
-bool isNumber(const QString &text)
+bool canBeDialled(const QString &text)
 {
-    static const QRegularExpression number(
-        QRegularExpression::anchoredPattern(QStringLiteral("\\+?[0-9*#]{1,80}")));
     static const QRegularExpression request(
         QRegularExpression::anchoredPattern(QStringLiteral("[*#].*#")));
-    return number.match(text).hasMatch() && !request.match(text).hasMatch();
+    return PhoneLine::isNumber(text) && !request.match(text).hasMatch();
 }
 
 bool isTones(const QString &text)
@@ -75,7 +73,7 @@ QDBusObjectPath VoiceCallManager::Dial(const QString &number, const QString &cal
                                 QStringLiteral("disabled")};
     if (!m_modem.offers(interface()))
         return {};
-    if (!isNumber(number) || !callerIds.contains(callerId))
+    if (!canBeDialled(number) || !callerIds.contains(callerId))
         m_modem.refuse(OfonoError::InvalidFormat);
     else if (!m_modem.isOnline())
         m_modem.refuse(OfonoError::NotAvailable);
@@ -89,9 +87,8 @@ QDBusObjectPath VoiceCallManager::Dial(const QString &number, const QString &cal
 void VoiceCallManager::HangupAll()
 {
     perform([](NetworkCalls &calls) {
-        const bool hasHeld = calls.has(State::Held) && !calls.has(State::Waiting);
-        const bool hasEnded = calls.hangUp();
-        return (hasHeld && calls.endHeldOrWaiting()) || hasEnded;
+        calls.hangUp();
+        return true;
     });
 }
 
@@ -142,7 +139,10 @@ QList<QDBusObjectPath> VoiceCallManager::CreateMultiparty()
 
 void VoiceCallManager::HangupMultiparty()
 {
-    perform([](NetworkCalls &calls) { return calls.endConference(); });
+    perform([](NetworkCalls &calls) {
+        calls.endConference();
+        return true;
+    });
 }
 
 void VoiceCallManager::SendTones(const QString &tones)

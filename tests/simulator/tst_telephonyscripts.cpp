@@ -1,0 +1,95 @@
+// SPDX-FileCopyrightText: 2026 The Parley developers
+// SPDX-License-Identifier: BSD-3-Clause
+
+#include "literals.h"
+#include "runservice.h"
+#include "sandbox.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace {
+
+constexpr int patience = 120'000;
+
+} // namespace
+
+/// Plays each script in the folder "scripts" on the simulated telephony and on the real oFono.
+class TestTelephonyScripts : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void plays_data();
+    void plays();
+    void saysThatOfonoIsMissing();
+};
+
+void TestTelephonyScripts::plays_data()
+{
+    QTest::addColumn<QString>("script");
+    QTest::addColumn<bool>("isReal");
+
+    const QFileInfoList scripts =
+        QDir(QStringLiteral(PARLEY_SCRIPTS)).entryInfoList({u"*.script"_s}, QDir::Files);
+    QVERIFY(!scripts.isEmpty());
+    for (const QFileInfo &script : scripts) {
+        const QByteArray name = script.baseName().toUtf8();
+        QTest::addRow("%s, simulated", name.constData()) << script.filePath() << false;
+        QTest::addRow("%s, oFono", name.constData()) << script.filePath() << true;
+    }
+}
+
+void TestTelephonyScripts::plays()
+{
+    QFETCH(QString, script);
+    QFETCH(bool, isReal);
+
+    const QString why = isReal ? whyNoOfono() : QString();
+    if (!why.isEmpty())
+        QSKIP(qUtf8Printable(why));
+    const QTemporaryDir folder;
+    QProcess handset;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(u"TMPDIR"_s, folder.path());
+    environment.insert(u"QML2_IMPORT_PATH"_s, qEnvironmentVariable("PARLEY_QML_MODULES"));
+    handset.setProcessEnvironment(environment);
+    handset.setProcessChannelMode(QProcess::MergedChannels);
+    QStringList arguments{u"--no-panel"_s, u"--qml"_s, QStringLiteral(PARLEY_SCRIPTS "/phone.qml"),
+                          u"--script"_s, script};
+    if (isReal)
+        arguments.append(u"--ofono"_s);
+    handset.start(qEnvironmentVariable("PARLEY_HANDSET"), arguments);
+    QVERIFY(handset.waitForFinished(patience));
+    const QByteArray transcript = handset.readAll();
+    QVERIFY2(handset.exitStatus() == QProcess::NormalExit && handset.exitCode() == 0,
+             transcript.constData());
+    QVERIFY2(!transcript.contains("skipped:"), transcript.constData());
+}
+
+/// The handset says which package it is in.
+void TestTelephonyScripts::saysThatOfonoIsMissing()
+{
+    if (!Sandbox::isPossible())
+        QSKIP("Without bwrap, the program cannot be hidden.");
+    Sandbox sandbox;
+    const QTemporaryDir empty;
+    QStringList command{qEnvironmentVariable("PARLEY_HANDSET"), u"--ofono"_s, u"--no-panel"_s};
+    for (const QString &folder : {u"/usr/sbin"_s, u"/sbin"_s})
+        sandbox.place(folder, empty.path());
+    command = sandbox.wrap(command);
+    QProcess handset;
+    const QString program = command.takeFirst();
+    handset.start(program, command);
+    QVERIFY(handset.waitForFinished(patience));
+    QCOMPARE(handset.readAllStandardError(),
+             QByteArray("parley-handset: oFono is not installed; it is in the package ofono.\n"));
+    QCOMPARE(handset.exitCode(), 1);
+}
+
+QTEST_GUILESS_MAIN(TestTelephonyScripts)
+
+#include "tst_telephonyscripts.moc"
