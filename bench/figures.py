@@ -202,6 +202,38 @@ def count_calls(handset, programs, *methods):
     return counts
 
 
+def count_request(handset, programs, times=COUNTS):
+    """Returns counts of the instructions of the call UI, all threads, from a request to the first
+    frame of its window, which was hidden until then. Fills the caches in the home first."""
+    command = [*programs.native, "-prestart"]
+    output = programs.counts / "request"
+    run_until_drawn(handset, programs.native)
+    counts = []
+    for _ in range(times):
+        process = handset.start(counting.under_callgrind(command, output))
+        process.wait_for("qml: completed")
+        settle(process.pid)
+        call(handset, programs, 1, "showOngoing", calls=1)
+        process.wait_for("qml: marked")
+        call(handset, programs, 1, "show", calls=1)
+        process.wait_for("qml: drawn")
+        process.end()
+        counts.append(counting.counted(output, 3))
+    return counts
+
+
+def request_instructions(table, programs):
+    """Counts the instructions for a request that shows the window."""
+    with Handset("present", programs.handset) as handset:
+        ours = count_request(handset, programs)
+        table.add(
+            "request to first frame, every native type",
+            "M instructions",
+            median(ours) / 1e6,
+            note=f"± {spread(ours) / 2:.2%}",
+        )
+
+
 def toggle_call(table, programs, runs):
     """Measures the time of each answer, and how often the call UI asks the bus for it."""
     with Handset("present", programs.handset) as handset:
