@@ -159,13 +159,26 @@ class Desk(Handset):
         self._processes.append(subprocess.Popen(command, **quiet, **options))
 
 
+def of_threads(pid, name):
+    """Returns the contents of the files of that name, by thread. Threads may end meanwhile."""
+    found = {}
+    for thread in Path(f"/proc/{pid}/task").iterdir():
+        with contextlib.suppress(FileNotFoundError, ProcessLookupError):
+            found[thread.name] = (thread / name).read_text()
+    return found
+
+
 def used_time(pid):
     """Returns the seconds for which the threads of a process have had a processor."""
-    total = 0
-    for thread in Path(f"/proc/{pid}/task").iterdir():
-        with contextlib.suppress(FileNotFoundError):
-            total += int((thread / "schedstat").read_text().split()[0])
-    return total / 1e9
+    return sum(int(text.split()[0]) for text in of_threads(pid, "schedstat").values()) / 1e9
+
+
+def wakes(pid):
+    """Returns how often each thread of a process was given a processor."""
+    return {
+        thread: sum(int(n) for n in re.findall(r"ctxt_switches:\s+(\d+)", text))
+        for thread, text in of_threads(pid, "status").items()
+    }
 
 
 def rest(pid):

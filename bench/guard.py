@@ -117,5 +117,8 @@ def check(programs):
             f"{machine - 1:+.1%} ({yardstick}): {verdict}"
         )
     if failed:
-        print(f"A count may grow by {GROWTH:.0%}, that of a request by more. If more is meant, run bench/run --record.")
+        print(
+            f"A count may grow by {GROWTH:.0%}, a request by more. "
+            "If more is meant, run bench/run --record."
+        )
     return int(failed)

@@ -18,8 +18,7 @@ sys.dont_write_bytecode = True
 
 # pylint: disable=wrong-import-position
 import contenders
-from desk import Desk, memory, rest
-from figures import threads
+from desk import Desk, memory, rest, wakes
 from handset import Failure
 
 IDLE = 60  # Seconds.
@@ -108,11 +107,11 @@ class Bench:
             for pid in processes.values():
                 rest(pid)
             time.sleep(LATE)
-            before = {name: threads(pid) for name, pid in processes.items()}
+            before = {name: wakes(pid) for name, pid in processes.items()}
             time.sleep(IDLE)
             for name, pid in processes.items():
-                after = threads(pid)
-                woken = sum(after[one][0] - before[name].get(one, (0,))[0] for one in after)
+                after = wakes(pid)
+                woken = sum(count - before[name].get(one, 0) for one, count in after.items())
                 self.add(f"{state}: {IDLE} s of idling", name, woken)
 
     def _request(self, one, figure):
