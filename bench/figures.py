@@ -4,6 +4,7 @@
 """Measures the figures that docs/performance.md describes, and adds them to a table."""
 
 import collections
+import itertools
 import math
 import os
 import re
@@ -202,6 +203,38 @@ def count_calls(handset, programs, *methods):
     return counts
 
 
+def count_request(handset, programs, times=COUNTS):
+    """Returns counts of the instructions of the call UI, all threads, from a request to the first
+    frame of its window, which was hidden until then. Fills the caches in the home first."""
+    command = [*programs.native, "-prestart"]
+    output = programs.counts / "request"
+    run_until_drawn(handset, programs.native)
+    counts = []
+    for _ in range(times):
+        process = handset.start(counting.under_callgrind(command, output))
+        process.wait_for("qml: completed")
+        settle(process.pid)
+        call(handset, programs, 1, "showOngoing", calls=1)
+        process.wait_for("qml: marked")
+        call(handset, programs, 1, "show", calls=1)
+        process.wait_for("qml: drawn")
+        process.end()
+        counts.append(counting.counted(output, 3))
+    return counts
+
+
+def request_instructions(table, programs):
+    """Counts the instructions for a request that shows the window."""
+    with Handset("present", programs.handset) as handset:
+        ours = count_request(handset, programs)
+        table.add(
+            "request to first frame, every native type",
+            "M instructions",
+            median(ours) / 1e6,
+            note=f"± {spread(ours) / 2:.2%}",
+        )
+
+
 def toggle_call(table, programs, runs):
     """Measures the time of each answer, and how often the call UI asks the bus for it."""
     with Handset("present", programs.handset) as handset:
@@ -363,16 +396,23 @@ def growth(table, benchmarks):
         for column, name in enumerate(title):
             if name == "ratio":
                 exponent = math.log10(last[column]) / decades
+                figure, unit = title[column - 1].rsplit(", ", 1)
                 table.add(
                     f"{benchmark.name}: {title[column - 1]}, {last[0]:,.0f} {title[0]}",
                     "",
                     last[column - 1],
                     note=f"exponent {exponent:.2f}",
+                    growth={
+                        "name": f"{benchmark.name}: {figure}",
+                        "unit": unit,
+                        "things": title[0],
+                        "curve": [[row[0], row[column - 1]] for row in rows],
+                    },
                 )
 
 
 def parse_growth(printed):
-    """Returns the titles, and the rows in which each column has a number."""
+    """Returns the titles, and the rows of numbers. The first row has None for each ratio."""
     lines = [line for line in printed.splitlines() if line.strip()]
     title = next(line for line in lines if "ratio" in line.split())
     names = re.split(r"\s{2,}", re.sub(r"\bratio\b", "  ratio  ", title).strip())
@@ -381,7 +421,9 @@ def parse_growth(printed):
         for line in lines
         if re.fullmatch(r"[\d\s.]+", line)
     ]
-    return names, [row for row in rows if len(row) == len(names)]
+    size, *figures = rows[0]
+    rows[0] = [size, *itertools.chain.from_iterable((figure, None) for figure in figures)]
+    return names, rows
 
 
 def profile(programs):

@@ -21,6 +21,7 @@ Screens {
     }
 
     ParleyUiAdaptor {
+        onShow: __window.show()
         onDial: screens.number = number
         onToggleCall: screens.number = ""
         onShowOngoing: console.info("marked")

@@ -52,6 +52,8 @@ QDBusMessage callOf(const QString &method)
         QDBusMessage::createMethodCall(service, QStringLiteral("/"), interface, method);
     if (method == QLatin1String("dial"))
         call.setArguments({QStringLiteral("+49305551234")});
+    else if (method == QLatin1String("show"))
+        call.setArguments({QStringList()});
     return call;
 }
 

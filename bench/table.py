@@ -12,8 +12,18 @@ class Table:
     def __init__(self):
         self._rows = []
 
-    def add(self, figure, unit, ours, yardstick=None, goal=None, note=None, absolute=False):
-        """Adds a row. The note is shown in the last column."""
+    def add(
+        self,
+        figure,
+        unit,
+        ours,
+        yardstick=None,
+        goal=None,
+        note=None,
+        absolute=False,
+        growth=None,
+    ):
+        """Adds a row. The note is shown in the last column. The growth is for bench/picture."""
         ratio = ours / yardstick if yardstick else None
         compared = ours if absolute or ratio is None else ratio
         self._rows.append(
@@ -27,6 +37,7 @@ class Table:
                 "absolute": absolute,
                 "met": None if goal is None else compared <= goal,
                 "note": note,
+                "growth": growth,
             }
         )
 

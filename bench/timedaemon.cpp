@@ -157,7 +157,7 @@ int main(int argc, char *argv[])
                         {10, 100, 1000, 10000},
                         {{{},
                           {QStringLiteral("load, ms"), QStringLiteral("add 10, ms"),
-                           QStringLiteral("client's wait"), QStringLiteral("list all, ms"),
+                           QStringLiteral("client, ms"), QStringLiteral("list all, ms"),
                            QStringLiteral("fire all, ms"), QStringLiteral("peak, KiB")}}}});
 }
 

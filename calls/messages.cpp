@@ -133,11 +133,16 @@ void Messages::readPath(int id, const QDBusMessage &answer)
     const bool isPath =
         answer.type() == QDBusMessage::ReplyMessage && answer.signature() == QLatin1String("o");
     const QPointer<Messages> self(this);
+    const QVector<QDBusMessage> early = std::exchange(m_early, {});
     if (row >= 0 && isPath) {
         m_messages[row].path = busPath(answer);
         Q_EMIT dataChanged(index(row), index(row), {State});
     } else if (row >= 0) {
         failRow(row, Telephony::errorOf(answer));
+    }
+    for (const QDBusMessage &message : early) {
+        if (self)
+            receive(message);
     }
     if (self)
         sendNext();
@@ -145,16 +150,19 @@ void Messages::readPath(int id, const QDBusMessage &answer)
 
 void Messages::receive(const QDBusMessage &message)
 {
-    if (message.member() != messageRemoved)
-        change(message.path(), busProperty(message));
-    else if (const int row = rowOf(busPath(message)); row >= 0)
+    const bool isRemoved = message.member() == messageRemoved;
+    const int row = rowOf(isRemoved ? busPath(message) : message.path());
+    if (row >= 0 && isRemoved)
         failRow(row, Telephony::Canceled);
+    else if (row >= 0)
+        change(row, busProperty(message));
+    else if (m_isSending && m_early.size() < mostBusObjects)
+        m_early.append(message);
 }
 
-void Messages::change(const QString &path, const BusProperty &property)
+void Messages::change(int row, const BusProperty &property)
 {
-    const int row = rowOf(path);
-    if (row < 0 || property.name != QLatin1String("State"))
+    if (property.name != QLatin1String("State"))
         return;
     const Message message = m_messages.at(row);
     if (property.value == QLatin1String("failed"))

@@ -7,6 +7,7 @@
 #include "ofono.h"
 
 #include <QAbstractListModel>
+#include <QDBusMessage>
 #include <QQmlParserStatus>
 #include <QVariantMap>
 #include <QVector>
@@ -76,7 +77,7 @@ private:
     void sendNext();
     void readPath(int id, const QDBusMessage &answer);
     void receive(const QDBusMessage &message);
-    void change(const QString &path, const BusProperty &property);
+    void change(int row, const BusProperty &property);
     void followModem(const QString &modem);
     int rowOf(int id) const;
     int rowOf(const QString &path) const;
@@ -91,5 +92,8 @@ private:
     Ofono m_ofono;
     QVector<Message> m_messages;
     bool m_isSending = false; ///< Whether the stack is about to take a message.
+    /// The signals of unknown messages meanwhile. QtDBus may deliver them before the answer,
+    /// although they have come after it.
+    QVector<QDBusMessage> m_early;
     int m_lastId = 0;
 };

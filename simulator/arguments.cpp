@@ -100,7 +100,7 @@ Arguments Arguments::parse(int argc, char *argv[])
 
     QCommandLineParser parser;
     parser.setApplicationDescription(
-        QStringLiteral("A handset on a desktop: runs the call UI with the demo screens on private "
+        QStringLiteral("A handset on a desktop: runs the call UI with its screens on private "
                        "buses, and takes commands\n"
                        "from standard input and from its control panel. The command \"help\" lists "
                        "them."));
@@ -134,6 +134,7 @@ Arguments Arguments::parse(int argc, char *argv[])
     arguments.handset.catalogueFolder = places.translations;
     arguments.handset.qmlFile = parser.value(qml);
     arguments.handset.phoneFolder = places.phone;
+    arguments.handset.moduleFolder = places.modules;
     arguments.handset.kitFolder = places.kit;
     arguments.handset.stateFolder = parser.value(state);
     arguments.handset.hasPanel = hasDisplay() && !parser.isSet(noPanel);

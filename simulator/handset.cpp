@@ -237,7 +237,8 @@ void Handset::startServicesAndUi()
     });
 }
 
-/// The plugin is the display of the phone. The kit would only stand in for what the call UI has.
+/// The plugin is the display of the phone. The screens may write what is on them. The kit would
+/// only stand in for what the call UI has.
 QProcessEnvironment Handset::uiEnvironment(const QProcessEnvironment &world) const
 {
     QProcessEnvironment environment = world;
@@ -247,10 +248,16 @@ QProcessEnvironment Handset::uiEnvironment(const QProcessEnvironment &world) con
     environment.insert(QStringLiteral("QT_QPA_GENERIC_PLUGINS"), QStringLiteral("ParleyPhone"));
     if (m_uiIsShown)
         environment.insert(QStringLiteral("PARLEY_PHONE_SHOWN"), QStringLiteral("1"));
+    environment.insert(QStringLiteral("QT_LOGGING_RULES"), QStringLiteral("screens.info=true"));
     for (const char *name : {"QML2_IMPORT_PATH", "QML_IMPORT_PATH"}) {
         const QString imports = QString::fromLatin1(name);
         if (environment.contains(imports))
             environment.insert(imports, without(m_options.kitFolder, environment.value(imports)));
+    }
+    if (!m_options.moduleFolder.isEmpty()) {
+        const QString imports = QStringLiteral("QML2_IMPORT_PATH");
+        const QStringList found{m_options.moduleFolder, environment.value(imports)};
+        environment.insert(imports, found.join(QLatin1Char(':')));
     }
     return environment;
 }
@@ -320,11 +327,14 @@ void Handset::recordLog(const QString &line)
         phoneReported(line.mid(fromPhone.size()));
         return;
     }
-    const QLatin1String fromScreens("qml: ");
-    if (line.startsWith(fromScreens))
-        m_transcript.record(QStringLiteral("ui"), line.mid(fromScreens.size()));
-    else
-        m_transcript.record(QStringLiteral("ui log"), line);
+    // Without a category of their own, or in that of our screens.
+    for (const QLatin1String fromScreens : {QLatin1String("qml: "), QLatin1String("screens: ")}) {
+        if (line.startsWith(fromScreens)) {
+            m_transcript.record(QStringLiteral("ui"), line.mid(fromScreens.size()));
+            return;
+        }
+    }
+    m_transcript.record(QStringLiteral("ui log"), line);
 }
 
 void Handset::phoneReported(const QString &what)

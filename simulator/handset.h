@@ -34,6 +34,7 @@ public:
         QString qmlFile;
         QString catalogueFolder; ///< The folder with the translations of the call UI.
         QString phoneFolder; ///< The folder of the plugin that is the display of the phone.
+        QString moduleFolder; ///< The folder of the QML modules of the screens, or empty.
         QString kitFolder; ///< The folder of the QML modules that are not for the call UI.
         QString stateFolder; ///< Keeps the state of the services; empty to discard it.
         bool hasOfono = false; ///< The telephony is the real oFono.

@@ -9,22 +9,26 @@
     </message>
 </context>
 <context>
-    <name>Call</name>
+    <name>CallRows</name>
     <message>
-        <source>Private number</source>
-        <translation type="unfinished">رقم خاص</translation>
+        <source>Other calls</source>
+        <translation type="unfinished">المكالمات الأخرى</translation>
     </message>
     <message>
-        <source>Calling…</source>
-        <translation type="unfinished">جارٍ الاتصال…</translation>
+        <source>Speak alone</source>
+        <translation type="unfinished">التحدث على انفراد</translation>
+    </message>
+    <message>
+        <source>On hold</source>
+        <translation type="unfinished">قيد الانتظار</translation>
+    </message>
+    <message>
+        <source>Active</source>
+        <translation type="unfinished">نشطة</translation>
     </message>
 </context>
 <context>
     <name>CallScreen</name>
-    <message>
-        <source>The call with %1 has ended</source>
-        <translation type="unfinished">انتهت المكالمة مع %1</translation>
-    </message>
     <message>
         <source>via %1</source>
         <translation type="unfinished">عبر %1</translation>
@@ -48,6 +52,26 @@
     <message>
         <source>End call</source>
         <translation type="unfinished">إنهاء المكالمة</translation>
+    </message>
+    <message>
+        <source>Resume</source>
+        <translation type="unfinished">استئناف</translation>
+    </message>
+    <message>
+        <source>Swap</source>
+        <translation type="unfinished">تبديل</translation>
+    </message>
+    <message>
+        <source>Hold</source>
+        <translation type="unfinished">انتظار</translation>
+    </message>
+    <message>
+        <source>Join</source>
+        <translation type="unfinished">دمج</translation>
+    </message>
+    <message>
+        <source>Add call</source>
+        <translation type="unfinished">إضافة مكالمة</translation>
     </message>
 </context>
 <context>
@@ -79,6 +103,10 @@
     <message>
         <source>Close</source>
         <translation type="unfinished">إغلاق</translation>
+    </message>
+    <message>
+        <source>Missed call, %1</source>
+        <translation type="unfinished">مكالمة فائتة، %1</translation>
     </message>
 </context>
 <context>
@@ -130,10 +158,6 @@
 <context>
     <name>IncomingScreen</name>
     <message>
-        <source>Private number</source>
-        <translation type="unfinished">رقم خاص</translation>
-    </message>
-    <message>
         <source>Incoming call from %1</source>
         <translation type="unfinished">مكالمة واردة من %1</translation>
     </message>
@@ -172,6 +196,88 @@
     <message>
         <source>Answer</source>
         <translation type="unfinished">رد</translation>
+    </message>
+    <message>
+        <source>Waiting call</source>
+        <translation type="unfinished">مكالمة منتظرة</translation>
+    </message>
+    <message>
+        <source>Answering holds the call with %1</source>
+        <translation type="unfinished">سيضع الرد المكالمة مع %1 قيد الانتظار</translation>
+    </message>
+    <message>
+        <source>End the other</source>
+        <translation type="unfinished">إنهاء الأخرى</translation>
+    </message>
+    <message>
+        <source>End the other call and answer</source>
+        <translation type="unfinished">إنهاء المكالمة الأخرى والرد</translation>
+    </message>
+</context>
+<context>
+    <name>Line</name>
+    <message>
+        <source>The telephony does not answer</source>
+        <translation type="unfinished">خدمة الهاتف لا تستجيب</translation>
+    </message>
+    <message>
+        <source>The telephony does not run</source>
+        <translation type="unfinished">خدمة الهاتف لا تعمل</translation>
+    </message>
+    <message>
+        <source>This phone has no telephony</source>
+        <translation type="unfinished">لا توجد خدمة هاتف في هذا الجهاز</translation>
+    </message>
+    <message>
+        <source>Conference</source>
+        <translation type="unfinished">مكالمة جماعية</translation>
+    </message>
+    <message>
+        <source>On hold by the other side</source>
+        <translation type="unfinished">وضعك الطرف الآخر قيد الانتظار</translation>
+    </message>
+    <message>
+        <source>On hold</source>
+        <translation type="unfinished">قيد الانتظار</translation>
+    </message>
+    <message>
+        <source>Ringing…</source>
+        <translation type="unfinished">يرن…</translation>
+    </message>
+    <message>
+        <source>Calling…</source>
+        <translation type="unfinished">جارٍ الاتصال…</translation>
+    </message>
+</context>
+<context>
+    <name>NetworkDialog</name>
+    <message>
+        <source>Asking the network…</source>
+        <translation type="unfinished">جارٍ سؤال الشبكة…</translation>
+    </message>
+    <message>
+        <source>The network says</source>
+        <translation type="unfinished">رسالة من الشبكة</translation>
+    </message>
+    <message>
+        <source>Done</source>
+        <translation type="unfinished">تم</translation>
+    </message>
+    <message>
+        <source>Reply to the network</source>
+        <translation type="unfinished">الرد على الشبكة</translation>
+    </message>
+    <message>
+        <source>Send</source>
+        <translation type="unfinished">إرسال</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation type="unfinished">إغلاق</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation type="unfinished">إلغاء</translation>
     </message>
 </context>
 <context>
@@ -257,6 +363,26 @@
     <message>
         <source>Declined %1</source>
         <translation type="unfinished">تم رفض %1</translation>
+    </message>
+    <message>
+        <source>Replying to %1…</source>
+        <translation type="unfinished">جارٍ الرد على %1…</translation>
+    </message>
+    <message>
+        <source>The call with %1 has ended</source>
+        <translation type="unfinished">انتهت المكالمة مع %1</translation>
+    </message>
+    <message>
+        <source>%1 did not take the call</source>
+        <translation type="unfinished">لم يرد %1 على المكالمة</translation>
+    </message>
+    <message>
+        <source>Missed call from %1</source>
+        <translation type="unfinished">مكالمة فائتة من %1</translation>
+    </message>
+    <message>
+        <source>The reply to %1 could not be sent</source>
+        <translation type="unfinished">تعذر إرسال الرد إلى %1</translation>
     </message>
 </context>
 <context>
@@ -381,6 +507,21 @@
     </message>
 </context>
 <context>
+    <name>SimChoice</name>
+    <message>
+        <source>Call %1 with</source>
+        <translation type="unfinished">الاتصال بـ %1 عبر</translation>
+    </message>
+    <message>
+        <source>SIM %1</source>
+        <translation type="unfinished">شريحة %1</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation type="unfinished">إلغاء</translation>
+    </message>
+</context>
+<context>
     <name>Sims</name>
     <message>
         <source>Calls to this phone are barred by its management</source>
@@ -498,6 +639,10 @@
             <numerusform>بعد %n يومًا</numerusform>
             <numerusform>بعد %n يوم</numerusform>
         </translation>
+    </message>
+    <message>
+        <source>Private number</source>
+        <translation type="unfinished">رقم خاص</translation>
     </message>
 </context>
 </TS>

@@ -9,22 +9,26 @@
     </message>
 </context>
 <context>
-    <name>Call</name>
+    <name>CallRows</name>
     <message>
-        <source>Private number</source>
-        <translation type="unfinished">Unbekannte Nummer</translation>
+        <source>Other calls</source>
+        <translation type="unfinished">Andere Anrufe</translation>
     </message>
     <message>
-        <source>Calling…</source>
-        <translation type="unfinished">Wird angerufen …</translation>
+        <source>Speak alone</source>
+        <translation type="unfinished">Allein sprechen</translation>
+    </message>
+    <message>
+        <source>On hold</source>
+        <translation type="unfinished">Gehalten</translation>
+    </message>
+    <message>
+        <source>Active</source>
+        <translation type="unfinished">Aktiv</translation>
     </message>
 </context>
 <context>
     <name>CallScreen</name>
-    <message>
-        <source>The call with %1 has ended</source>
-        <translation type="unfinished">Der Anruf mit %1 ist beendet</translation>
-    </message>
     <message>
         <source>via %1</source>
         <translation type="unfinished">über %1</translation>
@@ -48,6 +52,26 @@
     <message>
         <source>End call</source>
         <translation type="unfinished">Auflegen</translation>
+    </message>
+    <message>
+        <source>Resume</source>
+        <translation type="unfinished">Fortsetzen</translation>
+    </message>
+    <message>
+        <source>Swap</source>
+        <translation type="unfinished">Wechseln</translation>
+    </message>
+    <message>
+        <source>Hold</source>
+        <translation type="unfinished">Halten</translation>
+    </message>
+    <message>
+        <source>Join</source>
+        <translation type="unfinished">Verbinden</translation>
+    </message>
+    <message>
+        <source>Add call</source>
+        <translation type="unfinished">Neuer Anruf</translation>
     </message>
 </context>
 <context>
@@ -79,6 +103,10 @@
     <message>
         <source>Close</source>
         <translation type="unfinished">Schließen</translation>
+    </message>
+    <message>
+        <source>Missed call, %1</source>
+        <translation type="unfinished">Verpasster Anruf, %1</translation>
     </message>
 </context>
 <context>
@@ -130,10 +158,6 @@
 <context>
     <name>IncomingScreen</name>
     <message>
-        <source>Private number</source>
-        <translation type="unfinished">Unbekannte Nummer</translation>
-    </message>
-    <message>
         <source>Incoming call from %1</source>
         <translation type="unfinished">Eingehender Anruf von %1</translation>
     </message>
@@ -172,6 +196,88 @@
     <message>
         <source>Answer</source>
         <translation type="unfinished">Annehmen</translation>
+    </message>
+    <message>
+        <source>Waiting call</source>
+        <translation type="unfinished">Wartender Anruf</translation>
+    </message>
+    <message>
+        <source>Answering holds the call with %1</source>
+        <translation type="unfinished">Annehmen hält den Anruf mit %1</translation>
+    </message>
+    <message>
+        <source>End the other</source>
+        <translation type="unfinished">Anderen beenden</translation>
+    </message>
+    <message>
+        <source>End the other call and answer</source>
+        <translation type="unfinished">Den anderen Anruf beenden und annehmen</translation>
+    </message>
+</context>
+<context>
+    <name>Line</name>
+    <message>
+        <source>The telephony does not answer</source>
+        <translation type="unfinished">Die Telefonie antwortet nicht</translation>
+    </message>
+    <message>
+        <source>The telephony does not run</source>
+        <translation type="unfinished">Die Telefonie läuft nicht</translation>
+    </message>
+    <message>
+        <source>This phone has no telephony</source>
+        <translation type="unfinished">Dieses Telefon hat keine Telefonie</translation>
+    </message>
+    <message>
+        <source>Conference</source>
+        <translation type="unfinished">Konferenz</translation>
+    </message>
+    <message>
+        <source>On hold by the other side</source>
+        <translation type="unfinished">Von der Gegenseite gehalten</translation>
+    </message>
+    <message>
+        <source>On hold</source>
+        <translation type="unfinished">Gehalten</translation>
+    </message>
+    <message>
+        <source>Ringing…</source>
+        <translation type="unfinished">Es klingelt …</translation>
+    </message>
+    <message>
+        <source>Calling…</source>
+        <translation type="unfinished">Wird angerufen …</translation>
+    </message>
+</context>
+<context>
+    <name>NetworkDialog</name>
+    <message>
+        <source>Asking the network…</source>
+        <translation type="unfinished">Das Netz wird gefragt …</translation>
+    </message>
+    <message>
+        <source>The network says</source>
+        <translation type="unfinished">Das Netz meldet</translation>
+    </message>
+    <message>
+        <source>Done</source>
+        <translation type="unfinished">Erledigt</translation>
+    </message>
+    <message>
+        <source>Reply to the network</source>
+        <translation type="unfinished">Antwort an das Netz</translation>
+    </message>
+    <message>
+        <source>Send</source>
+        <translation type="unfinished">Senden</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation type="unfinished">Schließen</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation type="unfinished">Abbrechen</translation>
     </message>
 </context>
 <context>
@@ -253,6 +359,26 @@
     <message>
         <source>Declined %1</source>
         <translation type="unfinished">%1 abgelehnt</translation>
+    </message>
+    <message>
+        <source>Replying to %1…</source>
+        <translation type="unfinished">Antwort an %1 …</translation>
+    </message>
+    <message>
+        <source>The call with %1 has ended</source>
+        <translation type="unfinished">Der Anruf mit %1 ist beendet</translation>
+    </message>
+    <message>
+        <source>%1 did not take the call</source>
+        <translation type="unfinished">%1 hat den Anruf nicht angenommen</translation>
+    </message>
+    <message>
+        <source>Missed call from %1</source>
+        <translation type="unfinished">Verpasster Anruf von %1</translation>
+    </message>
+    <message>
+        <source>The reply to %1 could not be sent</source>
+        <translation type="unfinished">Die Antwort an %1 konnte nicht gesendet werden</translation>
     </message>
 </context>
 <context>
@@ -369,6 +495,21 @@
     </message>
 </context>
 <context>
+    <name>SimChoice</name>
+    <message>
+        <source>Call %1 with</source>
+        <translation type="unfinished">%1 anrufen mit</translation>
+    </message>
+    <message>
+        <source>SIM %1</source>
+        <translation type="unfinished">SIM %1</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation type="unfinished">Abbrechen</translation>
+    </message>
+</context>
+<context>
     <name>Sims</name>
     <message>
         <source>Calls to this phone are barred by its management</source>
@@ -474,6 +615,10 @@
             <numerusform>in %n Tag</numerusform>
             <numerusform>in %n Tagen</numerusform>
         </translation>
+    </message>
+    <message>
+        <source>Private number</source>
+        <translation type="unfinished">Unbekannte Nummer</translation>
     </message>
 </context>
 </TS>

@@ -63,7 +63,7 @@ Section {
         Act {
             objectName: "incoming"
             text: "Incoming call"
-            onClicked: panel.run(["open", "incoming:" + encodeURIComponent(number.text)])
+            onClicked: panel.run(["ring", number.text])
         }
     }
     RowLayout {

@@ -20,6 +20,7 @@ Places Places::find()
             place("phone", PARLEY_INSTALLED_LIB "/parley-handset"),
             place("screens", PARLEY_INSTALLED_SCREENS "/main.qml"),
             place("translations", PARLEY_INSTALLED_TRANSLATIONS),
+            place("modules", ""),
             place("kit", PARLEY_INSTALLED_LIB "/parley-handset/kit"),
             place("tour", PARLEY_INSTALLED_DATA "/parley-handset/tour")};
 }

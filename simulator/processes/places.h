@@ -15,6 +15,7 @@ struct Places
     QString phone; ///< The folder of the plugin that is the display of the phone.
     QString screens; ///< The QML file of the call screens.
     QString translations; ///< The folder of the catalogues of texts.
+    QString modules; ///< The folder of the QML modules of the screens, unless Qt finds them itself.
     QString kit; ///< The folder of the QML modules for authors of screens.
     QString tour; ///< The script of the tour.
 

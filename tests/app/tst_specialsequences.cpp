@@ -191,19 +191,19 @@ void TestSpecialSequences::costLittleByTheTenThousand()
     }
     std::sort(ratios.begin(), ratios.end());
     const double median = ratios.at(ratios.size() / 2);
-    qInfo("the demo screens are drawn after %.2f times as long (median of %d pairs, %.2f to %.2f)",
+    qInfo("the screens are drawn after %.2f times as long (median of %d pairs, %.2f to %.2f)",
           median, ratios.size(), ratios.constFirst(), ratios.constLast());
     QVERIFY(median < 2);
 }
 
-/// Returns the milliseconds from the start of the process to the first frame of the demo screens.
+/// Returns the milliseconds from the start of the process to the first frame of the screens.
 double TestSpecialSequences::startUp(UiUnderTest &ui)
 {
     const QString screens = ui.writeFile(
         u"screens.qml"_s,
         "import QtQuick 2.15\n"
         "Item {\n"
-        "    Loader { anchors.fill: parent; source: 'file://" PARLEY_DEMO_QML "' }\n"
+        "    Loader { anchors.fill: parent; source: 'file://" PARLEY_SCREENS_QML "' }\n"
         "    Connections {\n"
         "        property bool drawn: false\n"
         "        target: __window\n"

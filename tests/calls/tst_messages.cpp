@@ -29,6 +29,7 @@ private Q_SLOTS:
     void cleanup() override;
 
     void areSent();
+    void areSentBeforeTheAnswer();
     void fail();
     void failAtOnce_data();
     void failAtOnce();
@@ -118,6 +119,23 @@ void TestMessages::areSent()
     QTRY_COMPARE(m_sent->count(), 1);
     QCOMPARE(m_messages->count(), 0);
     QCOMPARE(m_sent->at(0).at(0).toMap().value(u"messageId"_s).toInt(), id);
+}
+
+/// The answer may be delivered after the signals that follow it.
+void TestMessages::areSentBeforeTheAnswer()
+{
+    start();
+    m_messages->send(u"111"_s, u"text"_s);
+    const QDBusMessage call = m_ofono->next(u"SendMessage"_s);
+    m_ofono->change(u"/ril_0/message_2"_s, messageInterface, u"State"_s, u"failed"_s);
+    m_ofono->change(path, messageInterface, u"State"_s, u"sent"_s);
+    m_ofono->emitSignal(u"org.ofono.MessageManager"_s, u"MessageRemoved"_s,
+                        {QVariant::fromValue(QDBusObjectPath(path))}, modem);
+    m_ofono->settle();
+    QCOMPARE(m_sent->count(), 0);
+    take(call);
+    QTRY_COMPARE(m_sent->count(), 1);
+    QCOMPARE(m_messages->count(), 0);
 }
 
 void TestMessages::fail()

@@ -175,7 +175,8 @@ QString WaylandDisplay::start()
                 return u"%1 cannot be given away"_s.arg(path);
         }
         // Not every machine lets this user write to the folder of shared memory. The compositor
-        // has capabilities, so no signal of a parent's death reaches it: it ends with its namespace.
+        // has capabilities, so no signal of a parent's death reaches it: it ends with its
+        // namespace.
         const QString asNobody =
             u"bwrap --die-with-parent --unshare-pid --dev-bind / / --perms 1777 --tmpfs /dev/shm"
             " setpriv --reuid=%1 --regid=%1 --clear-groups"_s.arg(nobody);

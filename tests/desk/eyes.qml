@@ -3,10 +3,10 @@
 
 import QtQuick 2.15
 import QtQuick.Window 2.15
-import "../../demo"
-import "../../demo/focus.js" as Focus
+import "../../screens"
+import "../../screens/focus.js" as Focus
 
-// The demo's screens without their animations, as large as the display. Whenever a frame shows something else than the frame
+// The screens without their animations, as large as the display. Whenever a frame shows something else than the frame
 // before, it reports the texts that can be read, with their places and colours, and the number of
 // items that the keyboard can reach.
 Item {
@@ -68,6 +68,6 @@ Item {
     Loader {
         anchors.fill: parent
         focus: true
-        source: "../../demo/main.qml"
+        source: "../../screens/main.qml"
     }
 }

@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 
 import QtQuick 2.15
-import "../../demo"
+import "../../screens"
 
-// The demo's screens below a plain colour, which a picture of the display is searched for.
+// The screens below a plain colour, which a picture of the display is searched for.
 Item {
     height: 640
     width: 360
@@ -14,7 +14,7 @@ Item {
     Loader {
         anchors.fill: parent
         focus: true
-        source: "../../demo/main.qml"
+        source: "../../screens/main.qml"
     }
 
     Rectangle {

@@ -3,8 +3,8 @@
 
 import QtQuick 2.15
 import com.nimbo.parley 1.0
-import "../../demo"
-import "../../demo/text.js" as Words
+import "../../screens"
+import "../../screens/text.js" as Words
 
 // The status bar and the sheet of reminders, which follow the clock. Evaluates expressions for a
 // test.

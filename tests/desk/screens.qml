@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 
 import QtQuick 2.15
-import "../../demo"
+import "../../screens"
 
-// The demo's screens without their animations. Whenever a frame shows named items at other places
+// The screens without their animations. Whenever a frame shows named items at other places
 // than the frame before, it reports the places of all: rectangles of the display, by name. It also
 // reports which of them has the keyboard focus.
 Item {
@@ -60,6 +60,6 @@ Item {
     Loader {
         anchors.fill: parent
         focus: true
-        source: "../../demo/main.qml"
+        source: "../../screens/main.qml"
     }
 }

@@ -54,7 +54,7 @@ private Q_SLOTS:
     void swapsASim();
 
 private:
-    bool startDemo();
+    bool startScreens();
     QRect placeOnPhone(const QString &name) const;
     bool clickOnPhone(const QString &name);
     bool giveKeyboardToPhone();
@@ -64,7 +64,7 @@ private:
 };
 
 /// The panel opens beside the phone, not over it.
-bool TestDesk::startDemo()
+bool TestDesk::startScreens()
 {
     return start(QStringLiteral(PARLEY_DESK_SCREENS)) && clickInPanel(u"show"_s)
         && prints(u"ui: screen: dial pad"_s)
@@ -130,7 +130,7 @@ bool TestDesk::printsLike(const QString &pattern)
 
 void TestDesk::dialsOnThePad()
 {
-    QVERIFY(startDemo());
+    QVERIFY(startScreens());
     QVERIFY(giveKeyboardToPhone());
     for (const QString &key : {u"key 5"_s, u"key 2"_s, u"key 5"_s})
         QVERIFY(clickOnPhone(key));
@@ -141,7 +141,7 @@ void TestDesk::dialsOnThePad()
 
 void TestDesk::setsAReminder()
 {
-    QVERIFY(startDemo());
+    QVERIFY(startScreens());
     QVERIFY(fillInPanel(u"number"_s, u"5550123"_s));
     QVERIFY(clickInPanel(u"contact"_s));
     QVERIFY(prints(u"ui: screen: contact 5550123"_s));
@@ -158,7 +158,7 @@ void TestDesk::setsAReminder()
 /// On the phone, and in the panel.
 void TestDesk::editsAQuickReply()
 {
-    QVERIFY(startDemo());
+    QVERIFY(startScreens());
     QVERIFY(fillInPanel(u"url"_s, u"replies:"_s));
     QVERIFY(clickInPanel(u"open"_s));
     QVERIFY(prints(u"ui: screen: replies"_s));
@@ -182,7 +182,7 @@ void TestDesk::editsAQuickReply()
 
 void TestDesk::clicksANotification()
 {
-    QVERIFY(startDemo());
+    QVERIFY(startScreens());
     QVERIFY(clickInPanel(u"remind"_s));
     QVERIFY(prints(u"reply: alarm 1, notification 1"_s));
     QTRY_VERIFY(isShown(u"left 1"_s)); // It moves the notification.
@@ -195,7 +195,7 @@ void TestDesk::clicksANotification()
 
 void TestDesk::swapsASim()
 {
-    QVERIFY(startDemo());
+    QVERIFY(startScreens());
     QVERIFY(clickInPanel(u"insert /ril_0"_s));
     QVERIFY(prints(u"sims: SIM 262010000000001 is in /ril_0"_s));
     QVERIFY(prints(u"ui: sims: 1"_s));

@@ -5,6 +5,8 @@
 #include "display.h"
 #include "literals.h"
 #include "screenreader.h"
+#include "scriptedservice.h"
+#include "simulatedtelephony.h"
 #include "uiundertest.h"
 
 #include <QColor>
@@ -41,35 +43,89 @@ struct SeenText
 /// How a screen is asked for, and the description with which it answers.
 struct Request
 {
-    QString method;
-    QVariantList arguments;
+    using Step = std::function<bool(UiUnderTest &, const SimulatedTelephony &)>;
+
+    QVector<Step> steps;
     QString summary;
 };
 
+Request::Step calling(const QString &method, const QVariantList &arguments = {})
+{
+    return [=](UiUnderTest &ui, const SimulatedTelephony &) {
+        return ui.call(method, arguments).type() == QDBusMessage::ReplyMessage;
+    };
+}
+
 Request opening(const QString &url, const QString &summary)
 {
-    return {u"openUrl"_s, {QStringList{url}}, summary};
+    return {{calling(u"openUrl"_s, {QStringList{url}})}, summary};
+}
+
+Request::Step ringing(const QString &number)
+{
+    return
+        [=](UiUnderTest &, const SimulatedTelephony &telephony) { return telephony.ring(number); };
+}
+
+Request::Step remote(const QString &action)
+{
+    return [=](UiUnderTest &, const SimulatedTelephony &telephony) {
+        return telephony.remote(action);
+    };
+}
+
+Request::Step managing(const QString &method)
+{
+    return [=](UiUnderTest &, const SimulatedTelephony &telephony) {
+        return telephony.manage(method);
+    };
+}
+
+/// Waits for a line of the log.
+Request::Step showing(const QString &summary)
+{
+    return [=](UiUnderTest &ui, const SimulatedTelephony &) {
+        return ui.logs(u"screens: screen: "_s + summary);
+    };
 }
 
 const QVector<Request> &requests()
 {
+    const QVector<Request::Step> dialled{calling(u"dial"_s, {u"+49 30 1234567"_s}),
+                                         showing(u"calling +49301234567"_s)};
+    const QVector<Request::Step> answered{
+        // The modem tells the screens before the stack has the call.
+        [](UiUnderTest &, const SimulatedTelephony &telephony) {
+            return QTest::qWaitFor([&] { return telephony.remote(u"answer"_s); }, patience);
+        },
+        showing(u"ongoing +49301234567"_s)};
+    const QVector<Request::Step> waiting{ringing(u"5550199"_s)};
+    const QVector<Request::Step> both =
+        dialled + answered + waiting + QVector<Request::Step>{managing(u"HoldAndAnswer"_s)};
     static const QVector<Request> all{
         opening(u"tel:555*1"_s, u"dial pad 555*1"_s),
-        opening(u"incoming:5550145"_s, u"incoming 5550145"_s),
+        {{ringing(u"5550145"_s)}, u"incoming 5550145"_s},
+        {{ringing(u"5550145"_s), showing(u"incoming 5550145"_s), remote(u"hangup"_s)},
+         u"missed 5550145"_s},
         opening(u"replies:"_s, u"replies"_s),
         opening(u"https://example.org/voicemail"_s, u"page https://example.org/voicemail"_s),
         opening(u"reminders:"_s, u"reminders: none"_s),
-        {u"openContactCard"_s, {u"5550123"_s}, u"contact 5550123"_s},
+        {{calling(u"openContactCard"_s, {u"5550123"_s})}, u"contact 5550123"_s},
         opening(u"remind:5550123"_s, u"remind 5550123"_s),
-        {u"showCellularErrorDialog"_s, {}, u"cellular error"_s},
-        {u"dial"_s, {u"+49 30 1234567"_s}, u"ongoing +49 30 1234567"_s},
+        {{calling(u"showCellularErrorDialog"_s)}, u"cellular error"_s},
+        {dialled, u"calling +49301234567"_s},
+        {dialled + answered, u"ongoing +49301234567"_s},
+        {dialled + answered + waiting, u"waiting 5550199"_s},
+        {both, u"ongoing 5550199; held +49301234567"_s},
+        {both + QVector<Request::Step>{managing(u"CreateMultiparty"_s)},
+         u"conference +49301234567, 5550199"_s},
     };
     return all;
 }
 
 } // namespace
 
-/// The demo's screens for eyes that see little or nothing, on displays of every shape, and in other
+/// The screens for eyes that see little or nothing, on displays of every shape, and in other
 /// languages.
 class TestEyes : public QObject
 {
@@ -92,6 +148,7 @@ private Q_SLOTS:
 
 private:
     bool start(const QSize &size, const QMap<QString, QString> &environment = {});
+    bool startScreens(const QSize &size, const QMap<QString, QString> &environment = {});
     bool request(const Request &wanted);
     bool show(const QString &summary);
     void readReports();
@@ -104,27 +161,39 @@ private:
 
     std::unique_ptr<XDisplay> m_display;
     std::unique_ptr<UiUnderTest> m_ui;
+    std::unique_ptr<SimulatedTelephony> m_telephony;
+    bool m_isTranslated = false;
     QJsonObject m_seen; ///< What the screens have reported last.
 };
 
 void TestEyes::cleanup()
 {
+    m_telephony.reset();
     m_ui.reset();
     m_display.reset();
     m_seen = {};
+    m_isTranslated = false;
 }
 
+/// Starts the screens with telephony.
 bool TestEyes::start(const QSize &size, const QMap<QString, QString> &environment)
+{
+    if (!m_ui)
+        m_ui = std::make_unique<UiUnderTest>();
+    m_telephony = std::make_unique<SimulatedTelephony>(*m_ui);
+    return m_telephony->start() && startScreens(size, environment)
+        && m_ui->logs(u"screens: telephony: ready"_s);
+}
+
+bool TestEyes::startScreens(const QSize &size, const QMap<QString, QString> &environment)
 {
     m_display = std::make_unique<XDisplay>(size);
     if (const QString error = m_display->start(); !error.isEmpty()) {
         qWarning("%s", qUtf8Printable(error));
         return false;
     }
-    if (!m_ui) {
-        m_ui = std::make_unique<UiUnderTest>();
+    if (!m_isTranslated)
         m_ui->hideCatalogues();
-    }
     for (const auto &variables : {m_display->environment(), environment}) {
         for (auto it = variables.cbegin(); it != variables.cend(); ++it)
             m_ui->setEnvironment(it.key(), it.value());
@@ -143,16 +212,22 @@ void TestEyes::readReports()
     }
 }
 
-/// Asks for a screen, and waits until a frame shows it.
+/// Asks for a screen, and waits until a frame shows it. Before, there is no call, and another
+/// screen, so that the screens log what they show.
 bool TestEyes::request(const Request &wanted)
 {
-    m_ui->call(wanted.method, wanted.arguments);
-    return QTest::qWaitFor(
-        [&] {
-            readReports();
-            return m_seen.value(u"summary"_s) == wanted.summary;
-        },
-        patience);
+    if (!m_telephony->endAll() || !calling(u"openContactCard"_s, {u"1"_s})(*m_ui, *m_telephony)
+        || !std::all_of(wanted.steps.cbegin(), wanted.steps.cend(),
+                        [this](const auto &step) { return step(*m_ui, *m_telephony); }))
+        return false;
+    const auto isSeen = [&] {
+        readReports();
+        return m_seen.value(u"summary"_s) == wanted.summary;
+    };
+    if (QTest::qWaitFor(isSeen, patience))
+        return true;
+    qWarning("The screen is: %s", qUtf8Printable(m_seen.value(u"summary"_s).toString()));
+    return false;
 }
 
 /// Asks for the screen that describes itself like this.
@@ -242,9 +317,27 @@ void TestEyes::tellsAScreenReader_data()
                                              u"Tomorrow morning"_s, u"Close"_s};
     QTest::newRow("error") << u"cellular error"_s << u"Cellular network unavailable"_s
                            << QStringList{u"OK"_s};
-    QTest::newRow("call") << u"ongoing +49 30 1234567"_s << u"+49 30 1234567"_s
-                          << QStringList{u"Mute"_s, u"Keypad"_s, u"Speaker"_s, u"Remind me"_s,
-                                         u"End call"_s};
+    QTest::newRow("missed call") << u"missed 5550145"_s << u"Contact card of 5550145"_s
+                                 << QStringList{u"Call"_s, u"Remind me"_s, u"Close"_s};
+    QTest::newRow("call") << u"ongoing +49301234567"_s << u"+49301234567"_s
+                          << QStringList{u"Hold"_s,    u"Add call"_s,  u"Mute"_s,    u"Keypad"_s,
+                                         u"Speaker"_s, u"Remind me"_s, u"End call"_s};
+    QTest::newRow("waiting call") << u"waiting 5550199"_s << u"Incoming call from 5550199"_s
+                                  << QStringList{u"parley-me-please_call_later"_s,
+                                                 u"parley-me-cant_talk_at_the_moment"_s,
+                                                 u"parley-me-will_call_back"_s,
+                                                 u"Decline"_s,
+                                                 u"Remind me"_s,
+                                                 u"End the other call and answer"_s,
+                                                 u"Answer"_s};
+    QTest::newRow("two calls") << u"ongoing 5550199; held +49301234567"_s << u"5550199"_s
+                               << QStringList{u"+49301234567"_s, u"Swap"_s,      u"Join"_s,
+                                              u"Add call"_s,     u"Mute"_s,      u"Keypad"_s,
+                                              u"Speaker"_s,      u"Remind me"_s, u"End call"_s};
+    QTest::newRow("conference") << u"conference +49301234567, 5550199"_s << u"Conference"_s
+                                << QStringList{u"+49301234567"_s, u"5550199"_s,   u"Hold"_s,
+                                               u"Add call"_s,     u"Mute"_s,      u"Keypad"_s,
+                                               u"Speaker"_s,      u"Remind me"_s, u"End call"_s};
 }
 
 /// Everything that the keyboard reaches is a control with a role and a name, and nothing else is.
@@ -272,26 +365,38 @@ void TestEyes::tellsAScreenReader()
 void TestEyes::obeysAScreenReader()
 {
     QVERIFY(start(phoneSize));
+    ScriptedService audio(m_ui->sessionBus().address(), u"org.mobian_project.CallAudio"_s,
+                          u"/org/mobian_project/CallAudio"_s);
     const ScreenReader reader(m_ui->sessionBus().address());
     QVERIFY(show(u"dial pad 555*1"_s));
     for (const QString &name : {u"7"_s, u"Star"_s, u"Erase"_s, u"Call"_s}) {
         QTRY_VERIFY2(find(reader, name).isControl(), qUtf8Printable(name));
         QVERIFY(reader.act(find(reader, name)));
     }
-    QVERIFY(m_ui->logs(u"qml: screen: calling 555*17"_s));
+    QVERIFY(m_ui->logs(u"screens: screen: calling 555*17"_s));
     QTRY_COMPARE(find(reader, u"Mute"_s).role, u"push button"_s);
     QVERIFY(!find(reader, u"Mute"_s).isChecked);
     QVERIFY(reader.act(find(reader, u"Mute"_s)));
     QTRY_VERIFY(find(reader, u"Mute"_s).isChecked);
+    const QDBusMessage voice = audio.next(u"SelectMode"_s);
+    QCOMPARE(voice.arguments(), QVariantList({1U}));
+    audio.reply(voice, {true});
+    const QDBusMessage mute = audio.next(u"MuteMic"_s);
+    QCOMPARE(mute.arguments(), QVariantList({true}));
+    audio.fail(mute, u"org.mobian_project.CallAudio.Error"_s, u"no microphone"_s);
+    QTRY_VERIFY(!find(reader, u"Mute"_s).isChecked);
 }
 
 void TestEyes::saysThatNoTelephonyAnswers()
 {
-    QVERIFY(start(phoneSize));
+    m_ui = std::make_unique<UiUnderTest>();
+    m_ui->setEnvironment(u"QML2_IMPORT_PATH"_s, qEnvironmentVariable("PARLEY_QML_MODULES"));
+    QVERIFY(startScreens(phoneSize));
     const auto says = [this](const QString &text) {
         readReports();
         return placeOf(text).isValid();
     };
+    QTRY_VERIFY_WITH_TIMEOUT(says(u"The telephony does not run"_s), patience);
     QTRY_VERIFY_WITH_TIMEOUT(says(u"No telephony answers"_s), patience);
     QVERIFY(!says(u"Checking SIMs…"_s));
 }
@@ -423,8 +528,8 @@ bool TestEyes::translate(const QString &folder) const
 {
     const QString source = folder + u"/texts.ts"_s;
     if (QProcess::execute(QStringLiteral(PARLEY_LUPDATE),
-                          {u"-silent"_s, QStringLiteral(PARLEY_DEMO_FOLDER), u"-target-language"_s,
-                           u"de"_s, u"-ts"_s, source})
+                          {u"-silent"_s, QStringLiteral(PARLEY_SCREENS_SOURCES),
+                           u"-target-language"_s, u"de"_s, u"-ts"_s, source})
         != 0)
         return false;
     QFile file(source);
@@ -458,6 +563,7 @@ void TestEyes::isTranslated()
     const QString folder = m_ui->folder() + u"/translations"_s;
     QVERIFY(QDir().mkpath(folder) && translate(folder));
     m_ui->sandbox().place(u"/usr/share/translations"_s, folder);
+    m_isTranslated = true;
     QVERIFY(start(phoneSize, {{u"LC_ALL"_s, u"de_DE.UTF-8"_s}}));
     const ScreenReader reader(m_ui->sessionBus().address());
     const QRegularExpression data(

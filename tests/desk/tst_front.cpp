@@ -3,6 +3,7 @@
 
 #include "display.h"
 #include "literals.h"
+#include "simulatedtelephony.h"
 #include "uiundertest.h"
 
 #include <QColor>
@@ -41,7 +42,7 @@ int pixelsOf(const QSize &size)
 
 } // namespace
 
-/// The demo's screens on a display, with the window of another process. Each has one colour.
+/// The screens on a display, with the window of another process. Each has one colour.
 class TestFront : public QObject
 {
     Q_OBJECT
@@ -67,6 +68,7 @@ private:
 
     std::unique_ptr<Display> m_display;
     std::unique_ptr<UiUnderTest> m_ui;
+    std::unique_ptr<SimulatedTelephony> m_telephony;
     std::unique_ptr<UiUnderTest> m_other;
 };
 
@@ -82,10 +84,13 @@ void TestFront::init()
     m_ui = std::make_unique<UiUnderTest>();
     m_other = std::make_unique<UiUnderTest>();
     QVERIFY(m_ui->isValid() && m_other->isValid());
+    m_telephony = std::make_unique<SimulatedTelephony>(*m_ui);
+    QVERIFY(m_telephony->start());
 }
 
 void TestFront::cleanup()
 {
+    m_telephony.reset();
     m_ui.reset();
     m_other.reset();
     m_display.reset();
@@ -133,8 +138,9 @@ void TestFront::comesAndGoesWithACall()
     QFETCH(QSize, size);
 
     QVERIFY(startScreens(*m_ui, u"/front.qml"_s, {u"-prestart"_s}));
+    QVERIFY(m_ui->logs(u"screens: telephony: ready"_s));
     QVERIFY(cover());
-    QVERIFY(request(u"openUrl"_s, QStringList{u"incoming:5550145"_s}));
+    QVERIFY(m_telephony->ring(u"5550145"_s));
     QVERIFY(shows(screensColor, size));
     QVERIFY(request(u"openUrl"_s, QStringList{u"replies:send?index=0"_s}));
     QVERIFY(shows(coverColor, displaySize));
@@ -154,6 +160,7 @@ void TestFront::goesWhenTheHomeScreenEndsTheCall()
         QSKIP("Only root and the home screen may end a call.");
 
     QVERIFY(startScreens(*m_ui, u"/front.qml"_s, {u"-prestart"_s}));
+    QVERIFY(m_ui->logs(u"screens: telephony: ready"_s));
     QVERIFY(cover());
     QVERIFY(request(u"dial"_s, u"5551234"_s));
     QVERIFY(shows(screensColor, size));
@@ -174,14 +181,15 @@ void TestFront::comesFromBehindAnotherWindow()
     QFETCH(QSize, size);
 
     QVERIFY(startScreens(*m_ui, u"/front.qml"_s, {u"-prestart"_s}));
+    QVERIFY(m_ui->logs(u"screens: telephony: ready"_s));
     QVERIFY(request(u"show"_s, QStringList()));
     QVERIFY(shows(screensColor, size));
     QVERIFY(cover());
-    QVERIFY(request(u"openUrl"_s, QStringList{u"incoming:5550145"_s}));
+    QVERIFY(m_telephony->ring(u"5550145"_s));
     QVERIFY(shows(screensColor, size));
     m_ui->takeLog();
     QVERIFY(request(u"openUrl"_s, QStringList{u"replies:send?index=0"_s}));
-    QVERIFY(m_ui->logs(u"qml: screen: dial pad: Replied to 5550145"_s));
+    QVERIFY(m_ui->logs(u"screens: screen: dial pad: Replied to 5550145"_s));
     QVERIFY(shows(screensColor, size));
 }
 

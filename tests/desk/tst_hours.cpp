@@ -74,7 +74,7 @@ public:
                     return new Date(year, month - 1, day, hours, minutes);
                 }
             })",
-                          QUrl::fromLocalFile(QStringLiteral(PARLEY_DEMO_FOLDER "/")));
+                          QUrl::fromLocalFile(QStringLiteral(PARLEY_SCREENS_SOURCES "/")));
         m_words.reset(component.create());
         if (!m_words)
             qFatal("%s", qUtf8Printable(component.errorString()));

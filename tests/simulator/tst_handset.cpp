@@ -258,7 +258,7 @@ void TestHandset::playsTheTour()
     setVariable(u"LC_ALL"_s, u"de_DE.UTF-8"_s); // It checks texts in English all the same.
     start({u"--tour"_s});
     QVERIFY2(ends(0), qUtf8Printable(m_output));
-    QVERIFY(says(u"ui: screen: ongoing \\+49 30 1234567"_s));
+    QVERIFY(says(u"ui: screen: ongoing \\+49301234567"_s));
     QCOMPARE(m_output.contains(u"skipped: "_s), geteuid() != 0);
 }
 
@@ -290,18 +290,22 @@ void TestHandset::runsAScript()
                        "open https://example.org https://example.com\n"
                        "expect screen: page https://example.org https://example.com\n"
                        "dial \"\"\nexpect screen: dial pad\n"
-                       "dial-via /ril_0 \"+1 555\"\nexpect screen: calling +1 555 via /ril_0\n"
+                       "sim insert 26201\nexpect sims: 1\nexpect telephony: ready\n"
+                       "dial-via /ril_0 \"+1 555\"\nexpect screen: calling +1555 via /ril_0\n"
                        "ongoing\nerror-dialog\nexpect screen: cellular error\n"
-                       "contact 555\nexpect screen: contact 555\n"
-                       "toggle\ntoggle\nexpect screen: dial pad: No call to answer or end\n")});
+                       "contact 555\nexpect screen: contact 555\nexpect /ril_0 dials +1555\n"
+                       "toggle\nexpect +1555 on /ril_0 has ended (local)\n"
+                       "toggle\nexpect screen: dial pad: No call to answer or end\n")});
     QVERIFY2(ends(0), qUtf8Printable(m_output));
 }
 
 /// A saved session, with all that was printed, is a script.
 void TestHandset::runsATranscript()
 {
-    const QByteArray commands = "dial \"+1 555\"\nexpect screen: calling +1 555\n"
-                                "expect \"screen: ongoing *\"\ntoggle\n# Then\nshow\n";
+    const QByteArray commands =
+        "sim insert 26201\nexpect sims: 1\n"
+        "dial \"+1 555\"\nexpect screen: calling +1555\nexpect /ril_0 dials +1555\nremote answer\n"
+        "expect \"screen: ongoing *\"\ntoggle\n# Then\nshow\n";
     start({u"--script"_s, writeScript(commands)});
     QVERIFY2(ends(0), qUtf8Printable(m_output));
     const QByteArray transcript = m_output.toUtf8();

@@ -4,30 +4,38 @@
 import QtQuick 2.15
 import "."
 
+/// A box above all screens, which the user has to answer.
 Rectangle {
     id: dialog
 
     property bool open: false
-    readonly property string summary: "cellular error"
+    /// What a screen reader calls it.
+    property string title
+    property string summary
+    property alias icon: picture.name
+    property alias heading: heading.text
+    property alias text: body.text
+    /// What is below the text.
+    default property alias content: extra.data
+
+    signal closeRequested()
 
     Accessible.focusable: true
     Accessible.ignored: !enabled
-    Accessible.name: heading.text
+    Accessible.name: title
     Accessible.role: Accessible.Dialog
 
+    anchors.fill: parent
     color: Style.shade
     enabled: open
     opacity: open ? 1 : 0
+    title: heading.text
     visible: open || opacity > 0
 
     Behavior on opacity { NumberAnimation { duration: Style.duration } }
 
-    Keys.onPressed: {
-        if ([Qt.Key_Return, Qt.Key_Enter, Qt.Key_Space, Qt.Key_Escape].indexOf(event.key) < 0)
-            return;
-        open = false;
-        event.accepted = true;
-    }
+    Keys.onEscapePressed: closeRequested()
+    onCloseRequested: open = false
 
     MouseArea {
         anchors.fill: parent
@@ -38,7 +46,7 @@ Rectangle {
         border.color: Style.outline
         border.width: Math.max(1, Style.px(1))
         color: Style.surface
-        height: content.height + Style.px(48)
+        height: column.height + Style.px(48)
         radius: Style.px(20)
         scale: dialog.open ? 1 : 0.95
         width: Style.px(304)
@@ -46,7 +54,7 @@ Rectangle {
         Behavior on scale { NumberAnimation { duration: Style.duration } }
 
         Column {
-            id: content
+            id: column
 
             anchors.left: parent.left
             anchors.margins: Style.px(24)
@@ -55,10 +63,12 @@ Rectangle {
             spacing: Style.px(12)
 
             Icon {
+                id: picture
+
                 anchors.horizontalCenter: parent.horizontalCenter
-                color: Style.alert
-                name: "network"
+                color: Style.accent
                 size: 40
+                visible: name !== ""
             }
 
             Label {
@@ -66,30 +76,29 @@ Rectangle {
 
                 font.bold: true
                 size: 17
-                text: qsTr("Cellular network unavailable")
+                visible: text !== ""
                 width: parent.width
                 wrapMode: Text.Wrap
             }
 
             Label {
+                id: body
+
                 color: Style.dimText
                 lineHeight: 1.15
+                maximumLineCount: 10
                 size: 14
-                text: qsTr("Calls cannot be made now. Check the SIM card and the network settings, "
-                           + "and try again.")
+                visible: text !== ""
                 width: parent.width
                 wrapMode: Text.Wrap
             }
 
-            Item {
-                height: Style.px(4)
-                width: 1
-            }
+            Column {
+                id: extra
 
-            PillButton {
-                text: qsTr("OK")
+                spacing: Style.px(8)
+                topPadding: Style.px(4)
                 width: parent.width
-                onClicked: dialog.open = false
             }
         }
     }

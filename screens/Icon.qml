@@ -142,6 +142,23 @@ Canvas {
             icon.line(pen, [12, 5, 12, 19]);
             icon.line(pen, [5, 12, 19, 12]);
         },
+        "hold": function(pen) {
+            icon.line(pen, [8.5, 5.5, 8.5, 18.5]);
+            icon.line(pen, [15.5, 5.5, 15.5, 18.5]);
+        },
+        "resume": function(pen) {
+            icon.line(pen, [8, 5.5, 18, 12, 8, 18.5, 8, 5.5]);
+            pen.fill();
+        },
+        "swap": function(pen) {
+            icon.line(pen, [4, 8.5, 19, 8.5, 15, 4.5]);
+            icon.line(pen, [20, 15.5, 5, 15.5, 9, 19.5]);
+        },
+        "join": function(pen) {
+            icon.line(pen, [5, 4, 12, 11.5, 12, 20]);
+            icon.line(pen, [19, 4, 12, 11.5]);
+            icon.line(pen, [8.5, 16.5, 12, 20, 15.5, 16.5]);
+        },
         "check": function(pen) {
             icon.line(pen, [4.5, 12.5, 9.8, 18, 19.5, 6.5]);
         },

@@ -21,6 +21,24 @@ function isolated(text) {
     return isRightToLeft() ? "\u2068" + text + "\u2069" : text;
 }
 
+// The other side of a call: the name that the network gives, in whatever direction it is written, or
+// the number.
+function caller(call) {
+    if (call !== null && call.name)
+        return "\u2068" + call.name + "\u2069";
+    return call !== null && call.number !== "" ? display(call.number) : qsTr("Private number");
+}
+
+// Removes what people write between the digits of a number.
+function plainNumber(text) {
+    return text.replace(/[-.()\/ ]/g, "");
+}
+
+// Whether the network is to be asked, as by *100#.
+function isRequest(number) {
+    return /^[*#].*#$/.test(number);
+}
+
 // Replaces the plain asterisk, which sits too high beside digits.
 function display(number) {
     return number.replace(/\*/g, "\u2217");
@@ -105,6 +123,8 @@ function isEmergency(number) {
 }
 
 function duration(milliseconds) {
+    if (isNaN(milliseconds))
+        return "";
     var seconds = Math.max(0, Math.floor(milliseconds / 1000));
     var hours = Math.floor(seconds / 3600);
     var rest = twoDigits(Math.floor(seconds / 60) % 60) + ":" + twoDigits(seconds % 60);

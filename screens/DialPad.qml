@@ -19,9 +19,10 @@ BaseScreen {
     property bool watched: false
     property RemindersBase reminders
     property Sims sims
+    property Line line
     property date now
     readonly property real buttonsHeight: Style.px(112)
-    readonly property bool callable: number !== "" && (sims.mayDial || Words.isEmergency(number))
+    readonly property bool callable: number !== "" && (sims.mayDial || line.isEmergency(number))
 
     signal callRequested(string number)
     signal specialRequested(string service, string url)
@@ -123,6 +124,7 @@ BaseScreen {
     BarredStrip {
         id: barred
 
+        line: pad.line
         sims: pad.sims
         width: parent.width
     }

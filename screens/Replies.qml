@@ -3,6 +3,7 @@
 
 import QtQuick 2.15
 import com.nimbo.parley 1.0
+import "."
 import "text.js" as Words
 
 /// The quick replies. They are logged after each change.
@@ -55,7 +56,7 @@ QuickMessagesModel {
         for (var i = 0; i < count && i < 20; ++i)
             texts.push(text(i));
         var state = (unsaved ? " unsaved" : "") + (hasError ? " (error)" : "");
-        console.info("replies: " + count + state + ": " + texts.join(" | "));
+        Log.tell("replies: " + count + state + ": " + texts.join(" | "));
     }
 
     // Another process has written the file, or the defaults were restored.

@@ -11,8 +11,6 @@ QtObject {
 
     /// "tel:NUMBER"
     signal telephone(string number)
-    /// "incoming:NUMBER": NUMBER is calling.
-    signal incoming(string number)
     /// "remind:NUMBER?seconds=N"; the seconds are -1 if the URL does not give them.
     signal remind(string number, int seconds)
     /// "forget:NUMBER"
@@ -27,7 +25,6 @@ QtObject {
 
     readonly property var handlers: ({
         "tel": function(url) { requests.telephone(Urls.number(url)); },
-        "incoming": function(url) { requests.incoming(Urls.number(url)); },
         "remind": function(url) { requests.remind(Urls.number(url), Urls.count(url, "seconds")); },
         "forget": function(url) { requests.forget(Urls.number(url)); },
         "reminders": function() { requests.reminders(); },

@@ -9,6 +9,8 @@ Rectangle {
     id: strip
 
     property Sims sims
+    property Line line
+    readonly property string reason: line.trouble || sims.reason
 
     function stress() {
         flash.restart();
@@ -16,7 +18,7 @@ Rectangle {
 
     clip: true
     color: Style.warning
-    height: sims.reason !== "" ? Style.px(50) : 0
+    height: reason !== "" ? Style.px(50) : 0
     visible: height > 0
 
     Behavior on height { NumberAnimation { duration: Style.duration } }
@@ -60,7 +62,7 @@ Rectangle {
             horizontalAlignment: Text.AlignLeft
             minimumPixelSize: Math.max(1, Style.px(9))
             size: 12
-            text: strip.sims.reason
+            text: strip.reason
             width: parent.width
         }
 
@@ -69,7 +71,7 @@ Rectangle {
             horizontalAlignment: Text.AlignLeft
             size: 11
             text: qsTr("Emergency numbers can still be called")
-            visible: !strip.sims.mayDial
+            visible: strip.line.trouble === "" && !strip.sims.mayDial
             width: parent.width
         }
     }

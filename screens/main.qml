@@ -16,7 +16,7 @@ Rectangle {
     property bool loaded: false
 
     function report() {
-        console.info("screen: " + shown);
+        Log.tell("screen: " + shown);
     }
 
     // Keep the keyboard focus in the topmost screen.
@@ -32,6 +32,10 @@ Rectangle {
     function moveFocus(item) {
         if (item)
             item.forceActiveFocus(Qt.TabFocusReason);
+    }
+
+    function numberIn(text) {
+        return Words.plainNumber(Words.clean(text));
     }
 
     LayoutMirroring.childrenInherit: true
@@ -87,10 +91,10 @@ Rectangle {
         onShow: phone.show()
         onShowOngoing: phone.showOngoing()
         onOpenUrl: requests.open(arg)
-        onDial: phone.place(Words.clean(number), "")
-        onDialViaModem: phone.place(Words.clean(number), Words.clean(modemPath))
-        onShowCellularErrorDialog: phone.showError()
-        onOpenContactCard: phone.presentContact(Words.clean(number))
+        onDial: phone.place(numberIn(number), "")
+        onDialViaModem: phone.place(numberIn(number), Words.clean(modemPath))
+        onShowCellularErrorDialog: phone.showError("")
+        onOpenContactCard: phone.presentContact(numberIn(number))
         onToggleCall: phone.toggleCall()
     }
 
@@ -98,7 +102,6 @@ Rectangle {
         id: requests
 
         onTelephone: phone.presentPad(number)
-        onIncoming: phone.receive(number)
         onRemind: phone.presentReminder(number, seconds)
         onForget: phone.forget(number)
         onReminders: phone.presentReminders()

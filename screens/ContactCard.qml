@@ -12,18 +12,28 @@ BaseScreen {
     property string number
     property RemindersBase reminders
     property Sims sims
+    property Line line
     property date now
-    readonly property bool callable: number !== "" && (sims.mayDial || Words.isEmergency(number))
+    /// The call from this number that the user has missed; null if the card has another reason.
+    property var missed: null
+    readonly property bool callable: number !== "" && (sims.mayDial || line.isEmergency(number))
     readonly property alias reminder: reminder
+
+    /// Shows a number, and the call from it that was missed, or null.
+    function show(newNumber, newMissed) {
+        missed = newMissed;
+        number = newNumber;
+    }
 
     signal callRequested(string number)
     signal remindRequested(string number)
 
     // Use the reminder's number, which changes together with its state.
     summary: {
+        var word = missed !== null ? "missed" : "contact";
         if (reminder.phoneNumber === "")
-            return "contact";
-        return "contact " + reminder.phoneNumber + (reminder.exists ? " (reminder)" : "");
+            return word;
+        return word + " " + reminder.phoneNumber + (reminder.exists ? " (reminder)" : "");
     }
 
     title: number !== "" ? qsTr("Contact card of %1").arg(Words.isolated(number)) : qsTr("Contact card")
@@ -41,6 +51,7 @@ BaseScreen {
     BarredStrip {
         id: barred
 
+        line: card.line
         sims: card.sims
         width: parent.width
     }
@@ -78,14 +89,19 @@ BaseScreen {
                 height: Style.px(46)
                 minimumPixelSize: Math.max(1, Style.px(18))
                 size: 34
-                text: card.number !== "" ? Words.display(card.number) : qsTr("No number")
+                text: {
+                    if (card.missed !== null)
+                        return Words.caller(card.missed);
+                    return card.number !== "" ? Words.display(card.number) : qsTr("No number");
+                }
                 width: parent.width
             }
 
             Label {
-                color: Style.dimText
+                color: card.missed !== null ? Style.alert : Style.dimText
                 size: 14
-                text: qsTr("Not in your contacts")
+                text: card.missed !== null ? qsTr("Missed call, %1").arg(card.missed.time)
+                                           : qsTr("Not in your contacts")
                 width: parent.width
             }
 

@@ -8,25 +8,23 @@ import "text.js" as Words
 BaseScreen {
     id: screen
 
-    property Call call
+    property Line line
     property date now
-    property bool muted: false
-    property bool loud: false
+    readonly property var audio: line.telephone !== null ? line.telephone.audio : null
     property bool keypad: false
     property string tones
     /// Whether the keypad takes the room of the caller's picture.
     readonly property bool covered: keypad && !Style.wide
+    /// Whether there is room for it above the name.
+    readonly property bool pictured: !keypad && !Style.wide && !rows.visible
 
+    signal addRequested()
     signal endRequested()
     signal remindRequested(string number)
 
     function reset() {
-        muted = false;
-        loud = false;
         keypad = false;
         tones = "";
-        notify(call.replaced === "" ? ""
-               : qsTr("The call with %1 has ended").arg(Words.isolated(Words.display(call.replaced))));
     }
 
     function notify(text) {
@@ -37,10 +35,11 @@ BaseScreen {
 
     function type(text) {
         tones = (tones + text).slice(-60);
+        line.sendTones(text);
     }
 
-    summary: call.summary
-    title: call.name
+    summary: line.summary
+    title: line.name
 
     Keys.onPressed: {
         if (keypad && /^[0-9*#+]$/.test(event.text)) {
@@ -51,7 +50,7 @@ BaseScreen {
     }
 
     Connections {
-        target: screen.call
+        target: screen.line
         function onRenewed() {
             screen.reset();
         }
@@ -61,7 +60,7 @@ BaseScreen {
         id: noteTimer
 
         interval: 4000
-        running: screen.call.watched && notice.text !== ""
+        running: screen.line.watched && notice.text !== ""
         onTriggered: notice.text = ""
     }
 
@@ -77,12 +76,12 @@ BaseScreen {
 
             Avatar {
                 anchors.horizontalCenter: parent.horizontalCenter
-                visible: !screen.keypad && !Style.wide
+                visible: screen.pictured
             }
 
             Item {
                 height: Style.px(14)
-                visible: !screen.keypad && !Style.wide
+                visible: screen.pictured
                 width: 1
             }
 
@@ -92,7 +91,16 @@ BaseScreen {
                 height: Style.px(screen.covered ? 34 : 46)
                 minimumPixelSize: Math.max(1, Style.px(18))
                 size: screen.covered ? 24 : 34
-                text: screen.call.name
+                text: screen.line.name
+                width: parent.width
+            }
+
+            Label {
+                color: Style.dimText
+                size: 14
+                text: Words.display(screen.line.number)
+                visible: text !== "" && text !== screen.line.name && !screen.line.isConference
+                         && !screen.covered
                 width: parent.width
             }
 
@@ -101,24 +109,24 @@ BaseScreen {
 
                 anchors.horizontalCenter: parent.horizontalCenter
                 now: screen.now
-                reminder: screen.call.reminder
-                visible: marked
+                reminder: screen.line.reminder
+                visible: marked && !screen.line.isConference
             }
 
             Label {
                 color: Style.dimText
                 elide: Text.ElideMiddle
                 size: 13
-                text: qsTr("via %1").arg(Words.isolated(screen.call.modem))
+                text: qsTr("via %1").arg(Words.isolated(screen.line.modem))
                 // There is only room for one of the two above the keys.
-                visible: screen.call.modem !== "" && !(screen.covered && mark.marked)
+                visible: screen.line.modem !== "" && !(screen.covered && mark.marked)
                 width: parent.width
             }
 
             Label {
-                color: screen.call.ongoing ? Style.accent : Style.dimText
+                color: screen.line.ongoing ? Style.accent : Style.dimText
                 size: 16
-                text: screen.call.state
+                text: screen.line.state
                 width: parent.width
             }
         }
@@ -128,17 +136,66 @@ BaseScreen {
         second: true
 
         Avatar {
-            anchors.centerIn: parent
-            size: 180
-            visible: Style.wide && !screen.keypad
+            anchors.horizontalCenter: parent.horizontalCenter
+            size: 150
+            visible: Style.wide && !screen.keypad && !rows.visible
+            y: (controls.y - height) / 2
         }
 
         Notice {
             id: notice
 
             anchors.horizontalCenter: parent.horizontalCenter
-            y: screen.keypad || Style.wide ? Style.px(8) : buttons.y - height - Style.px(22)
+            y: screen.keypad || Style.wide ? Style.px(8) : controls.y - height - Style.px(14)
             z: 1
+        }
+
+        CallRows {
+            id: rows
+
+            anchors.left: parent.left
+            anchors.margins: Style.px(24)
+            anchors.right: parent.right
+            enabled: visible
+            line: screen.line
+            visible: calls.length > 0 && !screen.keypad
+            y: Style.wide ? Style.px(52) : header.y + header.height + Style.px(20)
+        }
+
+        Row {
+            id: controls
+
+            anchors.horizontalCenter: parent.horizontalCenter
+            spacing: Style.px(22)
+            visible: !screen.keypad
+            y: Style.wide ? endButton.y + endButton.height - height : buttons.y - height - Style.px(18)
+
+            RoundButton {
+                enabled: screen.line.ongoing || screen.line.held
+                icon: screen.line.held ? "resume" : screen.line.others.length > 0 ? "swap" : "hold"
+                label: screen.line.held ? qsTr("Resume")
+                       : screen.line.others.length > 0 ? qsTr("Swap") : qsTr("Hold")
+                objectName: "swap"
+                size: 60
+                onClicked: screen.line.swap()
+            }
+
+            RoundButton {
+                enabled: screen.line.ongoing && screen.line.others.length > 0
+                icon: "join"
+                label: qsTr("Join")
+                objectName: "join"
+                size: 60
+                onClicked: screen.line.join()
+            }
+
+            RoundButton {
+                enabled: screen.line.ongoing || screen.line.held
+                icon: "add"
+                label: qsTr("Add call")
+                size: 60
+                onClicked: screen.addRequested()
+            }
         }
 
         Label {
@@ -183,11 +240,12 @@ BaseScreen {
 
             RoundButton {
                 checkable: true
-                checked: screen.muted
+                checked: screen.audio !== null && screen.audio.muted
+                enabled: screen.audio !== null
                 icon: "mute"
                 label: qsTr("Mute")
                 size: 60
-                onClicked: screen.muted = !screen.muted
+                onClicked: screen.audio.muted = !screen.audio.muted
             }
 
             RoundButton {
@@ -201,19 +259,20 @@ BaseScreen {
 
             RoundButton {
                 checkable: true
-                checked: screen.loud
+                checked: screen.audio !== null && screen.audio.speaker
+                enabled: screen.audio !== null
                 icon: "speaker"
                 label: qsTr("Speaker")
                 size: 60
-                onClicked: screen.loud = !screen.loud
+                onClicked: screen.audio.speaker = !screen.audio.speaker
             }
 
             RoundButton {
-                enabled: screen.call.number !== ""
+                enabled: screen.line.number !== ""
                 icon: "bell"
                 label: qsTr("Remind me")
                 size: 60
-                onClicked: screen.remindRequested(screen.call.number)
+                onClicked: screen.remindRequested(screen.line.number)
             }
         }
 

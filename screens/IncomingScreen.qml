@@ -11,37 +11,48 @@ BaseScreen {
     id: screen
 
     property bool ringing: false
+    /// The call that rings, or the last one that did.
+    property var call: null
     /// The caller's number; empty if the caller withholds it.
-    property string number
+    readonly property string number: call !== null ? call.number : ""
+    /// Whether the user speaks with somebody else meanwhile.
+    readonly property bool isWaiting: call !== null && call.callState === "waiting"
+    /// Whether the stack can hold the other calls: it holds no call yet, or none is active.
+    readonly property bool canHold: !line.ongoing
+        || !line.others.some(function(other) { return other.callState === "held"; })
     property Replies replies
     property RemindersBase reminders
-    /// The current call, which ends if the user answers.
-    property Call call
+    property Line line
     property date now
-    readonly property string caller: number !== "" ? Words.display(number) : qsTr("Private number")
+    readonly property string caller: Words.caller(call)
+    /// Whether the user has answered, and the stack is about to connect.
+    readonly property bool isTaken: call !== null && line.taken === call.callId
 
-    signal answerRequested()
+    /// The call that the user speaks in is held, or it ends.
+    signal answerRequested(bool ending)
     signal declineRequested()
     signal replyRequested(string text)
     signal remindRequested(string number)
     signal editRequested()
 
-    function ring(from) {
-        number = from;
+    function ring(newCall) {
+        reminder.phoneNumber = newCall.number; // Set this first, for the summary.
+        call = newCall;
         ringing = true;
         list.positionViewAtBeginning();
     }
 
-    // Keep the number while the screen fades.
+    // Keep the call while the screen fades.
     function stop() {
         ringing = false;
     }
 
     // Use the reminder's number, which changes together with its state.
     summary: {
+        var word = isWaiting ? "waiting" : "incoming";
         if (reminder.phoneNumber === "")
-            return "incoming";
-        return "incoming " + reminder.phoneNumber + (reminder.exists ? " (reminder)" : "");
+            return word;
+        return word + " " + reminder.phoneNumber + (reminder.exists ? " (reminder)" : "");
     }
 
     title: qsTr("Incoming call from %1").arg(Words.isolated(caller))
@@ -49,7 +60,7 @@ BaseScreen {
     Keys.onPressed: {
         if (event.key !== Qt.Key_Return && event.key !== Qt.Key_Enter)
             return;
-        answerRequested();
+        answerRequested(!canHold);
         event.accepted = true;
     }
 
@@ -57,7 +68,6 @@ BaseScreen {
         id: reminder
 
         _reminders: screen.reminders
-        phoneNumber: screen.number
     }
 
     Pane {
@@ -110,17 +120,27 @@ BaseScreen {
             }
 
             Label {
+                color: Style.dimText
+                size: 14
+                text: Words.display(screen.number)
+                visible: text !== "" && text !== screen.caller
+                width: parent.width
+            }
+
+            Label {
                 color: Style.accent
                 size: 16
-                text: qsTr("Incoming call")
+                text: screen.isWaiting ? qsTr("Waiting call") : qsTr("Incoming call")
                 width: parent.width
             }
 
             Label {
                 color: Style.dimText
                 size: 13
-                text: qsTr("Answering ends the call with %1").arg(Words.isolated(screen.call.name))
-                visible: screen.call.active
+                text: (screen.canHold ? qsTr("Answering holds the call with %1")
+                                      : qsTr("Answering ends the call with %1"))
+                      .arg(Words.isolated(screen.line.name))
+                visible: screen.line.active
                 width: parent.width
             }
 
@@ -213,16 +233,33 @@ BaseScreen {
                 icon: "message"
                 label: qsTr("Replies")
                 size: 56
+                visible: !endAndAnswer.visible
                 y: Style.px(8)
                 onClicked: screen.editRequested()
             }
 
             RoundButton {
+                id: endAndAnswer
+
+                enabled: !screen.isTaken
+                icon: "call"
+                label: qsTr("End the other")
+                name: qsTr("End the other call and answer")
+                objectName: "end and answer"
+                size: 56
+                visible: screen.isWaiting && screen.canHold
+                y: Style.px(8)
+                onClicked: screen.answerRequested(true)
+            }
+
+            RoundButton {
+                enabled: !screen.isTaken
                 fill: Style.green
                 icon: "call"
                 label: qsTr("Answer")
+                objectName: "answer"
                 size: 64
-                onClicked: screen.answerRequested()
+                onClicked: screen.answerRequested(!screen.canHold)
             }
         }
     }

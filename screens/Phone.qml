@@ -12,9 +12,14 @@ Item {
     id: phone
 
     property Item current: dialPad
+    readonly property alias line: line
     /// The screens have come to the front for a call, and go again when it has ended.
     property bool summoned: false
-    readonly property Item topmost: dialog.open ? dialog : sheet.open ? sheet : current
+    // What may be above a screen.
+    readonly property var boxes: [dialog, networkDialog.item, simChoice.item, sheet]
+    readonly property Item topmost: boxes.filter(isOpen)[0] || current
+    /// The last call that was missed, which the user has not seen yet; null if there is none.
+    property var missed: null
     /// Whether the parts of a screen are side by side, as on a phone that is held sideways.
     readonly property bool wide: width > height * 1.2
     /// The scale of the screens; 1 for a screen that is 360 pixels wide and 640 high, or a wide one
@@ -25,13 +30,20 @@ Item {
     /// A screen wants these URLs to be opened.
     signal urlsRequested(var urls)
 
+    function isOpen(box) {
+        return box !== null && box.open;
+    }
+
+    function closeBoxes() {
+        boxes.filter(isOpen).forEach(function(box) { box.open = false; });
+    }
+
     // Show the new screen before hiding the old one, so that nothing else is shown in between.
     function present(screen) {
         current = screen;
         if (screen !== dialPad)
             dialPad.note = null;
-        sheet.open = false;
-        dialog.open = false;
+        closeBoxes();
         bringToFront();
     }
 
@@ -54,7 +66,7 @@ Item {
     }
 
     function presentContact(number) {
-        contactCard.number = number;
+        contactCard.show(number, null);
         reminderList.learn(number);
         present(contactCard);
     }
@@ -62,7 +74,7 @@ Item {
     // Show the sheet first, so that the contact card is not shown without it.
     function presentSheet(number) {
         sheet.show(number);
-        contactCard.number = number;
+        contactCard.show(number, null);
         current = contactCard;
         dialPad.note = null;
         dialog.open = false;
@@ -82,47 +94,77 @@ Item {
                                Qt.formatDateTime(when, qsTr("ddd d MMM yyyy, hh:mm", "date")));
     }
 
+    /// Calls a number. The modem may be empty.
     function place(number, modem) {
         if (number === "" || dialPad.find(number) !== null) {
             presentPad(number);
-        } else if (!cards.mayDial && !Words.isEmergency(number)) {
-            console.info("screen: call to " + number + " is barred");
+        } else if (!cards.mayDial && !line.isEmergency(number)) {
+            Log.tell("screen: call to " + number + " is barred");
             presentPad(number);
             dialPad.refuse();
+        } else if (Words.isRequest(number)) {
+            networkDialog.active = true;
+            presentPad("");
+            line.ask(number, modem);
         } else {
-            incomingScreen.stop();
             reminderList.learn(number);
-            line.start(number, modem);
+            line.dial(number, modem);
             present(callScreen);
             dialPad.fill("");
         }
     }
 
-    function receive(number) {
-        var caller = number || "a private number";
-        if (!cards.mayReceive) {
-            console.info("screen: call from " + caller + " is barred");
-        } else if (incomingScreen.ringing && incomingScreen.number !== number) {
-            console.info("screen: call from " + caller + " finds the phone ringing");
-        } else {
-            reminderList.learn(number);
-            incomingScreen.ring(number);
-            present(incomingScreen);
+    /// Calls a number as the user wants it, who may have a choice.
+    function call(number) {
+        if (cards.count < 2 || !cards.mayDial || !line.hasChoice() || line.isEmergency(number)
+                || dialPad.find(number) !== null) {
+            place(number, "");
+            return;
         }
+        simChoice.active = true;
+        simChoice.item.ask(number);
     }
 
-    function answer() {
+    function receive() {
+        var call = line.ringing;
+        if (cards.known && !cards.mayReceive) {
+            Log.tell("screen: call from " + (call.number || "a private number") + " is barred");
+            line.refuse(call);
+            return;
+        }
+        reminderList.learn(call.number);
+        incomingScreen.ring(call);
+        present(incomingScreen);
+    }
+
+    // The call screen has another call, or the first one: it may have been dialled elsewhere.
+    function turnToCall() {
+        if (line.ringing === null)
+            present(callScreen);
+    }
+
+    // The call was taken, perhaps not here, or it has ended.
+    function stopRinging() {
         incomingScreen.stop();
-        line.answer(incomingScreen.number);
-        present(callScreen);
+        if (line.active && current === incomingScreen)
+            current = callScreen;
     }
 
     /// The text has a "%1" for the caller.
     function turnAway(text) {
-        var caller = incomingScreen.number === "" ? "Private number" : incomingScreen.caller;
-        var happened = note(text, incomingScreen.caller, caller);
+        var call = incomingScreen.call;
+        var logged = call.number === "" ? "Private number" : call.number;
+        var happened = note(text, incomingScreen.caller, logged);
         incomingScreen.stop();
-        if (line.active) {
+        line.refuse(call);
+        tell(happened);
+    }
+
+    /// Tells what has happened where the user is. Whoever was called to the front for a call goes.
+    function tell(happened) {
+        if (line.ringing !== null) {
+            return;
+        } else if (line.active) {
             callScreen.notify(happened.shown);
             present(callScreen);
         } else if (summoned) {
@@ -133,21 +175,92 @@ Item {
         }
     }
 
-    function reply(text) {
-        console.info("screen: replied " + text + " to " + incomingScreen.number);
-        turnAway(QT_TR_NOOP("Replied to %1"));
+    function tellOfReply(text, number) {
+        tell(note(text, Words.display(number), number));
     }
 
-    function endCall() {
-        if (current === callScreen)
-            current = incomingScreen.ringing ? incomingScreen : dialPad;
-        line.end();
-        if (summoned && current === dialPad)
+    function reply(text) {
+        var call = incomingScreen.call;
+        line.send(call.number, text, call.modem);
+        turnAway(QT_TR_NOOP("Replying to %1…"));
+    }
+
+    // A call has ended.
+    function settle(call, isRefused) {
+        var wasTaken = call.startTime !== undefined || call.direction !== "incoming";
+        if (!wasTaken && !isRefused && call.reason !== "local")
+            miss(call);
+        else if (wasTaken && line.active && call.reason !== "local")
+            callScreen.notify(qsTr("The call with %1 has ended").arg(Words.caller(call)));
+        if (missed !== null && current === dialPad && !line.active && line.ringing === null)
+            presentMissed();
+        if (current !== callScreen && current !== incomingScreen)
+            return;
+        if (line.ringing !== null)
+            current = incomingScreen;
+        else if (line.active)
+            current = callScreen;
+        else if (missed !== null)
+            presentMissed();
+        else
+            goAfter(call);
+    }
+
+    // The last call has ended.
+    function goAfter(call) {
+        if (call.direction === "outgoing" && call.startTime === undefined && call.reason === "remote")
+            dialPad.notify(note(QT_TR_NOOP("%1 did not take the call"), Words.caller(call), call.number));
+        current = dialPad;
+        if (summoned)
             __window.hide();
     }
 
+    function miss(call) {
+        call.time = Qt.formatTime(new Date(), "hh:mm");
+        missed = call;
+        Log.tell("screen: missed call from " + (call.number || "a private number"));
+        if (line.active)
+            callScreen.notify(qsTr("Missed call from %1").arg(Words.caller(call)));
+    }
+
+    function presentMissed() {
+        var call = missed;
+        missed = null;
+        contactCard.show(call.number, call);
+        reminderList.learn(call.number);
+        summoned = false; // It stays until the user has seen it.
+        present(contactCard);
+    }
+
+    // Nothing came of what the user wanted. Without a network, no other call comes about either.
+    function explain(action, number, why, isWithoutNetwork) {
+        if (line.ringing !== null) {
+            if (!incomingScreen.ringing)
+                receive(); // It still rings.
+        } else if (line.active) {
+            callScreen.notify(why);
+        } else if (action === "dial" && isWithoutNetwork) {
+            current = dialPad;
+            showError(why);
+        } else {
+            presentNote({shown: why, logged: why});
+        }
+    }
+
     function leave() {
+        if (missed !== null && !line.active && line.ringing === null) {
+            presentMissed();
+            return;
+        }
         current = incomingScreen.ringing ? incomingScreen : line.active ? callScreen : dialPad;
+    }
+
+    function leaveContact() {
+        var wasMissed = contactCard.missed !== null;
+        contactCard.missed = null;
+        leave();
+        if (wasMissed && current === dialPad)
+            __window.hide();
     }
 
     function sendReply(index) {
@@ -198,8 +311,8 @@ Item {
             presentNote(note(QT_TR_NOOP("No ongoing call")));
     }
 
-    function showError() {
-        dialog.open = true;
+    function showError(why) {
+        dialog.show(why);
         sheet.open = false;
         dialPad.note = null;
         bringToFront();
@@ -207,11 +320,9 @@ Item {
 
     function toggleCall() {
         if (incomingScreen.ringing) {
-            answer();
+            line.answer(!incomingScreen.canHold);
         } else if (line.active) {
-            endCall();
-            if (!summoned)
-                present(current);
+            line.hangUp();
         } else {
             presentNote(note(QT_TR_NOOP("No call to answer or end")));
         }
@@ -253,10 +364,32 @@ Item {
         id: cards
     }
 
-    Call {
+    Line {
         id: line
+
         reminders: base
         watched: __window.visible
+        onFailed: phone.explain(action, number, why, isWithoutNetwork)
+        onNotSent: {
+            Log.tell("screen: reply to " + number + " failed");
+            phone.tellOfReply(QT_TR_NOOP("The reply to %1 could not be sent"), number);
+        }
+        onOver: phone.settle(call, isRefused)
+        onQuieted: phone.stopRinging()
+        onRang: phone.receive()
+        onRenewed: phone.turnToCall()
+        onSent: {
+            Log.tell("screen: replied " + text + " to " + number);
+            if (__window.visible)
+                phone.tellOfReply(QT_TR_NOOP("Replied to %1"), number);
+        }
+    }
+
+    // The telephony comes after the first frame, which does not need it.
+    Timer {
+        interval: 0
+        running: true
+        onTriggered: line.load()
     }
 
     Item {
@@ -302,11 +435,12 @@ Item {
                 id: dialPad
 
                 current: phone.current === dialPad
+                line: phone.line
                 now: statusBar.now
                 reminders: base
                 sims: cards
                 watched: __window.visible
-                onCallRequested: phone.place(number, "")
+                onCallRequested: phone.call(number)
                 onCloseRequested: __window.hide()
                 onRemindersRequested: phone.current = reminderList
                 onRepliesRequested: phone.current = quickReplies
@@ -316,23 +450,24 @@ Item {
             CallScreen {
                 id: callScreen
 
-                call: line
                 current: phone.current === callScreen
+                line: phone.line
                 now: statusBar.now
+                onAddRequested: phone.current = dialPad
                 onCloseRequested: phone.current = dialPad
-                onEndRequested: phone.endCall()
+                onEndRequested: phone.line.hangUp()
                 onRemindRequested: sheet.show(number)
             }
 
             IncomingScreen {
                 id: incomingScreen
 
-                call: line
                 current: phone.current === incomingScreen
+                line: phone.line
                 now: statusBar.now
                 reminders: base
                 replies: texts
-                onAnswerRequested: phone.answer()
+                onAnswerRequested: phone.line.answer(ending)
                 onCloseRequested: phone.current = line.active ? callScreen : dialPad
                 onDeclineRequested: phone.turnAway(QT_TR_NOOP("Declined %1"))
                 onEditRequested: phone.current = quickReplies
@@ -344,11 +479,12 @@ Item {
                 id: contactCard
 
                 current: phone.current === contactCard
+                line: phone.line
                 now: statusBar.now
                 reminders: base
                 sims: cards
-                onCallRequested: phone.place(number, "")
-                onCloseRequested: phone.leave()
+                onCallRequested: phone.call(number)
+                onCloseRequested: phone.leaveContact()
                 onRemindRequested: sheet.show(number)
             }
 
@@ -392,8 +528,38 @@ Item {
         }
     }
 
+    // These are rarely seen, and only made for it.
+    Loader {
+        id: simChoice
+
+        active: false
+        anchors.fill: parent
+        sourceComponent: SimChoice {
+            modems: line.telephone !== null ? line.telephone.calls.modems : []
+            onChosen: phone.place(number, modem)
+        }
+    }
+
+    Loader {
+        id: networkDialog
+
+        active: false
+        anchors.fill: parent
+        sourceComponent: NetworkDialog {
+            dialogue: line.telephone !== null ? line.telephone.calls.dialogue : null
+        }
+    }
+
+    Connections {
+        target: line.telephone !== null ? line.telephone.calls.dialogue : null
+
+        function onStateChanged() {
+            networkDialog.active = true;
+            phone.bringToFront();
+        }
+    }
+
     ErrorDialog {
         id: dialog
-        anchors.fill: parent
     }
 }

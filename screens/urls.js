@@ -28,7 +28,7 @@ function path(url) {
 }
 
 function number(url) {
-    return path(url).replace(/[-.() ]/g, "");
+    return Words.plainNumber(path(url));
 }
 
 /// The value of a parameter, "?name=value&..."; undefined if it is missing.

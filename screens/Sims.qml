@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 
 import QtQuick 2.15
+import "."
 
 /// What the SIMs in the phone may do, in words. Changes are logged.
 QtObject {
@@ -34,9 +35,9 @@ QtObject {
         onTriggered: overdue = true
     }
 
-    onCountChanged: console.info("sims: " + count)
+    onCountChanged: Log.tell("sims: " + count)
     onPermissionsChanged: {
         if (known)
-            console.info("filters: " + permissions);
+            Log.tell("filters: " + permissions);
     }
 }
