@@ -16,7 +16,7 @@ HANDSET = """
 systemd systemd-sysv dbus dbus-user-session libpam-systemd
 sway grim qtwayland5 fonts-dejavu-core xdg-utils desktop-file-utils
 mako-notifier dunst ofono dconf-cli dconf-gsettings-backend
-python3-dbus procps
+python3-dbus procps libglib2.0-bin wtype
 """.split()
 
 

@@ -11,6 +11,7 @@ from machine import UID, USER, Failed, wait_until
 
 NAME = "com.nimbo.parley.ui"
 UNIT = "parley-ui.service"
+MODEMS = "com.nimbo.simulator.modem"
 
 
 class Handset:
@@ -33,6 +34,37 @@ class Handset:
     def ui_call(self, method, *arguments):
         """Returns the command for that."""
         return ["busctl", "--user", "call", NAME, "/", NAME, method, *arguments]
+
+    def network(self, method, signature, *arguments):
+        """Acts as the network of the modems, or puts SIMs into them."""
+        interface = "Telephony" if method.endswith("Sim") else "Network"
+        self.user(*self.network_call(interface, method, signature, *arguments))
+
+    def network_call(self, interface, method, signature, *arguments):
+        """Returns the command for that."""
+        control = [MODEMS, "/", f"com.nimbo.simulator.{interface}"]
+        return ["busctl", "--system", "call", *control, method, signature, *arguments]
+
+    def ring(self, number):
+        """Returns the command that lets a call come in."""
+        return self.network_call("Network", "Ring", "ss", number, "")
+
+    def modem_told(self, pattern):
+        """Returns what the modems have told since the boot, as far as it matches."""
+        journal = ["journalctl", "--no-pager", "-b", "-o", "cat", "-u", "handset-modem-log.service"]
+        return re.findall(pattern, self.machine.run(*journal))
+
+    def expect_of_modem(self, pattern):
+        """Checks that a modem tells of something."""
+        wait_until(lambda: self.modem_told(pattern), f"a modem tells {pattern}", 15)
+
+    def expect_log(self, part):
+        """Checks that the current process of the call UI logs something."""
+        wait_until(lambda: self.log(part), part, 15)
+
+    def press(self, *keys):
+        """Types on a keyboard; "-k" is followed by the name of a key."""
+        self.user("wtype", *keys)
 
     def open_url(self, url):
         """Has the screens open a URL."""
