@@ -20,6 +20,7 @@ sys.dont_write_bytecode = True
 import contenders
 from desk import Desk, memory, rest, wakes
 from handset import Failure
+from windows import NoWindow
 
 IDLE = 60  # Seconds.
 LATE = 5  # Seconds: what comes then is idling only if it goes on.
@@ -102,8 +103,15 @@ class Bench:
             processes = {}
             for one, command in commands.items():
                 running = self._desk.running(command, self._desk.home(one.name))
-                processes[one.name] = stack.enter_context(running)[0].pid
-                reached(one)
+                process, _ = stack.enter_context(running)
+                try:
+                    reached(one)
+                except NoWindow:
+                    if process.poll() is None or one is contenders.OURS:
+                        raise
+                    tell(f"{one.name} has crashed, and is left out of idling")
+                    continue
+                processes[one.name] = process.pid
             for pid in processes.values():
                 rest(pid)
             time.sleep(LATE)
