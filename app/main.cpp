@@ -3,7 +3,6 @@
 
 #include "commandline.h"
 #include "controlgroup.h"
-#include "firstframe.h"
 #include "heaptrim.h"
 #include "qmltypes.h"
 #include "rootcontext.h"
@@ -59,9 +58,7 @@ Q_DECL_EXPORT int main(int argc, char *argv[])
     // Connect by name: the slot belongs to QWindow. Qt.quit() in QML only closes the window.
     QObject::connect(view->engine(), SIGNAL(quit()), view.get(), SLOT(close()));
     view->setSource(QUrl::fromLocalFile(commandLine.qmlFile));
-    if (commandLine.prestart) {
-        drawAhead(*view);
-    } else {
+    if (!commandLine.prestart) {
         view->showFullScreen();
         view->requestActivate();
         view->raise();

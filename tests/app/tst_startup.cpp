@@ -61,7 +61,6 @@ private Q_SLOTS:
     void isShownUnlessPrestarted_data();
     void isShownUnlessPrestarted();
     void staysPrestartedOnceShown();
-    void drawsHiddenScreensAhead();
     void loadsTheScreensItIsTold_data();
     void loadsTheScreensItIsTold();
     void takesARelativePathAsItStands();
@@ -282,24 +281,6 @@ void TestStartup::staysPrestartedOnceShown()
     m_ui->evaluate(u"__window.show()"_s);
     QCOMPARE(m_ui->evaluate(u"__window.visible"_s), QJsonValue(true));
     QCOMPARE(m_ui->evaluate(u"__prestart"_s), QJsonValue(true));
-}
-
-void TestStartup::drawsHiddenScreensAhead()
-{
-    const QString screens = m_ui->writeFile(u"screens.qml"_s,
-                                            "import QtQuick 2.15\n"
-                                            "Rectangle {\n"
-                                            "    width: 10; height: 10\n"
-                                            "    Connections {\n"
-                                            "        target: __window\n"
-                                            "        function onAfterRendering() {\n"
-                                            "            console.info('drawn', __window.visible);\n"
-                                            "        }\n"
-                                            "    }\n"
-                                            "}\n");
-    m_ui->start({u"-prestart"_s, u"-qml"_s, screens});
-    QVERIFY(m_ui->claimStartUpLines());
-    QVERIFY(m_ui->logs(u"qml: drawn false"_s));
 }
 
 void TestStartup::loadsTheScreensItIsTold_data()
