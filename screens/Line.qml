@@ -193,7 +193,7 @@ QtObject {
 
     function refresh() {
         var all = telephone !== null ? telephone.list() : [];
-        all.forEach(know);
+        all.concat(ended).forEach(know); // A call may have come and gone since the last time.
         var next = Kinds.sorted(all, refused, pending);
         if (!all.some(function(call) { return call.callId === taken && Kinds.rings(call); }))
             taken = 0;
@@ -234,7 +234,7 @@ QtObject {
             chosenModems[call.callId] = isWanted ? pending.chosenModem : "";
             if (isWanted) {
                 adopted = call.callId;
-                if (pending.isUnwanted)
+                if (pending.isUnwanted && call.reason === undefined)
                     telephone.calls.hangUp(call.callId);
                 pending = null;
             }

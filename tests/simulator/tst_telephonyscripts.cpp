@@ -18,6 +18,7 @@ constexpr int patience = 120'000;
 } // namespace
 
 /// Plays each script in the folder "scripts" on the simulated telephony and on the real oFono.
+/// Those in "scripts/screens" are for the screens that are installed.
 class TestTelephonyScripts : public QObject
 {
     Q_OBJECT
@@ -31,21 +32,30 @@ private Q_SLOTS:
 void TestTelephonyScripts::plays_data()
 {
     QTest::addColumn<QString>("script");
+    QTest::addColumn<QStringList>("screens");
     QTest::addColumn<bool>("isReal");
 
-    const QFileInfoList scripts =
-        QDir(QStringLiteral(PARLEY_SCRIPTS)).entryInfoList({u"*.script"_s}, QDir::Files);
-    QVERIFY(!scripts.isEmpty());
-    for (const QFileInfo &script : scripts) {
-        const QByteArray name = script.baseName().toUtf8();
-        QTest::addRow("%s, simulated", name.constData()) << script.filePath() << false;
-        QTest::addRow("%s, oFono", name.constData()) << script.filePath() << true;
+    const QString folder = QStringLiteral(PARLEY_SCRIPTS);
+    const QStringList phone{u"--qml"_s, folder + u"/phone.qml"_s};
+    for (const bool isOurs : {false, true}) {
+        const QDir place(isOurs ? folder + u"/screens"_s : folder);
+        const QFileInfoList scripts = place.entryInfoList({u"*.script"_s}, QDir::Files);
+        QVERIFY(!scripts.isEmpty());
+        for (const QFileInfo &script : scripts) {
+            const QString name = (isOurs ? u"screens: "_s : QString()) + script.baseName();
+            const QStringList screens = isOurs ? QStringList() : phone;
+            for (const bool isReal : {false, true}) {
+                QTest::addRow("%s, %s", qUtf8Printable(name), isReal ? "oFono" : "simulated")
+                    << script.filePath() << screens << isReal;
+            }
+        }
     }
 }
 
 void TestTelephonyScripts::plays()
 {
     QFETCH(QString, script);
+    QFETCH(QStringList, screens);
     QFETCH(bool, isReal);
 
     const QString why = isReal ? whyNoOfono() : QString();
@@ -58,8 +68,7 @@ void TestTelephonyScripts::plays()
     environment.insert(u"QML2_IMPORT_PATH"_s, qEnvironmentVariable("PARLEY_QML_MODULES"));
     handset.setProcessEnvironment(environment);
     handset.setProcessChannelMode(QProcess::MergedChannels);
-    QStringList arguments{u"--no-panel"_s, u"--qml"_s, QStringLiteral(PARLEY_SCRIPTS "/phone.qml"),
-                          u"--script"_s, script};
+    QStringList arguments = screens + QStringList{u"--no-panel"_s, u"--script"_s, script};
     if (isReal)
         arguments.append(u"--ofono"_s);
     handset.start(qEnvironmentVariable("PARLEY_HANDSET"), arguments);
