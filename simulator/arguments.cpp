@@ -127,7 +127,9 @@ Arguments Arguments::parse(int argc, char *argv[])
     } else if (arguments.error.isEmpty() && !QFileInfo(parser.value(qml)).isFile()) {
         arguments.error = QStringLiteral("There is no file %1.").arg(parser.value(qml));
     }
-    if (parser.isSet(ofono) && arguments.error.isEmpty())
+    if (parser.isSet(ofono) && parser.isSet(tour) && arguments.error.isEmpty())
+        arguments.error = QStringLiteral("The tour needs filter rules, which oFono does not have.");
+    else if (parser.isSet(ofono) && arguments.error.isEmpty())
         arguments.error = whyNoOfono();
     arguments.handset.hasOfono = parser.isSet(ofono);
     arguments.handset.uiProgram = parser.value(ui);

@@ -27,7 +27,7 @@ AtModems::AtModems(const QString &stateFolder)
     , m_bus(QString())
 {
     for (const auto &[path, line] : lines())
-        make(path, *line);
+        addPort(path, *line);
     new TelephonyControl(*this);
     new NetworkControl(*this);
     connect(&m_switch, &ModemSwitch::online, this, [this] { m_bus.registerService(onlineName()); });
@@ -57,6 +57,11 @@ void AtModems::enterPin(const QString &path)
 }
 
 void AtModems::make(const QString &path, PhoneLine &line)
+{
+    addPort(path, line);
+}
+
+void AtModems::addPort(const QString &path, PhoneLine &line)
 {
     auto port = std::make_unique<AtPort>(line);
     connect(&port->session(), &AtSession::pinEntered, this, [this, path] { unlockSim(path); });

@@ -43,6 +43,7 @@ protected:
     void unmake(const QString &path) override;
 
 private:
+    void addPort(const QString &path, PhoneLine &line);
     bool listen();
 
     const QString m_configuration;

@@ -165,7 +165,7 @@ QString NetworkControl::Ring(const QString &number, const QString &modem)
 
 void NetworkControl::Remote(const QString &action, const QString &number)
 {
-    const auto named =
+    const auto *const named =
         std::find_if(std::cbegin(remoteActions), std::cend(remoteActions),
                      [&action](const RemoteAction &it) { return it.name == action; });
     if (named == std::cend(remoteActions)) {

@@ -3,6 +3,8 @@
 
 #include "submittedmessage.h"
 
+#include <utility>
+
 namespace {
 
 enum class Alphabet { Default, Bytes, Unicode };
@@ -37,7 +39,7 @@ QChar extended(char code)
     case 0x40:
         return QLatin1Char('|');
     case 0x65:
-        return QChar(0x20ac);
+        return {0x20ac};
     default:
         return QLatin1Char(' ');
     }
@@ -69,7 +71,7 @@ QString fromDefaultAlphabet(const QByteArray &codes)
         if (codes.at(i) == escape && i + 1 < codes.size())
             text.append(extended(codes.at(++i)));
         else
-            text.append(QChar(defaultAlphabet[static_cast<int>(codes.at(i))]));
+            text.append(QChar(defaultAlphabet[static_cast<uchar>(codes.at(i))]));
     }
     return text;
 }
@@ -86,8 +88,8 @@ QString fromUnicode(const QByteArray &bytes)
 class Reader
 {
 public:
-    explicit Reader(const QByteArray &bytes)
-        : m_bytes(bytes)
+    explicit Reader(QByteArray bytes)
+        : m_bytes(std::move(bytes))
     {
     }
 
@@ -98,7 +100,7 @@ public:
     {
         m_isValid = m_isValid && count <= left();
         if (!m_isValid)
-            return QByteArray(count, '\0');
+            return {count, '\0'};
         m_at += count;
         return m_bytes.mid(m_at - count, count);
     }

@@ -939,6 +939,9 @@ void TestHandset::refusesBadArguments_data()
     QTest::newRow("tests that keep something")
         << QStringList{u"--tests"_s, u"/"_s, u"--state"_s, u"/nonexistent"_s}
         << u"parley-handset: --tests and --state cannot be combined\\."_s;
+    QTest::newRow("tour with oFono")
+        << QStringList{u"--tour"_s, u"--ofono"_s}
+        << u"parley-handset: The tour needs filter rules, which oFono does not have\\."_s;
     QTest::newRow("no such script") << QStringList{u"--script"_s, u"/nonexistent"_s}
                                     << u"/nonexistent: No such file or directory"_s;
     QTest::newRow("folder as script")
