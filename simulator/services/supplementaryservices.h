@@ -29,7 +29,7 @@ public Q_SLOTS:
     /// Returns "USSD", and what the network says.
     QString Initiate(const QString &command, QDBusVariant &answer);
     /// Returns what the network says.
-    QString Respond(const QString &reply);
+    QString Respond(const QString &text);
     void Cancel();
 
 Q_SIGNALS:

@@ -96,7 +96,7 @@ QByteArray TestAtSession::send(const QByteArray &pdu, int tooLong)
         ? 0
         : static_cast<uchar>(QByteArray::fromHex(pdu.left(2)).at(0));
     const int length = pdu.size() / 2 - 1 - centre + tooLong;
-    const QByteArray prompt = ask("AT+CMGS=" + QByteArray::number(length));
+    QByteArray prompt = ask("AT+CMGS=" + QByteArray::number(length));
     if (prompt != "> ")
         return prompt;
     m_session->receive(pdu + '\x1a');
@@ -143,9 +143,9 @@ void TestAtSession::answers_data()
     row("AT+CRSM=", "ERROR");
     row("AT+CRSM=176", "ERROR");
     row("AT+CRSM=a,b", "ERROR");
-    row("AT+CREG?", "+CREG: 2,1,\"0001\",\"00000001\"|OK");
+    row("AT+CREG?", R"(+CREG: 2,1,"0001","00000001"|OK)");
     row("AT+COPS=3,2;+COPS?;+COPS=3,0;+COPS?",
-        "+COPS: 0,2,\"26201\"|+COPS: 0,0,\"Nimbo Mobile\"|OK");
+        R"(+COPS: 0,2,"26201"|+COPS: 0,0,"Nimbo Mobile"|OK)");
     row("AT+COPS=1", "ERROR");
     row("AT+CSQ", "+CSQ: 24,99|OK");
     row("AT+CFUN=", "ERROR");
