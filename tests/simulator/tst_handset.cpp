@@ -290,7 +290,7 @@ void TestHandset::runsAScript()
                        "open https://example.org https://example.com\n"
                        "expect screen: page https://example.org https://example.com\n"
                        "dial \"\"\nexpect screen: dial pad\n"
-                       "sim insert 26201\nexpect sims: 1\n"
+                       "sim insert 26201\nexpect /ril_0 is ready\n"
                        "dial-via /ril_0 \"+1 555\"\nexpect screen: calling +1555 via /ril_0\n"
                        "expect /ril_0 dials +1555\n"
                        "ongoing\nerror-dialog\nexpect screen: cellular error\n"
@@ -304,7 +304,7 @@ void TestHandset::runsAScript()
 void TestHandset::runsATranscript()
 {
     const QByteArray commands =
-        "sim insert 26201\nexpect sims: 1\n"
+        "sim insert 26201\nexpect /ril_0 is ready\n"
         "dial \"+1 555\"\nexpect screen: calling +1555\nexpect /ril_0 dials +1555\nremote answer\n"
         "expect \"screen: ongoing *\"\ntoggle\n# Then\nshow\n";
     start({u"--script"_s, writeScript(commands)});
@@ -593,7 +593,7 @@ void TestHandset::keepsAJournal()
     start(
         {u"--script"_s,
          writeScript(
-             "sim insert 26202 ril_1\nexpect sims: 1\n"
+             "sim insert 26202 ril_1\nexpect /ril_1 is ready\n"
              "dial 5551234\nexpect /ril_1 dials 5551234\nalarms\nsims\njournal 100\n"
              "expect \"*:*:*.* session -> dial(\\\"5551234\\\") = true, *.* ms\"\n"
              "open remind:5550100?seconds=1000\n"
