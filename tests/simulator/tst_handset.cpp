@@ -593,8 +593,8 @@ void TestHandset::keepsAJournal()
     start(
         {u"--script"_s,
          writeScript(
-             "sim insert 26202 ril_1\nexpect /ril_1 is ready\n"
-             "dial 5551234\nexpect /ril_1 dials 5551234\nalarms\nsims\njournal 100\n"
+             "sim insert 26201 ril_0\nexpect /ril_0 is ready\n"
+             "dial 5551234\nexpect /ril_0 dials 5551234\nalarms\nsims\njournal 100\n"
              "expect \"*:*:*.* session -> dial(\\\"5551234\\\") = true, *.* ms\"\n"
              "open remind:5550100?seconds=1000\n"
              "expect screen: contact 5550100 (reminder)\nexpect 1 shown: *\n"
@@ -605,8 +605,8 @@ void TestHandset::keepsAJournal()
              "ms\"\n"
              "expect \"* session <- Notify(\\\"Phone\\\", 0, *) at * = 1, * ms\"\n"
              "expect * system -> alarm_triggers_changed({1: *}) at *\n"
-             "sim insert 26201 ril_0\nexpect sims: 2\njournal 100\n"
-             "expect \"* system -> PropertyChanged(\\\"Present\\\", true) at /ril_0\"\n"
+             "sim insert 26202 ril_1\nexpect sims: 2\njournal 100\n"
+             "expect \"* system -> PropertyChanged(\\\"Present\\\", true) at /ril_1\"\n"
              "expect * system <- GetProperties() at /ril_0 = {*}, * ms\n"
              "restart\njournal clear\ndial 77\njournal 100\n"
              "expect \"* session -> dial(\\\"77\\\") = true, * ms\"\n")});
