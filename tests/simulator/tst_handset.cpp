@@ -295,7 +295,8 @@ void TestHandset::runsAScript()
                        "expect /ril_0 dials +1555\n"
                        "ongoing\nerror-dialog\nexpect screen: cellular error\n"
                        "contact 555\nexpect screen: contact 555\n"
-                       "toggle\nexpect +1555 on /ril_0 has ended (local)\n"
+                       "ongoing\nexpect screen: calling +1555 via /ril_0\n"
+                       "toggle\nexpect screen: dial pad\n"
                        "toggle\nexpect screen: dial pad: No call to answer or end\n")});
     QVERIFY2(ends(0), qUtf8Printable(m_output));
 }
@@ -608,6 +609,7 @@ void TestHandset::keepsAJournal()
              "sim insert 26202 ril_1\nexpect sims: 2\njournal 100\n"
              "expect \"* system -> PropertyChanged(\\\"Present\\\", true) at /ril_1\"\n"
              "expect * system <- GetProperties() at /ril_0 = {*}, * ms\n"
+             "toggle\nexpect 5551234 on /ril_0 has ended (local)\n"
              "restart\njournal clear\ndial 77\njournal 100\n"
              "expect \"* session -> dial(\\\"77\\\") = true, * ms\"\n")});
     QVERIFY2(ends(0), qUtf8Printable(m_output.right(800)));
