@@ -193,7 +193,9 @@ QtObject {
 
     function refresh() {
         var all = telephone !== null ? telephone.list() : [];
-        all.concat(ended).forEach(know); // A call may have come and gone since the last time.
+        all.forEach(function(call) { know(call, true); });
+        // A call may have come and gone since the last time.
+        ended.forEach(function(call) { know(call, false); });
         var next = Kinds.sorted(all, refused, pending);
         if (!all.some(function(call) { return call.callId === taken && Kinds.rings(call); }))
             taken = 0;
@@ -228,13 +230,13 @@ QtObject {
     }
 
     // Prepares what the stack says of a call for the screens.
-    function know(call) {
+    function know(call, isThere) {
         if (chosenModems[call.callId] === undefined) {
             var isWanted = pending !== null && call.direction === "outgoing";
             chosenModems[call.callId] = isWanted ? pending.chosenModem : "";
             if (isWanted) {
                 adopted = call.callId;
-                if (pending.isUnwanted && call.reason === undefined)
+                if (pending.isUnwanted && isThere)
                     telephone.calls.hangUp(call.callId);
                 pending = null;
             }

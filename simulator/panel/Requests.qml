@@ -63,7 +63,7 @@ Section {
         Act {
             objectName: "incoming"
             text: "Incoming call"
-            onClicked: panel.run(["ring", number.text])
+            onClicked: panel.run(["ring", number.text.replace(/[^+*#0-9]/g, "")])
         }
     }
     RowLayout {

@@ -290,11 +290,13 @@ void TestHandset::runsAScript()
                        "open https://example.org https://example.com\n"
                        "expect screen: page https://example.org https://example.com\n"
                        "dial \"\"\nexpect screen: dial pad\n"
-                       "sim insert 26201\nexpect sims: 1\nexpect telephony: ready\n"
+                       "sim insert 26201\nexpect /ril_0 is ready\n"
                        "dial-via /ril_0 \"+1 555\"\nexpect screen: calling +1555 via /ril_0\n"
+                       "expect /ril_0 dials +1555\n"
                        "ongoing\nerror-dialog\nexpect screen: cellular error\n"
-                       "contact 555\nexpect screen: contact 555\nexpect /ril_0 dials +1555\n"
-                       "toggle\nexpect +1555 on /ril_0 has ended (local)\n"
+                       "contact 555\nexpect screen: contact 555\n"
+                       "ongoing\nexpect screen: calling +1555 via /ril_0\n"
+                       "toggle\nexpect screen: dial pad\n"
                        "toggle\nexpect screen: dial pad: No call to answer or end\n")});
     QVERIFY2(ends(0), qUtf8Printable(m_output));
 }
@@ -303,7 +305,7 @@ void TestHandset::runsAScript()
 void TestHandset::runsATranscript()
 {
     const QByteArray commands =
-        "sim insert 26201\nexpect sims: 1\n"
+        "sim insert 26201\nexpect /ril_0 is ready\n"
         "dial \"+1 555\"\nexpect screen: calling +1555\nexpect /ril_0 dials +1555\nremote answer\n"
         "expect \"screen: ongoing *\"\ntoggle\n# Then\nshow\n";
     start({u"--script"_s, writeScript(commands)});
@@ -317,7 +319,7 @@ void TestHandset::runsATranscript()
     for (auto it = command.globalMatch(m_output); it.hasNext();)
         run += it.next().captured(1) + u'\n';
     QCOMPARE(run, QString::fromUtf8(commands));
-    QCOMPARE(m_output.count(u"  as expected: "_s), 2);
+    QCOMPARE(m_output.count(u"  as expected: "_s), 4);
 }
 
 /// The lines about control groups come from a machine without those of a handset.
@@ -592,7 +594,8 @@ void TestHandset::keepsAJournal()
     start(
         {u"--script"_s,
          writeScript(
-             "dial 5551234\nalarms\nsims\njournal 100\n"
+             "sim insert 26201 ril_0\nexpect /ril_0 is ready\n"
+             "dial 5551234\nexpect /ril_0 dials 5551234\nalarms\nsims\njournal 100\n"
              "expect \"*:*:*.* session -> dial(\\\"5551234\\\") = true, *.* ms\"\n"
              "open remind:5550100?seconds=1000\n"
              "expect screen: contact 5550100 (reminder)\nexpect 1 shown: *\n"
@@ -603,9 +606,10 @@ void TestHandset::keepsAJournal()
              "ms\"\n"
              "expect \"* session <- Notify(\\\"Phone\\\", 0, *) at * = 1, * ms\"\n"
              "expect * system -> alarm_triggers_changed({1: *}) at *\n"
-             "sim insert 26201 ril_0\nexpect sims: 1\njournal 100\n"
-             "expect \"* system -> PropertyChanged(\\\"Present\\\", true) at /ril_0\"\n"
+             "sim insert 26202 ril_1\nexpect sims: 2\njournal 100\n"
+             "expect \"* system -> PropertyChanged(\\\"Present\\\", true) at /ril_1\"\n"
              "expect * system <- GetProperties() at /ril_0 = {*}, * ms\n"
+             "toggle\nexpect 5551234 on /ril_0 has ended (local)\n"
              "restart\njournal clear\ndial 77\njournal 100\n"
              "expect \"* session -> dial(\\\"77\\\") = true, * ms\"\n")});
     QVERIFY2(ends(0), qUtf8Printable(m_output.right(800)));

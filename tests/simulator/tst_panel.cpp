@@ -89,7 +89,7 @@ void TestPanel::asksTheCallUi()
              {u"errorDialog"_s, u"error-dialog"_s},
              {u"dial"_s, u"dial \"+49 30 1234567\""_s},
              {u"contact"_s, u"contact \"+49 30 1234567\""_s},
-             {u"incoming"_s, u"ring \"+49 30 1234567\""_s},
+             {u"incoming"_s, u"ring +49301234567"_s},
              {u"dialVia"_s, u"dial-via /ril_1 \"+49 30 1234567\""_s},
              {u"open"_s, u"open https://example.org/voicemail"_s},
              {u"restart"_s, u"restart"_s}})
