@@ -26,6 +26,7 @@ const QLatin1String service("org.ofono");
 const QLatin1String managerPath("/");
 const QLatin1String managerInterface("org.ofono.Manager");
 const QLatin1String modemInterface("org.ofono.Modem");
+const QLatin1String registrationInterface("org.ofono.NetworkRegistration");
 const QLatin1String modemAdded("ModemAdded");
 const QLatin1String modemRemoved("ModemRemoved");
 const QLatin1String onlineProperty("Online");
@@ -100,9 +101,15 @@ QStringList Ofono::onlineModems(const QString &interface) const
 
 QString Ofono::modemFor(const QString &wanted, const QString &interface) const
 {
-    if (wanted.isEmpty())
-        return onlineModems(interface).value(0);
-    return has(wanted, interface) ? wanted : QString();
+    if (!wanted.isEmpty())
+        return has(wanted, interface) ? wanted : QString();
+    const QStringList online = onlineModems(interface);
+    // Without a SIM there is no registration, and only emergency numbers can be called.
+    const auto registers = [this](const QString &modem) {
+        return has(modem, registrationInterface);
+    };
+    const auto found = std::find_if(online.cbegin(), online.cend(), registers);
+    return found == online.cend() ? online.value(0) : *found;
 }
 
 QString Ofono::anyModem(const QString &wanted, const QString &interface) const

@@ -76,7 +76,7 @@ public:
     /// Returns the paths of the modems that are online and have \a interface.
     QStringList onlineModems(const QString &interface) const;
     /// Returns \a wanted if that modem has \a interface. If \a wanted is empty, returns the first
-    /// modem that is online and has it. Otherwise returns nothing.
+    /// modem that is online and has it, preferably one with a SIM. Otherwise returns nothing.
     QString modemFor(const QString &wanted, const QString &interface) const;
     /// Returns a modem that has \a interface, in any case if there is one: \a wanted if possible,
     /// or one that is online, or any.

@@ -177,9 +177,12 @@ class Handset:
         picture.unlink()
 
     def recover(self, check):
-        """Keeps a picture after a check that failed, and starts the call UI anew for the next."""
+        """Keeps a picture after a check that failed. For the next one, it ends all calls and starts
+        the call UI anew."""
         with contextlib.suppress(Failed):
             self.screenshot(f"failed-{check}")
+            self.network("SetNetwork", "ss", "lost", "")
+            self.network("SetNetwork", "ss", "back", "")
             self.restart()
 
     def keep_journals(self):

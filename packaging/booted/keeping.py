@@ -143,6 +143,8 @@ def purged(handset):
     left = [
         name
         for name in added
-        if not name.startswith(("home/", "var/lib/dpkg/", "var/lib/systemd/"))
+        if not name.startswith(
+            ("home/", "var/lib/dpkg/", "var/lib/modems/", "var/lib/ofono/", "var/lib/systemd/")
+        )
     ]
     expect(not left, "left behind: " + " ".join(sorted(left)))

@@ -56,6 +56,7 @@ private Q_SLOTS:
     void dials();
     void dialsThroughAModem();
     void dialsThroughAnOnlineModem();
+    void dialsThroughAModemWithASim();
     void dialsWhenTheStackIsKnown();
     void refusesNumbers_data();
     void refusesNumbers();
@@ -452,6 +453,19 @@ void TestCalls::dialsThroughAnOnlineModem()
     QTRY_COMPARE(m_calls->modems(), QStringList());
     m_calls->dial(u"111"_s);
     QCOMPARE(failure(), u"dial 0 111 NoModem"_s);
+}
+
+void TestCalls::dialsThroughAModemWithASim()
+{
+    startStack({first});
+    QVariantMap withSim = FakeOfono::modem();
+    withSim[u"Interfaces"_s] = withSim.value(u"Interfaces"_s).toStringList()
+        + QStringList(u"org.ofono.NetworkRegistration"_s);
+    m_ofono->addModem(second, withSim);
+    startCalls();
+    QTRY_COMPARE(m_calls->modems(), QStringList({first, second}));
+    m_calls->dial(u"111"_s);
+    QCOMPARE(m_ofono->next(u"Dial"_s).path(), second);
 }
 
 /// A request to dial may start the process.
