@@ -80,6 +80,7 @@ bool SimulatedTelephony::endAll() const
         const auto list = calls.arguments().value(0).value<QDBusArgument>();
         list.beginArray();
         const bool isEmpty = list.atEnd();
+        list.endArray();
         return isEmpty || (call(modem, u"org.ofono.VoiceCallManager"_s, u"HangupAll"_s, {}), false);
     };
     return QTest::qWaitFor(areEnded, patience);
