@@ -192,6 +192,8 @@ Item {
             miss(call);
         else if (wasTaken && line.active && call.reason !== "local")
             callScreen.notify(qsTr("The call with %1 has ended").arg(Words.caller(call)));
+        if (!line.active)
+            callScreen.notify(""); // It is about a call that is over.
         if (missed !== null && current === dialPad && !line.active && line.ringing === null)
             presentMissed();
         if (current !== callScreen && current !== incomingScreen)

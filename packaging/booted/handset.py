@@ -58,6 +58,14 @@ class Handset:
         """Checks that a modem tells of something."""
         wait_until(lambda: self.modem_told(pattern), f"a modem tells {pattern}", 15)
 
+    def start_ofono(self):
+        """Starts oFono anew, and waits until it knows the SIM."""
+        ready = r"Network\.Ready"
+        before = len(self.modem_told(ready))
+        self.machine.run("systemctl", "reset-failed", "ofono.service")
+        self.machine.run("systemctl", "start", "ofono.service")
+        wait_until(lambda: len(self.modem_told(ready)) > before, "oFono knows the SIM")
+
     def expect_log(self, part):
         """Checks that the current process of the call UI logs something."""
         wait_until(lambda: self.log(part), part, 15)

@@ -65,7 +65,8 @@ def toned(handset):
     wait_until(
         lambda: "".join(handset.modem_told(r"TonesSent \('/ril_0', '(.*)'\)")) == "12", "the tones"
     )
-    dismiss(handset)
+    handset.network("Remote", "ss", "hangup", "")
+    handset.expect_no_window()
 
 
 @check("a quick reply ends the call, and goes out as a message")
@@ -114,10 +115,8 @@ def without_ofono(handset):
     handset.expect_full_screen()
     handset.screenshot("without-ofono")
     handset.hide()
-    handset.machine.run("systemctl", "reset-failed", "ofono.service")
-    handset.machine.run("systemctl", "start", "ofono.service")
+    handset.start_ofono()
     wait_until(lambda: len(handset.log("telephony: ready")) == 2, "the telephony is ready again")
-    wait_until(lambda: len(handset.modem_told(r"Ready.*ril_0")) >= 2, "the modem is ready again")
 
 
 @check("a SIM that moves to the other modem is followed")
@@ -175,7 +174,7 @@ def barred(handset):
         handset.hide()
     finally:
         machine.run("systemctl", "stop", "simulated-telephony.service", check=False)
-        machine.run("systemctl", "start", "ofono.service")
+        handset.start_ofono()
     handset.restart()
 
 
