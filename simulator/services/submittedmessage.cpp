@@ -129,7 +129,7 @@ QString readNumber(Reader &reader)
 void readHeader(const QByteArray &header, SubmittedMessage &message)
 {
     Reader reader(header);
-    while (reader.left() >= 2) {
+    while (reader.isValid() && reader.left() >= 2) {
         const int element = reader.byte();
         const QByteArray data = reader.bytes(reader.byte());
         const auto at = [&data](int i) { return static_cast<uchar>(data.at(i)); };

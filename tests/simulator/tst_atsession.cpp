@@ -40,6 +40,7 @@ private Q_SLOTS:
     void joinsThePartsOfAMessage();
     void refusesAMessage_data();
     void refusesAMessage();
+    void readsAHeaderThatIsCutShort();
     void takesAMessageBack();
     void asksTheNetwork();
     void readsTheFilesOfTheSim_data();
@@ -334,6 +335,12 @@ void TestAtSession::refusesAMessage()
     QCOMPARE(send(pdu, tooLong), QByteArray("+CMS ERROR: 304"));
     QCOMPARE(m_told, QStringList());
     QCOMPARE(ask("AT"), QByteArray("OK"));
+}
+
+void TestAtSession::readsAHeaderThatIsCutShort()
+{
+    QCOMPARE(send("004100048155150004050400050102"), QByteArray("+CMGS: 1|OK"));
+    QCOMPARE(m_told, QStringList(u"to 5551: "_s));
 }
 
 void TestAtSession::takesAMessageBack()
