@@ -68,13 +68,16 @@ QByteArray SimFiles::answer(int command, int file, int p1, int p2, int length) c
         header[13] = records == 0 ? '\0' : '\1';
         return ok(header + static_cast<char>(records));
     }
+    const auto isByte = [](int value) { return value >= 0 && value < 256; };
+    if (!isByte(p1) || !isByte(p2) || !isByte(length))
+        return wrongPlace;
     const int offset = command == ReadRecord ? (p1 - 1) * records : p1 * 256 + p2;
     const bool isRead = command == ReadRecord ? records > 0 : command == ReadBinary && records == 0;
     if (!isRead)
         return wrongCommand;
     const int size = length == 0 ? content.size() - offset : length;
-    const bool isInside = p1 >= 0 && p1 < 256 && p2 >= 0 && p2 < 256 && offset >= 0 && size > 0
-        && size < 256 && offset + size <= content.size();
+    const bool isInside =
+        offset >= 0 && isByte(size) && size > 0 && offset + size <= content.size();
     return isInside ? ok(content.mid(offset, size)) : wrongPlace;
 }
 
