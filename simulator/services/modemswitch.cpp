@@ -57,6 +57,8 @@ void ModemSwitch::retry()
     for (const QString &modem : qAsConst(m_modems)) {
         if (!m_powered.contains(modem))
             power(modem);
+        else if (!m_online.contains(modem))
+            m_again.insert(modem);
     }
 }
 
@@ -114,17 +116,21 @@ void ModemSwitch::begin()
     m_powered.clear();
     m_online.clear();
     m_ready.clear();
+    m_again.clear();
     retry();
 }
 
 /// If that fails, the modem is not there yet, or does not answer. It is announced later, or
-/// retry() is called.
+/// retry() is called, perhaps before the failure is known.
 void ModemSwitch::power(const QString &modem)
 {
     m_powered.insert(modem);
     set(modem, poweredProperty, [this, modem](bool isDone) {
+        const bool isTriedAgain = m_again.remove(modem);
         if (!isDone) {
             m_powered.remove(modem);
+            if (isTriedAgain)
+                power(modem);
             return;
         }
         set(modem, onlineProperty, [this, modem](bool isOnline) {

@@ -58,4 +58,5 @@ private:
     QSet<QString> m_powered; ///< Or being switched on.
     QSet<QString> m_online;
     QSet<QString> m_ready;
+    QSet<QString> m_again; ///< To be switched on once more if it fails this time.
 };
