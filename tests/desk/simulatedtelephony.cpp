@@ -72,16 +72,22 @@ bool SimulatedTelephony::manage(const QString &method) const
     return isDone(call(modem, u"org.ofono.VoiceCallManager"_s, method, {}));
 }
 
+bool SimulatedTelephony::hasCalls() const
+{
+    const QDBusMessage calls = call(u"/"_s, network, u"ListCalls"_s, {});
+    const auto list = calls.arguments().value(0).value<QDBusArgument>();
+    list.beginArray();
+    const bool isEmpty = list.atEnd();
+    list.endArray();
+    return !isEmpty;
+}
+
 /// oFono leaves a waiting call alone when it ends all of them.
 bool SimulatedTelephony::endAll() const
 {
     const auto areEnded = [this] {
-        const QDBusMessage calls = call(u"/"_s, network, u"ListCalls"_s, {});
-        const auto list = calls.arguments().value(0).value<QDBusArgument>();
-        list.beginArray();
-        const bool isEmpty = list.atEnd();
-        list.endArray();
-        return isEmpty || (call(modem, u"org.ofono.VoiceCallManager"_s, u"HangupAll"_s, {}), false);
+        return !hasCalls()
+            || (call(modem, u"org.ofono.VoiceCallManager"_s, u"HangupAll"_s, {}), false);
     };
     return QTest::qWaitFor(areEnded, patience);
 }

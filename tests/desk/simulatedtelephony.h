@@ -26,6 +26,8 @@ public:
     bool remote(const QString &action) const;
     /// Calls a method of the first modem's org.ofono.VoiceCallManager, as another client.
     bool manage(const QString &method) const;
+    /// Returns whether a modem has a call.
+    bool hasCalls() const;
     /// Ends all calls, and waits until there are none.
     bool endAll() const;
 

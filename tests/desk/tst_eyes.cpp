@@ -89,10 +89,16 @@ Request::Step showing(const QString &summary)
     };
 }
 
+/// The screens show a call before the modem has it, and nobody could end it then.
+bool reachesTheModem(UiUnderTest &, const SimulatedTelephony &telephony)
+{
+    return QTest::qWaitFor([&] { return telephony.hasCalls(); }, patience);
+}
+
 const QVector<Request> &requests()
 {
     const QVector<Request::Step> dialled{calling(u"dial"_s, {u"+49 30 1234567"_s}),
-                                         showing(u"calling +49301234567"_s)};
+                                         showing(u"calling +49301234567"_s), &reachesTheModem};
     const QVector<Request::Step> answered{
         // The modem tells the screens before the stack has the call.
         [](UiUnderTest &, const SimulatedTelephony &telephony) {
