@@ -46,10 +46,10 @@ public:
     QStringList emergencyNumbers() const { return m_emergencyNumbers; }
     ServiceDialogue *dialogue() { return &m_dialogue; }
 
-    /// Calls \a number, in any usual form, through \a modem or the first that is online. If the
-    /// stack is just starting, this waits for it. A number such as *100# begins the dialogue
-    /// instead. An emergency number is dialled whatever it looks like, and through any modem if
-    /// \a modem cannot.
+    /// Calls \a number, in any usual form, through \a modem, or the first that is online,
+    /// preferably one with a SIM. If the stack is just starting, this waits for it. A number such
+    /// as *100# begins the dialogue instead. An emergency number is dialled whatever it looks like,
+    /// and through any modem if \a modem cannot.
     Q_INVOKABLE void dial(const QString &number, const QString &modem = QString());
     /// Answers \a call. If it is waiting, this is the same as holdAndAnswer().
     Q_INVOKABLE void answer(int call);
