@@ -7,10 +7,11 @@ function bringToFront() {
         __window.visible = true;
         __window.requestActivate();
     } else {
-        // A Wayland compositor raises a window only when it is shown anew.
-        if (!__window.active)
+        // A Wayland compositor raises a window only when it is shown anew. Some X11 window managers
+        // lose a window that is hidden and shown at once, and all of them raise it on request.
+        if (Qt.platform.pluginName.startsWith("wayland") && !__window.active)
             __window.hide();
         __window.showFullScreen(); // This activates it as well.
     }
-    __window.raise(); // X11 raises it on request, also if it is active but covered.
+    __window.raise(); // On X11 it may be active but covered.
 }
