@@ -17,9 +17,6 @@ BaseScreen {
     readonly property string number: call !== null ? call.number : ""
     /// Whether the user speaks with somebody else meanwhile.
     readonly property bool isWaiting: call !== null && call.callState === "waiting"
-    /// Whether the stack can hold the other calls: it holds no call yet, or none is active.
-    readonly property bool canHold: !line.ongoing
-        || !line.others.some(function(other) { return other.callState === "held"; })
     property Replies replies
     property RemindersBase reminders
     property Line line
@@ -60,7 +57,7 @@ BaseScreen {
     Keys.onPressed: {
         if (event.key !== Qt.Key_Return && event.key !== Qt.Key_Enter)
             return;
-        answerRequested(!canHold);
+        answerRequested(!line.canHold);
         event.accepted = true;
     }
 
@@ -137,7 +134,7 @@ BaseScreen {
             Label {
                 color: Style.dimText
                 size: 13
-                text: (screen.canHold ? qsTr("Answering holds the call with %1")
+                text: (screen.line.canHold ? qsTr("Answering holds the call with %1")
                                       : qsTr("Answering ends the call with %1"))
                       .arg(Words.isolated(screen.line.name))
                 visible: screen.line.active
@@ -247,7 +244,7 @@ BaseScreen {
                 name: qsTr("End the other call and answer")
                 objectName: "end and answer"
                 size: 56
-                visible: screen.isWaiting && screen.canHold
+                visible: screen.isWaiting && screen.line.canHold
                 y: Style.px(8)
                 onClicked: screen.answerRequested(true)
             }
@@ -259,7 +256,7 @@ BaseScreen {
                 label: qsTr("Answer")
                 objectName: "answer"
                 size: 64
-                onClicked: screen.answerRequested(!screen.canHold)
+                onClicked: screen.answerRequested(!screen.line.canHold)
             }
         }
     }

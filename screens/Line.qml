@@ -44,6 +44,9 @@ QtObject {
     /// The calls that are neither on the screen, nor in its conference, nor ringing.
     readonly property var others: view.others
     readonly property bool isConference: members.length > 0
+    /// Whether the stack can hold the calls for another one: it holds none yet, or none is active.
+    readonly property bool canHold: !ongoing
+        || !others.some(function(other) { return other.callState === "held"; })
     readonly property string number: main !== null ? main.number : ""
     readonly property string name: isConference ? qsTr("Conference") : Words.caller(main)
     /// The modem of the call, where it matters: the user or whoever asked for the call has chosen it.

@@ -7,25 +7,28 @@ import "."
 import "text.js" as Words
 import "window.js" as Window
 
-/// All screens, and the requests that they handle.
+/// What the phone does with requests, calls and messages, and which screen it shows.
 Item {
     id: phone
 
-    property Item current: dialPad
     readonly property alias line: line
+    readonly property alias reminders: base
+    readonly property alias replies: texts
+    readonly property alias sims: cards
+    readonly property alias stage: stage
+    readonly property DialPad dialPad: stage.dialPad.item
+    /// The screen that is shown, perhaps below a box.
+    property OnDemand current: stage.dialPad
     /// The screens have come to the front for a call, and go again when it has ended.
     property bool summoned: false
-    // What may be above a screen.
-    readonly property var boxes: [dialog, networkDialog.item, simChoice.item, sheet]
-    readonly property Item topmost: boxes.filter(isOpen)[0] || current
+    readonly property Item topmost: stage.boxes.filter(isOpen)[0] || current.item
+    /// The call that rings here, as a barred one does not; null if there is none.
+    readonly property var incoming: {
+        var screen = stage.incomingScreen.item;
+        return screen !== null && screen.ringing ? screen.call : null;
+    }
     /// The last call that was missed, which the user has not seen yet; null if there is none.
     property var missed: null
-    /// Whether the parts of a screen are side by side, as on a phone that is held sideways.
-    readonly property bool wide: width > height * 1.2
-    /// The scale of the screens; 1 for a screen that is 360 pixels wide and 640 high, or a wide one
-    /// of 720 pixels and 400.
-    readonly property real unit: wide ? Math.min(width / 720, height / 400)
-                                      : Math.min(stage.width / 360, height / 640)
 
     /// A screen wants these URLs to be opened.
     signal urlsRequested(var urls)
@@ -34,14 +37,24 @@ Item {
         return box !== null && box.open;
     }
 
+    function close(box) {
+        if (isOpen(box.item))
+            box.item.open = false;
+    }
+
     function closeBoxes() {
-        boxes.filter(isOpen).forEach(function(box) { box.open = false; });
+        stage.boxes.filter(isOpen).forEach(function(box) { box.open = false; });
+    }
+
+    function turnTo(screen) {
+        screen.made();
+        current = screen;
     }
 
     // Show the new screen before hiding the old one, so that nothing else is shown in between.
     function present(screen) {
-        current = screen;
-        if (screen !== dialPad)
+        turnTo(screen);
+        if (screen !== stage.dialPad)
             dialPad.note = null;
         closeBoxes();
         bringToFront();
@@ -49,7 +62,7 @@ Item {
 
     function presentPad(number) {
         dialPad.fill(number);
-        present(dialPad);
+        present(stage.dialPad);
     }
 
     /// Returns a note of what has happened, which is logged in English. A "%1" in the text stands
@@ -62,33 +75,37 @@ Item {
 
     function presentNote(note) {
         dialPad.notify(note);
-        present(dialPad);
+        present(stage.dialPad);
     }
 
     function presentContact(number) {
-        contactCard.show(number, null);
-        reminderList.learn(number);
-        present(contactCard);
+        stage.contactCard.made().show(number, null);
+        learn(number);
+        present(stage.contactCard);
     }
 
     // Show the sheet first, so that the contact card is not shown without it.
     function presentSheet(number) {
-        sheet.show(number);
-        contactCard.show(number, null);
-        current = contactCard;
+        stage.sheet.made().show(number);
+        stage.contactCard.made().show(number, null);
+        turnTo(stage.contactCard);
         dialPad.note = null;
-        dialog.open = false;
+        close(stage.dialog);
         bringToFront();
     }
 
     function bringToFront() {
         if (!__window.visible)
-            summoned = line.active || incomingScreen.ringing;
+            summoned = line.active || incoming !== null;
         Window.bringToFront();
     }
 
+    function learn(number) {
+        stage.reminderList.made().learn(number);
+    }
+
     function remind(number, when) {
-        reminderList.learn(number);
+        learn(number);
         base.createWithStrings(number, when, qsTr("Phone"), number,
                                qsTr("Call back %1").arg(Words.isolated(number)),
                                Qt.formatDateTime(when, qsTr("ddd d MMM yyyy, hh:mm", "date")));
@@ -103,13 +120,13 @@ Item {
             presentPad(number);
             dialPad.refuse();
         } else if (Words.isRequest(number)) {
-            networkDialog.active = true;
+            stage.networkDialog.active = true;
             presentPad("");
             line.ask(number, modem);
         } else {
-            reminderList.learn(number);
+            learn(number);
             line.dial(number, modem);
-            present(callScreen);
+            present(stage.callScreen);
             dialPad.fill("");
         }
     }
@@ -121,8 +138,7 @@ Item {
             place(number, "");
             return;
         }
-        simChoice.active = true;
-        simChoice.item.ask(number);
+        stage.simChoice.made().ask(number);
     }
 
     function receive() {
@@ -132,32 +148,42 @@ Item {
             line.refuse(call);
             return;
         }
-        reminderList.learn(call.number);
-        incomingScreen.ring(call);
-        present(incomingScreen);
+        learn(call.number);
+        stage.incomingScreen.made().ring(call);
+        present(stage.incomingScreen);
     }
 
     // The call screen has another call, or the first one: it may have been dialled elsewhere.
     function turnToCall() {
         if (line.ringing === null)
-            present(callScreen);
+            present(stage.callScreen);
     }
 
     // The call was taken, perhaps not here, or it has ended.
     function stopRinging() {
-        incomingScreen.stop();
-        if (line.active && current === incomingScreen)
-            current = callScreen;
+        if (incoming !== null)
+            stage.incomingScreen.item.stop();
+        if (line.active && current === stage.incomingScreen)
+            turnTo(stage.callScreen);
+    }
+
+    function decline(call) {
+        turnAway(call, QT_TR_NOOP("Declined %1"));
     }
 
     /// The text has a "%1" for the caller.
-    function turnAway(text) {
-        var call = incomingScreen.call;
+    function turnAway(call, text) {
         var logged = call.number === "" ? "Private number" : call.number;
-        var happened = note(text, incomingScreen.caller, logged);
-        incomingScreen.stop();
+        var happened = note(text, Words.caller(call), logged);
+        stage.incomingScreen.item.stop();
         line.refuse(call);
         tell(happened);
+    }
+
+    /// Says something on the call screen, or takes it away if the text is empty.
+    function notify(text) {
+        if (text !== "" || stage.callScreen.item !== null)
+            stage.callScreen.made().notify(text);
     }
 
     /// Tells what has happened where the user is. Whoever was called to the front for a call goes.
@@ -165,10 +191,10 @@ Item {
         if (line.ringing !== null) {
             return;
         } else if (line.active) {
-            callScreen.notify(happened.shown);
-            present(callScreen);
+            notify(happened.shown);
+            present(stage.callScreen);
         } else if (summoned) {
-            current = dialPad;
+            turnTo(stage.dialPad);
             __window.hide();
         } else {
             presentNote(happened);
@@ -179,10 +205,9 @@ Item {
         tell(note(text, Words.display(number), number));
     }
 
-    function reply(text) {
-        var call = incomingScreen.call;
+    function reply(call, text) {
         line.send(call.number, text, call.modem);
-        turnAway(QT_TR_NOOP("Replying to %1…"));
+        turnAway(call, QT_TR_NOOP("Replying to %1…"));
     }
 
     // A call has ended.
@@ -191,17 +216,17 @@ Item {
         if (!wasTaken && !isRefused && call.reason !== "local")
             miss(call);
         else if (wasTaken && line.active && call.reason !== "local")
-            callScreen.notify(qsTr("The call with %1 has ended").arg(Words.caller(call)));
+            notify(qsTr("The call with %1 has ended").arg(Words.caller(call)));
         if (!line.active)
-            callScreen.notify(""); // It is about a call that is over.
-        if (missed !== null && current === dialPad && !line.active && line.ringing === null)
+            notify(""); // It is about a call that is over.
+        if (missed !== null && current === stage.dialPad && !line.active && line.ringing === null)
             presentMissed();
-        if (current !== callScreen && current !== incomingScreen)
+        if (current !== stage.callScreen && current !== stage.incomingScreen)
             return;
         if (line.ringing !== null)
-            current = incomingScreen;
+            turnTo(stage.incomingScreen);
         else if (line.active)
-            current = callScreen;
+            turnTo(stage.callScreen);
         else if (missed !== null)
             presentMissed();
         else
@@ -212,7 +237,7 @@ Item {
     function goAfter(call) {
         if (call.direction === "outgoing" && call.startTime === undefined && call.reason === "remote")
             dialPad.notify(note(QT_TR_NOOP("%1 did not take the call"), Words.caller(call), call.number));
-        current = dialPad;
+        turnTo(stage.dialPad);
         if (summoned)
             __window.hide();
     }
@@ -222,27 +247,27 @@ Item {
         missed = call;
         Log.tell("screen: missed call from " + (call.number || "a private number"));
         if (line.active)
-            callScreen.notify(qsTr("Missed call from %1").arg(Words.caller(call)));
+            notify(qsTr("Missed call from %1").arg(Words.caller(call)));
     }
 
     function presentMissed() {
         var call = missed;
         missed = null;
-        contactCard.show(call.number, call);
-        reminderList.learn(call.number);
+        stage.contactCard.made().show(call.number, call);
+        learn(call.number);
         summoned = false; // It stays until the user has seen it.
-        present(contactCard);
+        present(stage.contactCard);
     }
 
     // Nothing came of what the user wanted. Without a network, no other call comes about either.
     function explain(action, number, why, isWithoutNetwork) {
         if (line.ringing !== null) {
-            if (!incomingScreen.ringing)
+            if (incoming === null)
                 receive(); // It still rings.
         } else if (line.active) {
-            callScreen.notify(why);
+            notify(why);
         } else if (action === "dial" && isWithoutNetwork) {
-            current = dialPad;
+            turnTo(stage.dialPad);
             showError(why);
         } else {
             presentNote({shown: why, logged: why});
@@ -254,27 +279,29 @@ Item {
             presentMissed();
             return;
         }
-        current = incomingScreen.ringing ? incomingScreen : line.active ? callScreen : dialPad;
+        turnTo(incoming !== null ? stage.incomingScreen
+                                 : line.active ? stage.callScreen : stage.dialPad);
     }
 
     function leaveContact() {
-        var wasMissed = contactCard.missed !== null;
-        contactCard.missed = null;
+        var card = stage.contactCard.item;
+        var wasMissed = card.missed !== null;
+        card.missed = null;
         leave();
-        if (wasMissed && current === dialPad)
+        if (wasMissed && current === stage.dialPad)
             __window.hide();
     }
 
     function sendReply(index) {
         var text = texts.has(index) ? texts.text(index) : "";
-        if (incomingScreen.ringing && incomingScreen.number !== "" && text !== "")
-            reply(text);
+        if (incoming !== null && incoming.number !== "" && text !== "")
+            reply(incoming, text);
         else
             presentNote(note(QT_TR_NOOP("No reply to send")));
     }
 
     function changeReplies(command, text, index) {
-        present(quickReplies);
+        present(stage.quickReplies);
         if (command === "add")
             texts.add(text);
         else if (command === "edit" && texts.has(index))
@@ -297,7 +324,7 @@ Item {
             return;
         }
         urlsRequested([url]);
-        if (current !== dialPad)
+        if (current !== stage.dialPad)
             dialPad.fill("");
     }
 
@@ -308,21 +335,21 @@ Item {
 
     function showOngoing() {
         if (line.active)
-            present(callScreen);
+            present(stage.callScreen);
         else
             presentNote(note(QT_TR_NOOP("No ongoing call")));
     }
 
     function showError(why) {
-        dialog.show(why);
-        sheet.open = false;
+        stage.dialog.made().show(why);
+        close(stage.sheet);
         dialPad.note = null;
         bringToFront();
     }
 
     function toggleCall() {
-        if (incomingScreen.ringing) {
-            line.answer(!incomingScreen.canHold);
+        if (incoming !== null) {
+            line.answer(!line.canHold);
         } else if (line.active) {
             line.hangUp();
         } else {
@@ -342,16 +369,16 @@ Item {
 
     function forget(number) {
         presentContact(number);
-        contactCard.reminder.remove();
+        stage.contactCard.item.reminder.remove();
     }
 
     function presentReminders() {
-        present(reminderList);
+        present(stage.reminderList);
     }
 
     function presentPages(urls) {
-        pageScreen.open(urls);
-        present(pageScreen);
+        stage.pageScreen.made().open(urls);
+        present(stage.pageScreen);
     }
 
     RemindersBase {
@@ -394,174 +421,26 @@ Item {
         onTriggered: line.load()
     }
 
-    Item {
+    // A call may come from now on, and has to be seen at once.
+    Timer {
+        interval: 0
+        running: line.status === "ready"
+        onTriggered: stage.prepareForCalls()
+    }
+
+    Stage {
         id: stage
 
-        anchors.bottom: parent.bottom
-        anchors.horizontalCenter: parent.horizontalCenter
-        anchors.top: parent.top
-        // A screen reader finds only what can be used below the sheet and the dialog.
-        enabled: phone.topmost === phone.current
-        width: phone.wide ? parent.width : Math.min(parent.width, Math.round(parent.height * 0.75))
-
-        StatusBar {
-            id: statusBar
-
-            inCall: line.active
-            sims: cards
-            watched: __window.visible
-            width: parent.width
-        }
-
-        CallStrip {
-            id: strip
-
-            readonly property Item target: incomingScreen.ringing ? incomingScreen : callScreen
-
-            anchors.top: statusBar.bottom
-            open: (line.active || incomingScreen.ringing) && phone.current !== target
-            text: target === incomingScreen
-                  ? Words.isolated(incomingScreen.caller) + "  ·  " + qsTr("Incoming call")
-                  : Words.isolated(line.name) + "  ·  " + line.state
-            width: parent.width
-            onClicked: phone.current = target
-        }
-
-        Item {
-            anchors.bottom: parent.bottom
-            anchors.left: parent.left
-            anchors.right: parent.right
-            anchors.top: strip.bottom
-
-            DialPad {
-                id: dialPad
-
-                current: phone.current === dialPad
-                line: phone.line
-                now: statusBar.now
-                reminders: base
-                sims: cards
-                watched: __window.visible
-                onCallRequested: phone.call(number)
-                onCloseRequested: __window.hide()
-                onRemindersRequested: phone.current = reminderList
-                onRepliesRequested: phone.current = quickReplies
-                onSpecialRequested: phone.openSpecial(service, url)
-            }
-
-            CallScreen {
-                id: callScreen
-
-                current: phone.current === callScreen
-                line: phone.line
-                now: statusBar.now
-                onAddRequested: phone.current = dialPad
-                onCloseRequested: phone.current = dialPad
-                onEndRequested: phone.line.hangUp()
-                onRemindRequested: sheet.show(number)
-            }
-
-            IncomingScreen {
-                id: incomingScreen
-
-                current: phone.current === incomingScreen
-                line: phone.line
-                now: statusBar.now
-                reminders: base
-                replies: texts
-                onAnswerRequested: phone.line.answer(ending)
-                onCloseRequested: phone.current = line.active ? callScreen : dialPad
-                onDeclineRequested: phone.turnAway(QT_TR_NOOP("Declined %1"))
-                onEditRequested: phone.current = quickReplies
-                onRemindRequested: sheet.show(number)
-                onReplyRequested: phone.reply(text)
-            }
-
-            ContactCard {
-                id: contactCard
-
-                current: phone.current === contactCard
-                line: phone.line
-                now: statusBar.now
-                reminders: base
-                sims: cards
-                onCallRequested: phone.call(number)
-                onCloseRequested: phone.leaveContact()
-                onRemindRequested: sheet.show(number)
-            }
-
-            PageScreen {
-                id: pageScreen
-
-                current: phone.current === pageScreen
-                onCloseRequested: phone.leave()
-            }
-
-            QuickReplies {
-                id: quickReplies
-
-                current: phone.current === quickReplies
-                replies: texts
-                onCloseRequested: phone.leave()
-            }
-
-            ReminderList {
-                id: reminderList
-
-                current: phone.current === reminderList
-                now: statusBar.now
-                reminders: base
-                onChosen: phone.presentContact(number)
-                onCloseRequested: phone.leave()
-            }
-        }
-    }
-
-    RemindSheet {
-        id: sheet
-
         anchors.fill: parent
-        now: statusBar.now
-        reminders: base
-        onChosen: {
-            phone.remind(number, when);
-            if (phone.current === incomingScreen && incomingScreen.ringing)
-                phone.turnAway(QT_TR_NOOP("Declined %1"));
-        }
-    }
-
-    // These are rarely seen, and only made for it.
-    Loader {
-        id: simChoice
-
-        active: false
-        anchors.fill: parent
-        sourceComponent: SimChoice {
-            modems: line.telephone !== null ? line.telephone.calls.modems : []
-            onChosen: phone.place(number, modem)
-        }
-    }
-
-    Loader {
-        id: networkDialog
-
-        active: false
-        anchors.fill: parent
-        sourceComponent: NetworkDialog {
-            dialogue: line.telephone !== null ? line.telephone.calls.dialogue : null
-        }
+        phone: phone
     }
 
     Connections {
         target: line.telephone !== null ? line.telephone.calls.dialogue : null
 
         function onStateChanged() {
-            networkDialog.active = true;
+            stage.networkDialog.active = true;
             phone.bringToFront();
         }
-    }
-
-    ErrorDialog {
-        id: dialog
     }
 }

@@ -72,13 +72,13 @@ Rectangle {
     Binding {
         target: Style
         property: "unit"
-        value: Math.max(0.3, phone.unit)
+        value: Math.max(0.3, phone.stage.unit)
     }
 
     Binding {
         target: Style
         property: "wide"
-        value: phone.wide
+        value: phone.stage.wide
     }
 
     Binding {

@@ -357,10 +357,6 @@
         <translation type="unfinished">لا توجد مكالمة للرد عليها أو إنهائها</translation>
     </message>
     <message>
-        <source>Incoming call</source>
-        <translation type="unfinished">مكالمة واردة</translation>
-    </message>
-    <message>
         <source>Declined %1</source>
         <translation type="unfinished">تم رفض %1</translation>
     </message>
@@ -534,6 +530,13 @@
     <message>
         <source>All calls of this phone are barred by its management</source>
         <translation type="unfinished">جميع مكالمات هذا الهاتف محظورة من قِبل إدارته</translation>
+    </message>
+</context>
+<context>
+    <name>Stage</name>
+    <message>
+        <source>Incoming call</source>
+        <translation type="unfinished">مكالمة واردة</translation>
     </message>
 </context>
 <context>

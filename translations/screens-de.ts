@@ -353,10 +353,6 @@
         <translation type="unfinished">Kein Anruf zum Annehmen oder Beenden</translation>
     </message>
     <message>
-        <source>Incoming call</source>
-        <translation type="unfinished">Eingehender Anruf</translation>
-    </message>
-    <message>
         <source>Declined %1</source>
         <translation type="unfinished">%1 abgelehnt</translation>
     </message>
@@ -522,6 +518,13 @@
     <message>
         <source>All calls of this phone are barred by its management</source>
         <translation type="unfinished">Alle Anrufe dieses Telefons sind durch dessen Verwaltung gesperrt</translation>
+    </message>
+</context>
+<context>
+    <name>Stage</name>
+    <message>
+        <source>Incoming call</source>
+        <translation type="unfinished">Eingehender Anruf</translation>
     </message>
 </context>
 <context>

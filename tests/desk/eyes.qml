@@ -39,7 +39,7 @@ Item {
 
     function report() {
         findPhone(probe);
-        var isScreen = phone.topmost === phone.current;
+        var isScreen = phone.topmost === phone.current.item;
         var texts = [];
         collect(isScreen ? phone : phone.topmost, texts);
         var text = JSON.stringify({summary: phone.topmost.summary, texts: texts,
