@@ -44,6 +44,7 @@ private Q_SLOTS:
     void knowsTheDirection();
     void knowsWithheldNumbers();
     void followsEveryProperty();
+    void tellsForHowLongACallIsActive();
     void tellsWhichCallRingsAndWhichIsOngoing();
     void letsBindingsFollowACall();
     void showsFiftyCalls();
@@ -299,6 +300,41 @@ void TestCalls::followsEveryProperty()
         m_ofono->changeCall(one, u"State"_s, state);
         QTRY_COMPARE(role(0, "callState").toString(), state);
     }
+}
+
+/// A call whose beginning was seen does not depend on the clock. Without that there is only the
+/// clock.
+void TestCalls::tellsForHowLongACallIsActive()
+{
+    const auto ago = [](int minutes) {
+        return QDateTime::currentDateTimeUtc().addSecs(-60 * minutes).toString(Qt::ISODate);
+    };
+    const auto minutes = [this](int row) {
+        return static_cast<int>(m_calls->duration(role(row, "callId").toInt()) / 60000);
+    };
+    QVariantMap before = FakeOfono::call(u"active"_s);
+    before.insert(u"StartTime"_s, ago(10));
+    QVariantMap ahead = FakeOfono::call(u"held"_s);
+    ahead.insert(u"StartTime"_s, ago(-10));
+    startWith({object(one, before), object(two, FakeOfono::call(u"incoming"_s)),
+               object(u"/ril_0/voicecall03"_s, ahead)});
+    QCOMPARE(minutes(0), 10);
+    QCOMPARE(m_calls->duration(role(1, "callId").toInt()), 0.0);
+    QCOMPARE(minutes(2), 0);
+    QCOMPARE(m_calls->duration(0), 0.0);
+
+    m_ofono->changeCall(two, u"State"_s, u"active"_s);
+    m_ofono->changeCall(two, u"StartTime"_s, ago(60));
+    m_ofono->changeCall(one, u"StartTime"_s, ago(60));
+    QTRY_VERIFY(role(1, "startTime").isValid());
+    QTRY_VERIFY(m_calls->duration(role(1, "callId").toInt()) > 0);
+    QCOMPARE(minutes(1), 0);
+    m_ofono->changeCall(two, u"State"_s, u"held"_s);
+    m_ofono->changeCall(two, u"State"_s, u"active"_s);
+    m_ofono->settle();
+    const double soFar = m_calls->duration(role(1, "callId").toInt());
+    QTRY_VERIFY(m_calls->duration(role(1, "callId").toInt()) > soFar);
+    QCOMPARE(minutes(0), 10);
 }
 
 void TestCalls::tellsWhichCallRingsAndWhichIsOngoing()
