@@ -48,6 +48,7 @@ Calls::Calls(QObject *parent)
 void Calls::followModem(const QString &modem)
 {
     const bool isLine = m_ofono.has(modem, managerInterface);
+    bool numbersChange = false;
     const auto line = m_lines.find(modem);
     if (isLine && line == m_lines.end()) {
         QObject *const context = m_lines[modem].context.get();
@@ -64,11 +65,13 @@ void Calls::followModem(const QString &modem)
             fail(QStringLiteral("sendTones"), 0, {}, Telephony::NoAnswer);
         for (const Wish &wish : qAsConst(line->second.wishes))
             fail(wish, Telephony::NoAnswer);
+        numbersChange = updateEmergencyNumbers(line->second.emergencyNumbers, {});
         m_lines.erase(line);
     }
+    const bool modemsChange = updateModems(modem);
     const QPointer<Calls> self(this);
     m_dialogue.followModem(modem);
-    if (self && updateLists() && !isLine)
+    if (self && tellOfLists(modemsChange, numbersChange) && !isLine)
         removeAll(modem);
 }
 
@@ -89,8 +92,8 @@ void Calls::setEmergencyNumbers(const QString &modem, const QVariant &numbers)
     QStringList safe = textsIn(numbers);
     for (QString &number : safe)
         number = PhoneNumber::withoutSeparators(number);
-    m_lines.at(modem).emergencyNumbers = safe;
-    updateLists();
+    const QStringList before = std::exchange(m_lines.at(modem).emergencyNumbers, safe);
+    tellOfLists(false, updateEmergencyNumbers(before, safe));
 }
 
 void Calls::receive(const QDBusMessage &message)
@@ -128,19 +131,43 @@ void Calls::receiveFromCall(const QDBusMessage &message)
         change(message.path(), busProperty(message));
 }
 
-/// Returns whether this object still exists.
-bool Calls::updateLists()
+/// Returns whether the list has changed.
+bool Calls::updateModems(const QString &modem)
 {
-    QStringList numbers;
-    for (const auto &[path, line] : m_lines)
-        numbers += line.emergencyNumbers;
-    numbers.removeDuplicates();
-    const QStringList modems = m_ofono.onlineModems(managerInterface);
-    const bool numbersChange = numbers != m_emergencyNumbers;
-    const bool modemsChange = modems != m_modems;
-    m_emergencyNumbers = numbers;
-    m_modems = modems;
+    const bool belongs = m_ofono.isOnline(modem) && m_ofono.has(modem, managerInterface);
+    const auto place = std::lower_bound(m_modems.cbegin(), m_modems.cend(), modem);
+    const int index = static_cast<int>(place - m_modems.cbegin());
+    const bool isThere = place != m_modems.cend() && *place == modem;
+    if (belongs && !isThere)
+        m_modems.insert(index, modem);
+    else if (!belongs && isThere)
+        m_modems.removeAt(index);
+    return belongs != isThere;
+}
 
+/// Takes what a modem had \a before and has \a now. Returns whether the list has changed.
+bool Calls::updateEmergencyNumbers(const QStringList &before, const QStringList &now)
+{
+    bool changes = false;
+    for (const QString &number : now) {
+        if (++m_numberUses[number] > 1)
+            continue;
+        m_emergencyNumbers.append(number);
+        changes = true;
+    }
+    for (const QString &number : before) {
+        if (--m_numberUses[number] > 0)
+            continue;
+        m_numberUses.erase(number);
+        m_emergencyNumbers.removeOne(number);
+        changes = true;
+    }
+    return changes;
+}
+
+/// Returns whether this object still exists.
+bool Calls::tellOfLists(bool modemsChange, bool numbersChange)
+{
     const QPointer<Calls> self(this);
     if (modemsChange)
         Q_EMIT modemsChanged();

@@ -109,7 +109,9 @@ private:
     void receive(const QDBusMessage &message);
     void receiveFromManager(const QDBusMessage &message);
     void receiveFromCall(const QDBusMessage &message);
-    bool updateLists();
+    bool updateModems(const QString &modem);
+    bool updateEmergencyNumbers(const QStringList &before, const QStringList &now);
+    bool tellOfLists(bool modemsChange, bool numbersChange);
     void startCall(const QString &text, const QString &modem);
     void manage(const QString &action, const QString &method, int call);
     void manageOngoing(const QString &action, const QString &method, const QString &modem);
@@ -125,6 +127,7 @@ private:
     Ofono m_ofono;
     ServiceDialogue m_dialogue;
     std::map<QString, Line> m_lines; ///< By the path of the modem.
-    QStringList m_modems;
+    QStringList m_modems; ///< Sorted.
     QStringList m_emergencyNumbers;
+    std::map<QString, int> m_numberUses; ///< How often the modems have each of them.
 };
