@@ -2,10 +2,11 @@
 // SPDX-License-Identifier: BSD-3-Clause
 
 import QtQuick 2.15
+import QtQuick.Window 2.15
 import com.nimbo.parley 1.0
 import "."
 import "text.js" as Words
-import "window.js" as Window
+import "window.js" as Windowing
 
 /// What the phone does with requests, calls and messages, and which screen it shows.
 Item {
@@ -97,7 +98,7 @@ Item {
     function bringToFront() {
         if (!__window.visible)
             summoned = line.active || incoming !== null;
-        Window.bringToFront();
+        Windowing.bringToFront();
     }
 
     function learn(number) {
@@ -414,9 +415,17 @@ Item {
         }
     }
 
-    // The telephony comes after the first frame, which does not need it.
+    // The telephony comes after the first frame, which does not need it, but also if nobody draws one.
+    Connections {
+        enabled: line.status === "starting"
+        target: phone.Window.window
+        function onFrameSwapped() {
+            line.load();
+        }
+    }
+
     Timer {
-        interval: 0
+        interval: __prestart ? 0 : 1000
         running: true
         onTriggered: line.load()
     }
