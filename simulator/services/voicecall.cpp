@@ -7,6 +7,7 @@
 #include "phoneline.h"
 
 #include <QDBusMessage>
+#include <QLocale>
 
 VoiceCall::VoiceCall(Modem &modem, PhoneLine &line, const NetworkCall &call)
     : m_modem(modem)
@@ -55,8 +56,10 @@ QVariantMap VoiceCall::GetProperties() const
                            {QStringLiteral("RemoteMultiparty"), false},
                            {QStringLiteral("Emergency"), m_isEmergency}};
     if (m_start.isValid())
-        properties.insert(QStringLiteral("StartTime"),
-                          m_start.toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss+0000")));
+        properties.insert(
+            QStringLiteral("StartTime"),
+            // In digits that every locale can read.
+            QLocale::c().toString(m_start, QStringLiteral("yyyy-MM-ddTHH:mm:ss+0000")));
     return properties;
 }
 
