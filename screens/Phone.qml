@@ -269,9 +269,9 @@ Item {
         } else if (action === "dial" && isWithoutNetwork) {
             turnTo(stage.dialPad);
             showError(why);
-        } else {
+        } else if (["dial", "reply", "cancel"].indexOf(action) >= 0) {
             presentNote({shown: why, logged: why});
-        }
+        } // The others are about a call, which has ended meanwhile.
     }
 
     function leave() {
