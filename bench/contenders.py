@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: BSD-3-Clause
 
 """The programs that bench/peers compares, and the quickest way that each has to be started, to be
-kept ready without a window, and to be asked for its window."""
+kept ready without a window, to be asked for its window, and to be ready for a call."""
 
 import dataclasses
 
@@ -39,6 +39,7 @@ class Contender:
     start: tuple
     ready: tuple = ()
     request: Request = None
+    phoning: tuple = ()
     lasts: bool = True
 
 
@@ -60,7 +61,12 @@ def our_opening():
 
 
 OURS = Contender(
-    "parley-ui", "parley-screens", ("parley-ui",), ("parley-ui", "-prestart"), our_opening()
+    "parley-ui",
+    "parley-screens",
+    ("parley-ui",),
+    ("parley-ui", "-prestart"),
+    our_opening(),
+    ("parley-ui", "-prestart"),
 )
 PEERS = [
     Contender(
@@ -69,6 +75,7 @@ PEERS = [
         ("gnome-calls", "-p", "dummy"),
         ("gnome-calls", "-p", "dummy", "--daemon"),
         opening("org.gnome.Calls"),
+        ("gnome-calls", "-p", "ofono", "--daemon"),
     ),
     Contender("Plasma Dialer", "plasma-dialer", ("plasmaphonedialer",), lasts=False),
     Contender(

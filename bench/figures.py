@@ -39,6 +39,7 @@ class Programs:
         self.bare = [folder / "bench/barehost", screens]
         self.native = [ui, "-qml", qml_folder / "nativescreens.qml"]
         self.reminding = [ui, "-qml", qml_folder / "remindingscreens.qml"]
+        self.shipped = [ui, "-qml", qml_folder / "shippedscreens.qml"]
 
 
 def run_until_drawn(handset, command):
@@ -61,6 +62,25 @@ def count_start(handset, programs, command, times=COUNTS):
         completed.append(counting.counted(output, 1))
         drawn.append(completed[-1] + counting.counted(output, 2))
     return completed, drawn
+
+
+def count_shipped_screens(handset, programs, times=COUNTS):
+    """Returns the instructions from the start to the first frame of the screens that the project
+    ships, and from there until they can phone, each as a list of counts."""
+
+    def run(command):
+        process = handset.start(command)
+        process.wait_for("qml: ready")
+        process.end()
+
+    run(programs.shipped)  # Fills the caches in the home.
+    output = programs.counts / "shipped"
+    drawn, ready = [], []
+    for _ in range(times):
+        run(counting.under_callgrind(programs.shipped, output))
+        drawn.append(counting.counted(output, 1) + counting.counted(output, 2))
+        ready.append(counting.counted(output, 3))
+    return drawn, ready
 
 
 def spread(counts):

@@ -11,7 +11,7 @@ import sys
 from pathlib import Path
 from statistics import median
 
-from figures import count_calls, count_request, count_start
+from figures import count_calls, count_request, count_shipped_screens, count_start
 from handset import Handset
 
 FILE = Path(__file__).resolve().parent / "recorded.json"
@@ -22,6 +22,8 @@ YARDSTICKS = {
     "start to first frame, services present": "bare host",
     "start to first frame, services absent": "bare host",
     "request to first frame": "bare host",
+    "shipped screens, start to first frame": "bare host",
+    "shipped screens, first frame to telephony": "bare host",
     "one dial": PING,
 }
 # The numbers that elf(5) gives them, and the names that uname(1) does.
@@ -54,6 +56,10 @@ def measured(programs):
                 counts["request to first frame"] = round(
                     median(count_request(handset, programs, 1))
                 )
+                drawn, ready = count_shipped_screens(handset, programs, 3)
+                counts["shipped screens, start to first frame"] = round(median(drawn))
+                # A thread that is woken once too often only adds to it.
+                counts["shipped screens, first frame to telephony"] = round(min(ready))
                 ping, dial = count_calls(handset, programs, "Ping", "dial")
                 counts[PING] = round(ping)
                 counts["one dial"] = round(dial)
@@ -115,7 +121,7 @@ def check(programs):
     failed = False
     for name, yardstick in YARDSTICKS.items():
         if name not in before:
-            print(f"{name}: {counts[name]:,} instructions, not recorded for {system()}")
+            print(f"{name}: {counts[name]:,} instructions, not recorded")
             continue
         machine = counts[yardstick] / before[yardstick]
         if yardstick == PING and here == recorded["versions"]:

@@ -129,6 +129,9 @@ class Handset:
 
     def environment(self):
         """Returns the whole environment of a program, for the same instructions each time."""
+        modules = {}
+        if self._handset_program:
+            modules["QML2_IMPORT_PATH"] = str(self._handset_program.parent.parent / "qml")
         return {
             "PATH": os.environ["PATH"],
             "LC_ALL": "C.UTF-8",
@@ -141,6 +144,7 @@ class Handset:
             "QT_QUICK_BACKEND": "software",
             "QT_FORCE_STDERR_LOGGING": "1",
             "QT_HASH_SEED": "0",
+            **modules,
         }
 
     def start(self, command):

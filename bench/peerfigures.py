@@ -20,6 +20,7 @@ sys.dont_write_bytecode = True
 import contenders
 from desk import Desk, memory, rest, wakes
 from handset import Failure
+from telephony import Telephony
 from windows import NoWindow
 
 IDLE = 60  # Seconds.
@@ -86,6 +87,27 @@ class Bench:
             self.add("ready: unique memory", one.name, own)
             for figure in ("first request", "later request"):
                 window = self._request(one, figure)
+                rest(process.pid)
+                self._desk.windows.close_window(window)
+                rest(process.pid)
+
+    def rings(self, one, telephony):
+        """Measures the first call that comes to a process that is ready, and one after it, from the
+        moment when the modem is told to ring, and the memory before them."""
+        with self._desk.running(one.phoning, self._desk.home(one.name)) as (process, _):
+            self._desk.await_name(one.request.name)
+            rest(process.pid)
+            shared, own = memory(process.pid)
+            self.add("phoning: PSS", one.name, shared)
+            self.add("phoning: unique memory", one.name, own)
+            for figure in ("first ring", "later ring"):
+                self._desk.windows.forget()
+                begin = time.monotonic()
+                telephony.ring("+4930555123")
+                mapped, drawn, window = self._desk.windows.appearing()
+                self.add_window(figure, one.name, begin, mapped, drawn)
+                self._keep_picture(one, window, figure)
+                telephony.give_up()
                 rest(process.pid)
                 self._desk.windows.close_window(window)
                 rest(process.pid)
@@ -170,7 +192,19 @@ def measure(options):
         if not options.self_test:
             tell(f"{options.window_system}: idling")
             bench.idle(order)
+            measure_rings(bench, desk, options)
     return bench.figures
+
+
+def measure_rings(bench, desk, options):
+    """Lets all that can phone be called in turn."""
+    order = collections.deque(one for one in contenders.ALL if one.phoning)
+    with Telephony(desk) as telephony:
+        for i in range(options.rounds):
+            tell(f"{options.window_system}: calls, round {i + 1} of {options.rounds}")
+            for one in order:
+                attempt(lambda who: bench.rings(who, telephony), one)
+            order.rotate()
 
 
 def attempt(step, one):

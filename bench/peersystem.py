@@ -27,7 +27,7 @@ qml-module-qtquick-dialogs qml-module-qtquick-templates2 qml-module-qtgraphicale
 qml-module-qt-labs-platform qml-module-qtmultimedia qml-module-qtquick-localstorage
 """.split()
 # What the measurements need.
-TOOLS = "xvfb sway qtwayland5 dbus-daemon python3-dbus python3-xlib".split()
+TOOLS = "xvfb sway qtwayland5 dbus-daemon python3-dbus python3-xlib ofono".split()
 FOLDER = "peers"
 USER = "1000"  # sway and the buses want a user that is known and not root.
 

@@ -35,7 +35,6 @@ class Phone(Handset):
     def __init__(self, build, screens):
         super().__init__("absent", build / "simulator/parley-handset")
         self._ui_command = [build / "app/parley-ui", "-prestart", "-qml", screens]
-        self._modules = build / "qml"
         self._events = collections.Counter()
         self._times = {}
         self._rest = b""
@@ -65,11 +64,7 @@ class Phone(Handset):
         return self
 
     def environment(self):
-        return {
-            **super().environment(),
-            "QML2_IMPORT_PATH": str(self._modules),
-            "QT_LOGGING_RULES": "screens.info=true",
-        }
+        return {**super().environment(), "QT_LOGGING_RULES": "screens.info=true"}
 
     # What the world does.
 

@@ -146,7 +146,7 @@ BaseScreen {
             id: notice
 
             anchors.horizontalCenter: parent.horizontalCenter
-            y: screen.keypad || Style.wide ? Style.px(8) : controls.y - height - Style.px(14)
+            y: Style.px(8)
             z: 1
         }
 

@@ -269,9 +269,9 @@ Item {
         } else if (action === "dial" && isWithoutNetwork) {
             turnTo(stage.dialPad);
             showError(why);
-        } else {
+        } else if (["dial", "reply", "cancel"].indexOf(action) >= 0) {
             presentNote({shown: why, logged: why});
-        }
+        } // The others are about a call, which has ended meanwhile.
     }
 
     function leave() {
@@ -414,9 +414,18 @@ Item {
         }
     }
 
-    // The telephony comes after the first frame, which does not need it.
+    // The telephony comes after the first frame, which does not need it, but also if nobody draws one.
+    Connections {
+        enabled: line.status === "starting"
+        ignoreUnknownSignals: true // A tool that shows the screens may have a window without it.
+        target: __window
+        function onFrameSwapped() {
+            line.load();
+        }
+    }
+
     Timer {
-        interval: 0
+        interval: __prestart ? 0 : 1000
         running: true
         onTriggered: line.load()
     }

@@ -8,6 +8,7 @@
 #include "voicecallmanager.h"
 
 #include <QDBusMessage>
+#include <QLocale>
 
 VoiceCall::VoiceCall(Modem &modem, const VoiceCallManager &manager, PhoneLine &line,
                      const NetworkCall &call)
@@ -58,8 +59,10 @@ QVariantMap VoiceCall::GetProperties() const
                            {QStringLiteral("RemoteMultiparty"), false},
                            {QStringLiteral("Emergency"), m_isEmergency}};
     if (m_start.isValid())
-        properties.insert(QStringLiteral("StartTime"),
-                          m_start.toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss+0000")));
+        properties.insert(
+            QStringLiteral("StartTime"),
+            // In digits that every locale can read.
+            QLocale::c().toString(m_start, QStringLiteral("yyyy-MM-ddTHH:mm:ss+0000")));
     return properties;
 }
 
