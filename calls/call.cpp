@@ -5,9 +5,14 @@
 
 #include <QStringList>
 
+#include <algorithm>
+#include <chrono>
+#include <ctime>
 #include <utility>
 
 namespace {
+
+const QLatin1String active("active");
 
 const QLatin1String dialing("dialing");
 const QLatin1String alerting("alerting");
@@ -18,9 +23,18 @@ const QLatin1String withheld("withheld");
 bool isState(const QString &text)
 {
     static const QStringList states{
-        QStringLiteral("active"),      QStringLiteral("held"), dialing, alerting, incoming, waiting,
-        QStringLiteral("disconnected")};
+        active,  QStringLiteral("held"),        dialing, alerting, incoming,
+        waiting, QStringLiteral("disconnected")};
     return states.contains(text);
+}
+
+/// Returns the time since the start of the system in milliseconds. It goes on while that sleeps.
+qint64 upTime()
+{
+    using namespace std::chrono;
+    timespec time = {};
+    clock_gettime(CLOCK_BOOTTIME, &time);
+    return duration_cast<milliseconds>(seconds(time.tv_sec) + nanoseconds(time.tv_nsec)).count();
 }
 
 template <typename Value>
@@ -63,8 +77,12 @@ QVector<int> Call::set(const BusProperty &property)
     const bool isFlag = property.value.userType() == QMetaType::Bool;
     const QString text = textIn(property.value);
     const bool flag = isTrue(property.value);
-    if (isText && property.name == QLatin1String("State") && isState(text))
-        return assign(m_state, text, State);
+    if (isText && property.name == QLatin1String("State") && isState(text)) {
+        const QString before = m_state;
+        const QVector<int> roles = assign(m_state, text, State);
+        begin(before);
+        return roles;
+    }
     if (isText && property.name == QLatin1String("LineIdentification")) {
         // The other side has refused to tell its number.
         const bool isWithheld = text == withheld;
@@ -73,8 +91,12 @@ QVector<int> Call::set(const BusProperty &property)
     }
     if (isText && property.name == QLatin1String("Name"))
         return assign(m_name, text == withheld ? QString() : text, Name);
-    if (isText && property.name == QLatin1String("StartTime"))
-        return assign(m_startTime, QDateTime::fromString(text, Qt::ISODate), StartTime);
+    if (isText && property.name == QLatin1String("StartTime")) {
+        const QVector<int> roles =
+            assign(m_startTime, QDateTime::fromString(text, Qt::ISODate), StartTime);
+        begin(m_state);
+        return roles;
+    }
     if (isFlag && property.name == QLatin1String("RemoteHeld"))
         return assign(m_remoteHeld, flag, RemoteHeld);
     if (isFlag && property.name == QLatin1String("Multiparty"))
@@ -82,6 +104,23 @@ QVector<int> Call::set(const BusProperty &property)
     if (isFlag && property.name == QLatin1String("Emergency"))
         return assign(m_emergency, flag, Emergency);
     return {};
+}
+
+/// A call that was active before it was first seen has only the clock to tell since when.
+void Call::begin(const QString &stateBefore)
+{
+    if (m_start)
+        return;
+    if (m_state == active && !stateBefore.isEmpty() && stateBefore != active)
+        m_start = upTime();
+    else if (m_startTime.isValid())
+        m_start =
+            upTime() - std::max<qint64>(0, m_startTime.msecsTo(QDateTime::currentDateTimeUtc()));
+}
+
+qint64 Call::duration() const
+{
+    return m_start ? upTime() - *m_start : 0;
 }
 
 void Call::setReason(const QString &reason)

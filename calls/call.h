@@ -9,6 +9,8 @@
 #include <QString>
 #include <QVariantMap>
 
+#include <optional>
+
 /// A call, as oFono describes it (org.ofono.VoiceCall). Texts are safe to be shown.
 class Call
 {
@@ -47,6 +49,10 @@ public:
     /// Sets why it has ended: "local", "remote" or "network". Other texts are ignored.
     void setReason(const QString &reason);
 
+    /// Returns for how long it has been active, in milliseconds, or 0 before. The clock may be set
+    /// meanwhile.
+    qint64 duration() const;
+
     /// Returns the part \a role.
     QVariant value(int role) const;
     /// Returns all parts, with why it has ended as "reason", by name.
@@ -55,6 +61,8 @@ public:
     static QHash<int, QByteArray> roleNames();
 
 private:
+    void begin(const QString &stateBefore);
+
     int m_id;
     QString m_path;
     QString m_modem;
@@ -64,6 +72,7 @@ private:
     QString m_state;
     QString m_reason;
     QDateTime m_startTime;
+    std::optional<qint64> m_start; ///< The same in milliseconds of a clock that nobody sets.
     bool m_withheld = false;
     bool m_remoteHeld = false;
     bool m_conference = false;

@@ -46,6 +46,12 @@ QVariantMap CallModel::call(int call) const
     return found != nullptr ? found->values() : QVariantMap();
 }
 
+double CallModel::duration(int call) const
+{
+    const Call *const found = find(call);
+    return found != nullptr ? static_cast<double>(found->duration()) : 0;
+}
+
 void CallModel::add(const QString &modem, const BusObject &object)
 {
     if (rowOf(object.path) >= 0 || m_calls.size() >= mostBusObjects)

@@ -38,6 +38,9 @@ public:
 
     /// Returns the call with that id with all its roles by name; empty if there is none.
     Q_INVOKABLE QVariantMap call(int call) const;
+    /// Returns for how long the call with that id has been active, in milliseconds, or 0 if it has
+    /// not been. It does not follow the clock when that is set.
+    Q_INVOKABLE double duration(int call) const;
 
 Q_SIGNALS:
     void countChanged();

@@ -9,6 +9,7 @@
 #include <QDBusObjectPath>
 #include <QPointer>
 
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -19,6 +20,11 @@ const QLatin1String emergencyNumbersProperty("EmergencyNumbers");
 const QLatin1String propertyChanged("PropertyChanged");
 const QLatin1String callAdded("CallAdded");
 const QLatin1String disconnectReason("DisconnectReason");
+
+const QLatin1String hangUpAction("hangUp");
+
+/// Those of one modem that wait, besides the urgent ones.
+constexpr int mostWishes = 64;
 
 } // namespace
 
@@ -42,6 +48,7 @@ Calls::Calls(QObject *parent)
 void Calls::followModem(const QString &modem)
 {
     const bool isLine = m_ofono.has(modem, managerInterface);
+    bool numbersChange = false;
     const auto line = m_lines.find(modem);
     if (isLine && line == m_lines.end()) {
         QObject *const context = m_lines[modem].context.get();
@@ -56,11 +63,15 @@ void Calls::followModem(const QString &modem)
     } else if (!isLine && line != m_lines.end()) {
         if (line->second.tones)
             fail(QStringLiteral("sendTones"), 0, {}, Telephony::NoAnswer);
+        for (const Wish &wish : qAsConst(line->second.wishes))
+            fail(wish, Telephony::NoAnswer);
+        numbersChange = updateEmergencyNumbers(line->second.emergencyNumbers, {});
         m_lines.erase(line);
     }
+    const bool modemsChange = updateModems(modem);
     const QPointer<Calls> self(this);
     m_dialogue.followModem(modem);
-    if (self && updateLists() && !isLine)
+    if (self && tellOfLists(modemsChange, numbersChange) && !isLine)
         removeAll(modem);
 }
 
@@ -81,8 +92,8 @@ void Calls::setEmergencyNumbers(const QString &modem, const QVariant &numbers)
     QStringList safe = textsIn(numbers);
     for (QString &number : safe)
         number = PhoneNumber::withoutSeparators(number);
-    m_lines.at(modem).emergencyNumbers = safe;
-    updateLists();
+    const QStringList before = std::exchange(m_lines.at(modem).emergencyNumbers, safe);
+    tellOfLists(false, updateEmergencyNumbers(before, safe));
 }
 
 void Calls::receive(const QDBusMessage &message)
@@ -120,19 +131,43 @@ void Calls::receiveFromCall(const QDBusMessage &message)
         change(message.path(), busProperty(message));
 }
 
-/// Returns whether this object still exists.
-bool Calls::updateLists()
+/// Returns whether the list has changed.
+bool Calls::updateModems(const QString &modem)
 {
-    QStringList numbers;
-    for (const auto &[path, line] : m_lines)
-        numbers += line.emergencyNumbers;
-    numbers.removeDuplicates();
-    const QStringList modems = m_ofono.onlineModems(managerInterface);
-    const bool numbersChange = numbers != m_emergencyNumbers;
-    const bool modemsChange = modems != m_modems;
-    m_emergencyNumbers = numbers;
-    m_modems = modems;
+    const bool belongs = m_ofono.isOnline(modem) && m_ofono.has(modem, managerInterface);
+    const auto place = std::lower_bound(m_modems.cbegin(), m_modems.cend(), modem);
+    const int index = static_cast<int>(place - m_modems.cbegin());
+    const bool isThere = place != m_modems.cend() && *place == modem;
+    if (belongs && !isThere)
+        m_modems.insert(index, modem);
+    else if (!belongs && isThere)
+        m_modems.removeAt(index);
+    return belongs != isThere;
+}
 
+/// Takes what a modem had \a before and has \a now. Returns whether the list has changed.
+bool Calls::updateEmergencyNumbers(const QStringList &before, const QStringList &now)
+{
+    bool changes = false;
+    for (const QString &number : now) {
+        if (++m_numberUses[number] > 1)
+            continue;
+        m_emergencyNumbers.append(number);
+        changes = true;
+    }
+    for (const QString &number : before) {
+        if (--m_numberUses[number] > 0)
+            continue;
+        m_numberUses.erase(number);
+        m_emergencyNumbers.removeOne(number);
+        changes = true;
+    }
+    return changes;
+}
+
+/// Returns whether this object still exists.
+bool Calls::tellOfLists(bool modemsChange, bool numbersChange)
+{
     const QPointer<Calls> self(this);
     if (modemsChange)
         Q_EMIT modemsChanged();
@@ -163,8 +198,12 @@ void Calls::startCall(const QString &text, const QString &modem)
         fail(action, 0, number,
              m_ofono.status() == Telephony::Hung ? Telephony::NoAnswer : Telephony::NoModem);
     else
-        tell(action, 0, number,
-             {chosen, managerInterface, QStringLiteral("Dial"), {number, QString()}, isEmergency});
+        tell(
+            {action,
+             0,
+             number,
+             chosen,
+             {chosen, managerInterface, QStringLiteral("Dial"), {number, QString()}, isEmergency}});
 }
 
 void Calls::answer(int call)
@@ -173,8 +212,11 @@ void Calls::answer(int call)
     if (found != nullptr && found->state() == QLatin1String("waiting"))
         manage(QStringLiteral("answer"), QStringLiteral("HoldAndAnswer"), call);
     else if (found != nullptr)
-        tell(QStringLiteral("answer"), call, found->number(),
-             {found->path(), callInterface, QStringLiteral("Answer"), {}});
+        tell({QStringLiteral("answer"),
+              call,
+              found->number(),
+              found->modem(),
+              {found->path(), callInterface, QStringLiteral("Answer"), {}}});
     else
         fail(QStringLiteral("answer"), call, {}, Telephony::NoCall);
 }
@@ -193,10 +235,13 @@ void Calls::hangUp(int call)
 {
     const Call *const found = find(call);
     if (found != nullptr)
-        tell(QStringLiteral("hangUp"), call, found->number(),
-             {found->path(), callInterface, QStringLiteral("Hangup"), {}, true});
+        tell({hangUpAction,
+              call,
+              found->number(),
+              found->modem(),
+              {found->path(), callInterface, QStringLiteral("Hangup"), {}, true}});
     else
-        fail(QStringLiteral("hangUp"), call, {}, Telephony::NoCall);
+        fail(hangUpAction, call, {}, Telephony::NoCall);
 }
 
 void Calls::hangUpAll(const QString &modem)
@@ -210,8 +255,11 @@ void Calls::hangUpAll(const QString &modem)
     if (modems.isEmpty())
         fail(QStringLiteral("hangUpAll"), 0, {}, Telephony::NoCall);
     for (const QString &path : qAsConst(modems)) {
-        tell(QStringLiteral("hangUpAll"), 0, {},
-             {path, managerInterface, QStringLiteral("HangupAll"), {}, true});
+        tell({QStringLiteral("hangUpAll"),
+              0,
+              {},
+              path,
+              {path, managerInterface, QStringLiteral("HangupAll"), {}, true}});
     }
 }
 
@@ -229,11 +277,14 @@ void Calls::split(int call)
 {
     const Call *const found = find(call);
     if (found != nullptr)
-        tell(QStringLiteral("split"), call, found->number(),
-             {found->modem(),
-              managerInterface,
-              QStringLiteral("PrivateChat"),
-              {QVariant::fromValue(QDBusObjectPath(found->path()))}});
+        tell({QStringLiteral("split"),
+              call,
+              found->number(),
+              found->modem(),
+              {found->modem(),
+               managerInterface,
+               QStringLiteral("PrivateChat"),
+               {QVariant::fromValue(QDBusObjectPath(found->path()))}}});
     else
         fail(QStringLiteral("split"), call, {}, Telephony::NoCall);
 }
@@ -253,6 +304,10 @@ void Calls::sendTones(const QString &tones, const QString &modem)
         fail(action, 0, {}, Telephony::InvalidFormat);
         return;
     }
+    if (!line->second.wishes.isEmpty()) {
+        fail(action, 0, {}, Telephony::InProgress);
+        return;
+    }
     waiting = all;
     if (!isSending)
         sendNextTones(line->first);
@@ -266,14 +321,16 @@ void Calls::sendNextTones(const QString &modem)
     m_ofono.command({modem, managerInterface, QStringLiteral("SendTones"), {tones}},
                     m_ofono.patience().network, line.context.get(),
                     [this, modem](const QDBusMessage &answer) {
-                        std::optional<QString> &waiting = m_lines.at(modem).tones;
+                        Line &its = m_lines.at(modem);
                         const bool isError = answer.type() == QDBusMessage::ErrorMessage;
                         if (isError)
                             fail(QStringLiteral("sendTones"), 0, {}, Telephony::errorOf(answer));
-                        if (isError || waiting->isEmpty())
-                            waiting.reset();
-                        else
+                        if (!isError && !its.tones->isEmpty()) {
                             sendNextTones(modem);
+                        } else {
+                            its.tones.reset();
+                            tellWhatWaits(its);
+                        }
                     });
 }
 
@@ -282,7 +339,11 @@ void Calls::manage(const QString &action, const QString &method, int call)
 {
     const Call *const found = find(call);
     if (found != nullptr)
-        tell(action, call, found->number(), {found->modem(), managerInterface, method, {}});
+        tell({action,
+              call,
+              found->number(),
+              found->modem(),
+              {found->modem(), managerInterface, method, {}}});
     else
         fail(action, call, {}, Telephony::NoCall);
 }
@@ -292,7 +353,7 @@ void Calls::manageOngoing(const QString &action, const QString &method, const QS
 {
     const QString chosen = ongoingModem(modem);
     if (!chosen.isEmpty())
-        tell(action, 0, {}, {chosen, managerInterface, method, {}});
+        tell({action, 0, {}, chosen, {chosen, managerInterface, method, {}}});
     else
         fail(action, 0, {}, Telephony::NoCall);
 }
@@ -304,13 +365,70 @@ QString Calls::ongoingModem(const QString &wanted) const
     return m_lines.count(modem) > 0 ? modem : QString();
 }
 
-void Calls::tell(const QString &action, int call, const QString &number,
-                 const Ofono::Command &command)
+/// oFono refuses everything while it sends tones, and to end a call while it ends another one.
+void Calls::tell(const Wish &wish)
 {
-    m_ofono.command(command, m_ofono.patience().command, this, [=](const QDBusMessage &answer) {
-        if (answer.type() == QDBusMessage::ErrorMessage)
-            fail(action, call, number, Telephony::errorOf(answer));
-    });
+    const auto line = m_lines.find(wish.modem);
+    const bool endsCall = wish.action == hangUpAction;
+    const bool isRefused =
+        line != m_lines.end() && (line->second.tones || (endsCall && line->second.endingCall != 0));
+    if (isRefused)
+        keepForLater(line->second, wish);
+    else
+        give(wish);
+}
+
+/// The tones that follow were not meant for what comes then. A user who sees nothing happen may
+/// touch the button again.
+void Calls::keepForLater(Line &line, const Wish &wish)
+{
+    if (line.tones)
+        line.tones->clear();
+    const auto isSame = [&wish](const Wish &other) {
+        return other.action == wish.action && other.call == wish.call
+            && other.number == wish.number;
+    };
+    const bool endsAlready = wish.action == hangUpAction && wish.call == line.endingCall;
+    if (endsAlready || std::any_of(line.wishes.cbegin(), line.wishes.cend(), isSame))
+        return;
+    if (line.wishes.size() >= mostWishes && !wish.command.isUrgent)
+        fail(wish, Telephony::InProgress);
+    else
+        line.wishes.append(wish);
+}
+
+/// A call that has ended meanwhile need not be ended any more, and another one may have its path.
+void Calls::tellWhatWaits(Line &line)
+{
+    const QVector<Wish> wishes = std::exchange(line.wishes, {});
+    for (const Wish &wish : wishes) {
+        if (wish.call == 0 || find(wish.call) != nullptr)
+            tell(wish);
+        else if (wish.action != hangUpAction)
+            fail(wish, Telephony::NoCall);
+    }
+}
+
+void Calls::give(const Wish &wish)
+{
+    const bool endsCall = wish.action == hangUpAction;
+    if (const auto line = m_lines.find(wish.modem); line != m_lines.end() && endsCall)
+        line->second.endingCall = wish.call;
+    m_ofono.command(wish.command, m_ofono.patience().command, this,
+                    [this, wish, endsCall](const QDBusMessage &answer) {
+                        if (answer.type() == QDBusMessage::ErrorMessage)
+                            fail(wish, Telephony::errorOf(answer));
+                        const auto found = m_lines.find(wish.modem);
+                        if (!endsCall || found == m_lines.end())
+                            return;
+                        found->second.endingCall = 0;
+                        tellWhatWaits(found->second);
+                    });
+}
+
+void Calls::fail(const Wish &wish, Telephony::Error error)
+{
+    fail(wish.action, wish.call, wish.number, error);
 }
 
 /// Emits the signal later, when the caller of a function has its result.

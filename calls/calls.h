@@ -69,7 +69,8 @@ public:
     /// Speaks to \a call, one of a conference, alone, and holds the others.
     Q_INVOKABLE void split(int call);
     /// Sends \a tones (0 to 9, *, #, A to D) in the active call. Tones that come while others are
-    /// being sent follow them.
+    /// being sent follow them. Whatever else their modem is told meanwhile waits for those that are
+    /// being sent, and drops those that follow.
     Q_INVOKABLE void sendTones(const QString &tones, const QString &modem = QString());
 
 Q_SIGNALS:
@@ -82,6 +83,15 @@ Q_SIGNALS:
                 const QString &explanation);
 
 private:
+    /// What the user wants a modem to do.
+    struct Wish
+    {
+        QString action;
+        int call; ///< 0 if it is not about one call.
+        QString number;
+        QString modem;
+        Ofono::Command command;
+    };
     /// A modem that has calls.
     struct Line
     {
@@ -89,6 +99,8 @@ private:
         bool callsKnown = false;
         QStringList emergencyNumbers;
         std::optional<QString> tones; ///< Those that wait while others are being sent.
+        int endingCall = 0; ///< The id of the call that oFono was told to end, until it answers.
+        QVector<Wish> wishes; ///< Those that wait until oFono takes them.
     };
 
     void followModem(const QString &modem);
@@ -97,19 +109,25 @@ private:
     void receive(const QDBusMessage &message);
     void receiveFromManager(const QDBusMessage &message);
     void receiveFromCall(const QDBusMessage &message);
-    bool updateLists();
+    bool updateModems(const QString &modem);
+    bool updateEmergencyNumbers(const QStringList &before, const QStringList &now);
+    bool tellOfLists(bool modemsChange, bool numbersChange);
     void startCall(const QString &text, const QString &modem);
     void manage(const QString &action, const QString &method, int call);
     void manageOngoing(const QString &action, const QString &method, const QString &modem);
     QString ongoingModem(const QString &wanted) const;
     void sendNextTones(const QString &modem);
-    void tell(const QString &action, int call, const QString &number,
-              const Ofono::Command &command);
+    void tell(const Wish &wish);
+    void keepForLater(Line &line, const Wish &wish);
+    void tellWhatWaits(Line &line);
+    void give(const Wish &wish);
+    void fail(const Wish &wish, Telephony::Error error);
     void fail(const QString &action, int call, const QString &number, Telephony::Error error);
 
     Ofono m_ofono;
     ServiceDialogue m_dialogue;
     std::map<QString, Line> m_lines; ///< By the path of the modem.
-    QStringList m_modems;
+    QStringList m_modems; ///< Sorted.
     QStringList m_emergencyNumbers;
+    std::map<QString, int> m_numberUses; ///< How often the modems have each of them.
 };

@@ -89,6 +89,12 @@ bool Ofono::has(const QString &modem, const QString &interface) const
     return found != m_modems.cend() && found->second.interfaces.contains(interface);
 }
 
+bool Ofono::isOnline(const QString &modem) const
+{
+    const auto found = m_modems.find(modem);
+    return found != m_modems.cend() && found->second.online;
+}
+
 QStringList Ofono::onlineModems(const QString &interface) const
 {
     QStringList paths;

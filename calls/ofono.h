@@ -73,6 +73,7 @@ public:
 
     /// Returns whether \a modem has \a interface.
     bool has(const QString &modem, const QString &interface) const;
+    bool isOnline(const QString &modem) const;
     /// Returns the paths of the modems that are online and have \a interface.
     QStringList onlineModems(const QString &interface) const;
     /// Returns \a wanted if that modem has \a interface. If \a wanted is empty, returns the first

@@ -56,7 +56,7 @@ QtObject {
             return "";
         switch (main.callState) {
         case "active": {
-            var time = Words.duration(now - main.startTime);
+            var time = Words.duration(elapsed);
             return main.remoteHeld ? time + "  ·  " + qsTr("On hold by the other side") : time;
         }
         case "held": return qsTr("On hold");
@@ -69,7 +69,8 @@ QtObject {
     /// The call that the user has answered, until the stack says that it is active.
     property int taken: 0
     property bool missing: false
-    property double now: Date.now()
+    /// For how long the call on the screen has been active, in milliseconds.
+    property double elapsed: 0
 
     // The call that was asked for, until the stack knows it.
     property var pending: null
@@ -207,8 +208,8 @@ QtObject {
         next.reminded = reminder.phoneNumber !== "" && reminder.exists;
         var before = view;
         if (next.main !== null) {
-            now = Date.now();
             main = next.main;
+            measure();
         }
         view = next;
         if (active)
@@ -230,6 +231,10 @@ QtObject {
             delete refused[call.callId];
             delete chosenModems[call.callId];
         });
+    }
+
+    function measure() {
+        elapsed = telephone !== null ? telephone.calls.duration(main.callId) : 0;
     }
 
     // Prepares what the stack says of a call for the screens.
@@ -309,6 +314,6 @@ QtObject {
         repeat: true
         running: line.watched && line.ongoing
         triggeredOnStart: true
-        onTriggered: line.now = Date.now()
+        onTriggered: line.measure()
     }
 }

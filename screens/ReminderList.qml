@@ -26,10 +26,12 @@ BaseScreen {
             if (Words.shareReminder(numbers.get(i).number, number))
                 return;
         }
-        // Numbers without a reminder are at the end.
+        // Numbers without a reminder are at the end. The row of such a number gets another one: a
+        // number whose row is destroyed is kept for ever, with or without a reminder.
         if (numbers.count >= most && dueAt(numbers.count - 1) === Infinity)
-            numbers.remove(numbers.count - 1);
-        numbers.append({number: number});
+            numbers.set(numbers.count - 1, {number: number});
+        else
+            numbers.append({number: number});
     }
 
     function dueAt(index) {

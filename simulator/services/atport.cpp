@@ -40,6 +40,8 @@ void AtPort::accept()
             m_socket->disconnect(this);
         delete m_socket;
         m_socket = socket;
+        // A modem's lines do not wait for the other side to confirm the previous one.
+        socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
         m_session.reset();
         connect(socket, &QTcpSocket::readyRead, this,
                 [this, socket] { m_session.receive(socket->readAll()); });

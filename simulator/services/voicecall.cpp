@@ -5,12 +5,15 @@
 
 #include "modem.h"
 #include "phoneline.h"
+#include "voicecallmanager.h"
 
 #include <QDBusMessage>
 #include <QLocale>
 
-VoiceCall::VoiceCall(Modem &modem, PhoneLine &line, const NetworkCall &call)
+VoiceCall::VoiceCall(Modem &modem, const VoiceCallManager &manager, PhoneLine &line,
+                     const NetworkCall &call)
     : m_modem(modem)
+    , m_manager(manager)
     , m_line(line)
     , m_bus(modem.bus())
     , m_path(
@@ -77,6 +80,11 @@ void VoiceCall::Answer()
 /// The command destroys this object.
 void VoiceCall::Hangup()
 {
+    if (m_manager.isSendingTones()) {
+        message().setDelayedReply(true);
+        m_bus.send(ofonoError(message(), OfonoError::InProgress));
+        return;
+    }
     m_modem.perform(message(), [&line = m_line, id = m_call.id](const QDBusMessage &message) {
         return line.calls().end(id) ? message.createReply()
                                     : ofonoError(message, OfonoError::Failed);

@@ -14,6 +14,7 @@
 
 class Modem;
 class PhoneLine;
+class VoiceCallManager;
 
 /// A call of a modem as in oFono's D-Bus API. The scriptable members are its interface.
 class VoiceCall : public QObject, public QDBusContext
@@ -22,8 +23,9 @@ class VoiceCall : public QObject, public QDBusContext
     Q_CLASSINFO("D-Bus Interface", "org.ofono.VoiceCall")
 
 public:
-    /// Registers the object. \a modem and \a line must outlive it.
-    VoiceCall(Modem &modem, PhoneLine &line, const NetworkCall &call);
+    /// Registers the object. \a modem, \a manager and \a line must outlive it.
+    VoiceCall(Modem &modem, const VoiceCallManager &manager, PhoneLine &line,
+              const NetworkCall &call);
     /// Takes the object from the bus.
     ~VoiceCall() override;
 
@@ -51,6 +53,7 @@ private:
     void send(const QString &signal, const QVariantList &arguments);
 
     Modem &m_modem;
+    const VoiceCallManager &m_manager;
     PhoneLine &m_line;
     QDBusConnection m_bus;
     const QString m_path;

@@ -10,11 +10,15 @@
 #include <QRegularExpression>
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 namespace {
 
 using State = NetworkCall::State;
+
+/// With the pause that follows it, as oFono counts it.
+constexpr std::chrono::seconds tone(1);
 
 /// A request such as *100# is none.
 bool canBeDialled(const QString &text)
@@ -47,6 +51,8 @@ VoiceCallManager::VoiceCallManager(Modem &modem, PhoneLine &line)
     connect(
         &line.calls(), &NetworkCalls::ended, this,
         [this](const NetworkCall &call, NetworkCalls::Ending ending) { remove(call.id, ending); });
+    m_toneTimer.setSingleShot(true);
+    connect(&m_toneTimer, &QTimer::timeout, this, [this] { endTones(m_tones.createReply()); });
 }
 
 VoiceCallManager::~VoiceCallManager() = default;
@@ -71,7 +77,7 @@ QDBusObjectPath VoiceCallManager::Dial(const QString &number, const QString &cal
 {
     const QStringList callerIds{QString(), QStringLiteral("default"), QStringLiteral("enabled"),
                                 QStringLiteral("disabled")};
-    if (!m_modem.offers(interface()))
+    if (!takes())
         return {};
     if (!canBeDialled(number) || !callerIds.contains(callerId))
         m_modem.refuse(OfonoError::InvalidFormat);
@@ -121,7 +127,7 @@ QList<QDBusObjectPath> VoiceCallManager::PrivateChat(const QDBusObjectPath &call
 {
     const auto isIt = [&call](const auto &entry) { return entry.second->path() == call.path(); };
     const auto found = std::find_if(m_calls.cbegin(), m_calls.cend(), isIt);
-    if (!m_modem.offers(interface()))
+    if (!takes())
         return {};
     if (found == m_calls.cend() || !found->second->call().isInConference)
         m_modem.refuse(OfonoError::NotFound);
@@ -132,7 +138,7 @@ QList<QDBusObjectPath> VoiceCallManager::PrivateChat(const QDBusObjectPath &call
 
 QList<QDBusObjectPath> VoiceCallManager::CreateMultiparty()
 {
-    if (m_modem.offers(interface()))
+    if (takes())
         performOnConference([](NetworkCalls &calls) { return calls.join(); });
     return {};
 }
@@ -147,21 +153,43 @@ void VoiceCallManager::HangupMultiparty()
 
 void VoiceCallManager::SendTones(const QString &tones)
 {
-    if (!m_modem.offers(interface()))
+    if (!takes())
         return;
     if (!isTones(tones)) {
         m_modem.refuse(OfonoError::InvalidFormat);
         return;
     }
-    m_modem.perform(m_modem.message(), [this, tones](const QDBusMessage &message) {
-        return m_line.sendTones(tones) ? message.createReply()
-                                       : ofonoError(message, OfonoError::Failed);
+    m_tones = m_modem.message();
+    m_tones.setDelayedReply(true);
+    m_line.pace().add([this, tones] {
+        if (m_line.sendTones(tones))
+            m_toneTimer.start(tone * tones.size());
+        else
+            endTones(ofonoError(m_tones, OfonoError::Failed));
     });
+}
+
+void VoiceCallManager::endTones(const QDBusMessage &reply)
+{
+    m_toneTimer.stop();
+    m_tones = QDBusMessage();
+    m_modem.bus().send(reply);
+}
+
+/// Returns whether the method that is being called can do something now. Otherwise replies with an
+/// error.
+bool VoiceCallManager::takes()
+{
+    if (!m_modem.offers(interface()))
+        return false;
+    if (isSendingTones())
+        m_modem.refuse(OfonoError::InProgress);
+    return !isSendingTones();
 }
 
 void VoiceCallManager::perform(const Action &action)
 {
-    if (!m_modem.offers(interface()))
+    if (!takes())
         return;
     m_modem.perform(m_modem.message(), [this, action](const QDBusMessage &message) {
         return action(m_line.calls()) ? message.createReply()
@@ -198,7 +226,8 @@ QList<QDBusObjectPath> VoiceCallManager::conference() const
 void VoiceCallManager::add(const NetworkCall &call)
 {
     const auto &added =
-        m_calls.emplace(call.id, std::make_unique<VoiceCall>(m_modem, m_line, call)).first->second;
+        m_calls.emplace(call.id, std::make_unique<VoiceCall>(m_modem, *this, m_line, call))
+            .first->second;
     Q_EMIT CallAdded(QDBusObjectPath(added->path()), added->GetProperties());
 }
 
@@ -208,6 +237,8 @@ void VoiceCallManager::remove(int id, NetworkCalls::Ending ending)
     VoiceCall *const call = removed.mapped().get();
     call->end(ending);
     Q_EMIT CallRemoved(QDBusObjectPath(call->path()));
+    if (m_toneTimer.isActive() && !m_line.calls().has(State::Active))
+        endTones(ofonoError(m_tones, OfonoError::Failed));
 }
 
 void VoiceCallManager::followEmergencyNumbers()

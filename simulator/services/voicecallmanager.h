@@ -9,6 +9,7 @@
 #include <QDBusAbstractAdaptor>
 #include <QDBusMessage>
 #include <QDBusVariant>
+#include <QTimer>
 
 #include <functional>
 #include <map>
@@ -31,6 +32,9 @@ public:
     VoiceCallManager(Modem &modem, PhoneLine &line);
     ~VoiceCallManager() override;
 
+    /// Returns whether tones are being sent. Everything else is refused meanwhile.
+    bool isSendingTones() const { return m_tones.type() == QDBusMessage::MethodCallMessage; }
+
 public Q_SLOTS:
     QVariantMap GetProperties();
     OfonoObjects GetCalls();
@@ -46,6 +50,7 @@ public Q_SLOTS:
     QList<QDBusObjectPath> PrivateChat(const QDBusObjectPath &call);
     QList<QDBusObjectPath> CreateMultiparty();
     void HangupMultiparty();
+    /// Replies when they are sent, which takes a second for each.
     void SendTones(const QString &tones);
 
 Q_SIGNALS:
@@ -57,6 +62,8 @@ private:
     /// Does something with the calls. Returns whether it is possible.
     using Action = std::function<bool(NetworkCalls &calls)>;
 
+    bool takes();
+    void endTones(const QDBusMessage &reply);
     void perform(const Action &action);
     void performOnConference(const Action &action);
     QDBusMessage dial(const QDBusMessage &message, const QString &number);
@@ -69,4 +76,6 @@ private:
     PhoneLine &m_line;
     QStringList m_emergencyNumbers;
     std::map<int, std::unique_ptr<VoiceCall>> m_calls; ///< By id.
+    QDBusMessage m_tones; ///< The call that sends tones; invalid without one.
+    QTimer m_toneTimer;
 };

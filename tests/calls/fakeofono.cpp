@@ -114,20 +114,30 @@ void FakeOfono::endCall(const QString &path, const QString &reason)
 
 void FakeOfono::take(const QDBusMessage &call)
 {
-    if (m_answers && call.member() == u"GetModems"_s) {
+    const std::optional<QVariant> answer = m_answers ? answerTo(call) : std::nullopt;
+    if (!answer) {
+        ScriptedService::take(call);
+        return;
+    }
+    ++m_answered;
+    reply(call, {*answer});
+}
+
+/// Returns nothing if it is no question.
+std::optional<QVariant> FakeOfono::answerTo(const QDBusMessage &call) const
+{
+    const bool wantsProperties = call.member() == u"GetProperties"_s;
+    if (call.member() == u"GetModems"_s) {
         QList<FakeObject> modems;
         for (auto it = m_modems.cbegin(); it != m_modems.cend(); ++it)
             modems.append({QDBusObjectPath(it.key()), it.value()});
-        reply(call, {QVariant::fromValue(modems)});
-    } else if (m_answers && call.member() == u"GetCalls"_s) {
-        reply(call, {QVariant::fromValue(m_calls.value(call.path()))});
-    } else if (m_answers && call.member() == u"GetProperties"_s
-               && call.interface() == voiceCallManager) {
-        reply(call, {QVariantMap{{u"EmergencyNumbers"_s, m_emergencyNumbers}}});
-    } else if (m_answers && call.member() == u"GetProperties"_s
-               && call.interface() == supplementaryServices) {
-        reply(call, {QVariantMap{{u"State"_s, m_dialogueState}}});
-    } else {
-        ScriptedService::take(call);
+        return QVariant::fromValue(modems);
     }
+    if (call.member() == u"GetCalls"_s)
+        return QVariant::fromValue(m_calls.value(call.path()));
+    if (wantsProperties && call.interface() == voiceCallManager)
+        return QVariantMap{{u"EmergencyNumbers"_s, m_emergencyNumbers}};
+    if (wantsProperties && call.interface() == supplementaryServices)
+        return QVariantMap{{u"State"_s, m_dialogueState}};
+    return std::nullopt;
 }

@@ -12,6 +12,8 @@
 #include <QStringList>
 #include <QVariantMap>
 
+#include <optional>
+
 /// An object with its properties, as oFono lists it.
 struct FakeObject
 {
@@ -43,6 +45,8 @@ public:
     void setCalls(const QString &modem, const QList<FakeObject> &calls) { m_calls[modem] = calls; }
     void setEmergencyNumbers(const QStringList &numbers) { m_emergencyNumbers = numbers; }
     void setDialogueState(const QString &state) { m_dialogueState = state; }
+    /// Returns how many questions it has answered.
+    int answered() const { return m_answered; }
     /// Leaves all questions to the test from now on.
     void answerNothing() { m_answers = false; }
 
@@ -61,9 +65,12 @@ protected:
     void take(const QDBusMessage &call) override;
 
 private:
+    std::optional<QVariant> answerTo(const QDBusMessage &call) const;
+
     QMap<QString, QVariantMap> m_modems;
     QMap<QString, QList<FakeObject>> m_calls;
     QStringList m_emergencyNumbers;
     QString m_dialogueState;
     bool m_answers = true;
+    int m_answered = 0;
 };

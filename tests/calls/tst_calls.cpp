@@ -44,6 +44,7 @@ private Q_SLOTS:
     void knowsTheDirection();
     void knowsWithheldNumbers();
     void followsEveryProperty();
+    void tellsForHowLongACallIsActive();
     void tellsWhichCallRingsAndWhichIsOngoing();
     void letsBindingsFollowACall();
     void showsFiftyCalls();
@@ -69,6 +70,14 @@ private Q_SLOTS:
     void sendsTonesOneAfterTheOther();
     void dropsTonesAfterAFailure();
     void dropsTonesWithTheirModem();
+    void waitsForTheTones_data();
+    void waitsForTheTones();
+    void waitsForTheTonesOfItsModemAlone();
+    void doesWhatWaitedOnce();
+    void endsNoOtherCallAfterTheTones();
+    void limitsWhatWaits();
+    void losesWhatWaitsWithItsModem();
+    void endsOneCallAfterTheOther();
     void tellsWhatHasFailed_data();
     void tellsWhatHasFailed();
     void failsWithoutAStack();
@@ -291,6 +300,41 @@ void TestCalls::followsEveryProperty()
         m_ofono->changeCall(one, u"State"_s, state);
         QTRY_COMPARE(role(0, "callState").toString(), state);
     }
+}
+
+/// A call whose beginning was seen does not depend on the clock. Without that there is only the
+/// clock.
+void TestCalls::tellsForHowLongACallIsActive()
+{
+    const auto ago = [](int minutes) {
+        return QDateTime::currentDateTimeUtc().addSecs(-60 * minutes).toString(Qt::ISODate);
+    };
+    const auto minutes = [this](int row) {
+        return static_cast<int>(m_calls->duration(role(row, "callId").toInt()) / 60000);
+    };
+    QVariantMap before = FakeOfono::call(u"active"_s);
+    before.insert(u"StartTime"_s, ago(10));
+    QVariantMap ahead = FakeOfono::call(u"held"_s);
+    ahead.insert(u"StartTime"_s, ago(-10));
+    startWith({object(one, before), object(two, FakeOfono::call(u"incoming"_s)),
+               object(u"/ril_0/voicecall03"_s, ahead)});
+    QCOMPARE(minutes(0), 10);
+    QCOMPARE(m_calls->duration(role(1, "callId").toInt()), 0.0);
+    QCOMPARE(minutes(2), 0);
+    QCOMPARE(m_calls->duration(0), 0.0);
+
+    m_ofono->changeCall(two, u"State"_s, u"active"_s);
+    m_ofono->changeCall(two, u"StartTime"_s, ago(60));
+    m_ofono->changeCall(one, u"StartTime"_s, ago(60));
+    QTRY_VERIFY(role(1, "startTime").isValid());
+    QTRY_VERIFY(m_calls->duration(role(1, "callId").toInt()) > 0);
+    QCOMPARE(minutes(1), 0);
+    m_ofono->changeCall(two, u"State"_s, u"held"_s);
+    m_ofono->changeCall(two, u"State"_s, u"active"_s);
+    m_ofono->settle();
+    const double soFar = m_calls->duration(role(1, "callId").toInt());
+    QTRY_VERIFY(m_calls->duration(role(1, "callId").toInt()) > soFar);
+    QCOMPARE(minutes(0), 10);
 }
 
 void TestCalls::tellsWhichCallRingsAndWhichIsOngoing()
@@ -664,6 +708,143 @@ void TestCalls::dropsTonesWithTheirModem()
     QCOMPARE(m_ofono->waiting(), 0);
     m_ofono->reply(now, {});
     QCOMPARE(m_ofono->next(u"SendTones"_s).arguments().at(0).toString(), u"4"_s);
+}
+
+void TestCalls::waitsForTheTones_data()
+{
+    QTest::addColumn<bool>("failed");
+
+    QTest::newRow("sent") << false;
+    QTest::newRow("failed") << true;
+}
+
+/// oFono refuses everything else meanwhile. Tones that were not sent yet are not sent any more.
+void TestCalls::waitsForTheTones()
+{
+    QFETCH(bool, failed);
+
+    startWith(
+        {object(one, FakeOfono::call(u"active"_s)), object(two, FakeOfono::call(u"waiting"_s))});
+    m_calls->sendTones(u"1"_s);
+    const QDBusMessage tone = m_ofono->next(u"SendTones"_s);
+    m_calls->sendTones(u"2"_s);
+    m_calls->holdAndAnswer(m_calls->ringing());
+    m_calls->hangUpAll();
+    m_calls->hangUp(m_calls->ongoing());
+    m_calls->dial(u"111"_s);
+    // After them nobody may listen.
+    m_calls->sendTones(u"3"_s);
+    QCOMPARE(failure(), u"sendTones 0  InProgress"_s);
+    m_ofono->settle();
+    QCOMPARE(m_ofono->waiting(), 0);
+    if (failed)
+        m_ofono->fail(tone, u"org.ofono.Error.Failed"_s, {});
+    else
+        m_ofono->reply(tone, {});
+    for (const QString &method : {u"HoldAndAnswer"_s, u"HangupAll"_s, u"Hangup"_s, u"Dial"_s})
+        m_ofono->reply(m_ofono->next(method), {});
+    if (failed)
+        QCOMPARE(failure(), u"sendTones 0  Failed"_s);
+    m_ofono->settle();
+    m_calls->sendTones(u"4"_s);
+    QCOMPARE(m_ofono->next(u"SendTones"_s).arguments().at(0).toString(), u"4"_s);
+}
+
+void TestCalls::waitsForTheTonesOfItsModemAlone()
+{
+    startStack({first, second});
+    m_ofono->setCalls(first, {object(one, FakeOfono::call(u"active"_s))});
+    m_ofono->setCalls(second, {object(other, FakeOfono::call(u"active"_s))});
+    startCalls();
+    QTRY_COMPARE(m_calls->count(), 2);
+    m_calls->sendTones(u"1"_s, first);
+    const QDBusMessage tone = m_ofono->next(u"SendTones"_s);
+    m_calls->hangUpAll();
+    QCOMPARE(m_ofono->next(u"HangupAll"_s).path(), second);
+    m_ofono->settle();
+    QCOMPARE(m_ofono->waiting(), 0);
+    m_ofono->reply(tone, {});
+    QCOMPARE(m_ofono->next(u"HangupAll"_s).path(), first);
+}
+
+/// Nothing happens at first, so a user may touch the button again.
+void TestCalls::doesWhatWaitedOnce()
+{
+    startWith({object(one, FakeOfono::call(u"active"_s))});
+    m_calls->sendTones(u"1"_s);
+    const QDBusMessage tone = m_ofono->next(u"SendTones"_s);
+    for (int i = 0; i < 3; ++i)
+        m_calls->hangUp(m_calls->ongoing());
+    m_ofono->reply(tone, {});
+    QCOMPARE(m_ofono->next(u"Hangup"_s).path(), one);
+    m_calls->hangUp(m_calls->ongoing());
+    m_ofono->settle();
+    QCOMPARE(m_ofono->waiting(), 0);
+}
+
+/// The other side ends the call during the tones, and another call gets its path.
+void TestCalls::endsNoOtherCallAfterTheTones()
+{
+    startWith(
+        {object(one, FakeOfono::call(u"active"_s)), object(two, FakeOfono::call(u"waiting"_s))});
+    const int waiting = m_calls->ringing();
+    m_calls->sendTones(u"1"_s);
+    const QDBusMessage tone = m_ofono->next(u"SendTones"_s);
+    m_calls->hangUp(m_calls->ongoing());
+    m_calls->holdAndAnswer(waiting);
+    m_ofono->endCall(one, u"remote"_s);
+    m_ofono->endCall(two, u"remote"_s);
+    m_ofono->addCall(one, FakeOfono::call(u"incoming"_s));
+    QTRY_COMPARE(m_ended->count(), 2);
+    m_ofono->fail(tone, u"org.ofono.Error.Failed"_s, {});
+    QCOMPARE(failure(), u"sendTones 0  Failed"_s);
+    QCOMPARE(failure(), u"holdAndAnswer %1 5550100 NoCall"_s.arg(waiting));
+    m_ofono->settle();
+    QCOMPARE(m_ofono->waiting(), 0);
+}
+
+void TestCalls::limitsWhatWaits()
+{
+    startWith({object(one, FakeOfono::call(u"active"_s))});
+    m_calls->sendTones(u"1"_s);
+    const QDBusMessage tone = m_ofono->next(u"SendTones"_s);
+    for (int i = 0; i < 65; ++i)
+        m_calls->dial(QString::number(5550000 + i));
+    QCOMPARE(failure(), u"dial 0 5550064 InProgress"_s);
+    m_calls->dial(u"112"_s);
+    m_calls->hangUp(m_calls->ongoing());
+    m_ofono->settle();
+    QCOMPARE(m_ofono->waiting(), 0);
+    m_ofono->reply(tone, {});
+    QTRY_COMPARE(m_ofono->waiting(), 66);
+    m_ofono->forget();
+}
+
+void TestCalls::losesWhatWaitsWithItsModem()
+{
+    startWith({object(one, FakeOfono::call(u"active"_s))});
+    const int id = m_calls->ongoing();
+    m_calls->sendTones(u"1"_s);
+    QCOMPARE(m_ofono->next().member(), u"SendTones"_s);
+    m_calls->hangUp(id);
+    m_ofono->removeModem(first);
+    QCOMPARE(failure(), u"sendTones 0  NoAnswer"_s);
+    QCOMPARE(failure(), u"hangUp %1 5550100 NoAnswer"_s.arg(id));
+}
+
+/// oFono refuses to end a call while it ends another one, as in a conference that is ended.
+void TestCalls::endsOneCallAfterTheOther()
+{
+    startWith(
+        {object(one, FakeOfono::call(u"active"_s)), object(two, FakeOfono::call(u"active"_s))});
+    m_calls->hangUp(role(0, "callId").toInt());
+    m_calls->hangUp(role(1, "callId").toInt());
+    const QDBusMessage call = m_ofono->next(u"Hangup"_s);
+    QCOMPARE(call.path(), one);
+    m_ofono->settle();
+    QCOMPARE(m_ofono->waiting(), 0);
+    m_ofono->reply(call, {});
+    QCOMPARE(m_ofono->next(u"Hangup"_s).path(), two);
 }
 
 void TestCalls::tellsWhatHasFailed_data()

@@ -13,7 +13,9 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include <algorithm>
 #include <cstring>
+#include <ctime>
 #include <memory>
 
 namespace {
@@ -23,6 +25,15 @@ using namespace std::chrono_literals;
 const QString first = u"/ril_0"_s;
 const QString one = u"/ril_0/voicecall01"_s;
 const QString two = u"/ril_0/voicecall02"_s;
+
+/// Returns the paths of so many modems, in their order.
+QStringList manyModems(int count)
+{
+    QStringList paths;
+    for (int i = 0; i < count; ++i)
+        paths.append(u"/modem_%1"_s.arg(i, 4, 10, QLatin1Char('0')));
+    return paths;
+}
 
 /// Returns the signal CallAdded with a call that has no properties.
 RawMessage callAdded(const QByteArray &destination, const char *path)
@@ -74,6 +85,8 @@ private Q_SLOTS:
     void toleratesSignalsOfAnotherShape();
     void showsTextsSafely();
     void limitsModems();
+    void hasAThousandModems();
+    void growsWithTheModems();
     void limitsCalls();
     void limitsCommands_data();
     void limitsCommands();
@@ -420,9 +433,7 @@ void TestCallsAttacks::showsTextsSafely()
 
 void TestCallsAttacks::limitsModems()
 {
-    QStringList paths;
-    for (int i = 0; i < 1100; ++i)
-        paths.append(u"/modem_%1"_s.arg(i, 4, 10, QLatin1Char('0')));
+    const QStringList paths = manyModems(1100);
     m_ofono = std::make_unique<FakeOfono>(m_bus.address(), paths);
     m_ofono->setCalls(
         paths.at(999),
@@ -431,6 +442,91 @@ void TestCallsAttacks::limitsModems()
     QTRY_COMPARE_WITH_TIMEOUT(m_calls->status(), Telephony::Ready, 60000);
     QCOMPARE(m_calls->modems(), paths.mid(0, 1000));
     QCOMPARE(m_calls->count(), 1);
+}
+
+/// Each modem is asked for its calls, its emergency numbers and its dialogue, and for nothing else
+/// as long as nothing happens to it.
+void TestCallsAttacks::hasAThousandModems()
+{
+    const QStringList paths = manyModems(1000);
+    m_ofono = std::make_unique<FakeOfono>(m_bus.address(), paths);
+    const auto callOf = [](const QString &modem) { return QString(modem + u"/voicecall01"_s); };
+    for (int i = 0; i < 1000; i += 100)
+        m_ofono->setCalls(paths.at(i),
+                          {{QDBusObjectPath(callOf(paths.at(i))), FakeOfono::call(u"active"_s)}});
+    const WatcherCount watchers;
+    const QSignalSpy numbers(m_calls.get(), &Calls::emergencyNumbersChanged);
+    const QSignalSpy ended(m_calls.get(), &CallModel::ended);
+    m_calls->componentComplete();
+    QTRY_COMPARE_WITH_TIMEOUT(m_calls->status(), Telephony::Ready, 60000);
+    QCOMPARE(m_calls->modems(), paths);
+    QCOMPARE(m_calls->emergencyNumbers(), QStringList({u"112"_s, u"911"_s}));
+    QCOMPARE(numbers.count(), 1);
+    QCOMPARE(m_calls->count(), 10);
+    QCOMPARE(role(9, "modem").toString(), paths.at(900));
+    QCOMPARE(m_ofono->answered(), 1 + 3 * 1000);
+
+    // A call of the last modem, from its beginning to its end.
+    const QSignalSpy modems(m_calls.get(), &Calls::modemsChanged);
+    m_ofono->addCall(callOf(paths.at(999)), FakeOfono::call(u"incoming"_s));
+    QTRY_COMPARE(m_calls->count(), 11);
+    QCOMPARE(m_calls->call(m_calls->ringing()).value(u"modem"_s).toString(), paths.at(999));
+    m_calls->answer(m_calls->ringing());
+    const QDBusMessage answer = m_ofono->next(u"Answer"_s);
+    QCOMPARE(answer.path(), callOf(paths.at(999)));
+    m_ofono->reply(answer, {});
+    m_ofono->endCall(callOf(paths.at(999)), u"remote"_s);
+    QTRY_COMPARE(ended.count(), 1);
+    m_calls->hangUpAll();
+    for (int i = 0; i < 1000; i += 100) {
+        const QDBusMessage hangUp = m_ofono->next(u"HangupAll"_s);
+        QCOMPARE(hangUp.path(), paths.at(i));
+        m_ofono->reply(hangUp, {});
+    }
+    m_ofono->settle();
+    QCOMPARE(modems.count(), 0);
+    QCOMPARE(m_ofono->answered(), 1 + 3 * 1000);
+
+    for (const QString &path : paths)
+        m_ofono->removeModem(path);
+    QTRY_COMPARE(m_calls->modems(), QStringList());
+    QCOMPARE(m_calls->count(), 0);
+    QCOMPARE(ended.count(), 11);
+    QCOMPARE(m_calls->emergencyNumbers(), QStringList());
+    QCOMPARE(m_calls->status(), Telephony::Ready);
+    m_ofono->settle();
+    QCOMPARE(m_ofono->answered(), 1 + 3 * 1000);
+    QTRY_COMPARE(watchers.value(), 0);
+}
+
+/// The work for a start is in proportion to the number of modems. If each modem were compared with
+/// all others, eight times as many would take 64 times as long.
+void TestCallsAttacks::growsWithTheModems()
+{
+    const auto work = [this](int count) {
+        m_calls = std::make_unique<Calls>();
+        m_ofono = std::make_unique<FakeOfono>(m_bus.address(), manyModems(count));
+        const std::clock_t start = std::clock();
+        m_calls->componentComplete();
+        if (!waitFor([this] { return m_calls->status() == Telephony::Ready; }, 60000))
+            return 0.0;
+        m_ofono.reset();
+        if (!waitFor([this] { return m_calls->modems().isEmpty(); }, 60000))
+            return 0.0;
+        return static_cast<double>(std::clock() - start);
+    };
+    QVERIFY(work(10) > 0); // What is done once is done.
+    double few = 0;
+    double many = 0;
+    // The least of several times is the one that nothing else has added to.
+    for (int i = 0; i < 3; ++i) {
+        const double fewNow = work(125);
+        const double manyNow = work(1000);
+        QVERIFY(fewNow > 0 && manyNow > 0);
+        few = i == 0 ? fewNow : std::min(few, fewNow);
+        many = i == 0 ? manyNow : std::min(many, manyNow);
+    }
+    QVERIFY2(many < 12 * few, qPrintable(QString::number(many / few)));
 }
 
 void TestCallsAttacks::limitsCalls()

@@ -6,7 +6,8 @@ import com.nimbo.parley 1.0
 import "../../screens"
 import "../../screens/text.js" as Words
 
-// The status bar and the sheet of reminders, which follow the clock. Evaluates expressions for a
+// The status bar and the sheet of reminders, which follow the clock, and a line, which does not.
+// Evaluates expressions for a
 // test.
 Item {
     id: probe
@@ -69,6 +70,13 @@ Item {
         now: bar.now
         reminders: base
         onChosen: lastChosen = when
+    }
+
+    Line {
+        id: line
+
+        reminders: base
+        watched: true
     }
 
     ParleyUiAdaptor {

@@ -3,6 +3,7 @@
 
 #include "literals.h"
 #include "settableclock.h"
+#include "simulatedtelephony.h"
 #include "temporaryzone.h"
 #include "uiundertest.h"
 
@@ -117,6 +118,7 @@ private Q_SLOTS:
 
     void followsTheClock();
     void followsTheZone();
+    void countsOnInACall();
 
 private:
     bool start();
@@ -387,6 +389,41 @@ void TestHours::followsTheZone()
              at(u"2026-10-03T18:00:00+10:30"_s).toSecsSinceEpoch());
     QVERIFY(move(kiritimati));
     QTRY_COMPARE(value(u"hour"_s), QJsonValue(u"15"_s));
+    QVERIFY(stop());
+}
+
+/// The clock is set during a call, as the network does it. The call takes no longer and no shorter.
+void TestHours::countsOnInACall()
+{
+    m_ui = std::make_unique<UiUnderTest>();
+    SimulatedTelephony telephony(*m_ui);
+    QVERIFY(telephony.start());
+    const QDateTime now = QDateTime::currentDateTimeUtc();
+    const SettableClock clock(*m_ui);
+    QVERIFY(clock.set(now));
+    QVERIFY(start());
+    QCOMPARE(value(u"(line.load(), line.missing)"_s), QJsonValue(false));
+    QTRY_COMPARE(value(u"line.status"_s), QJsonValue(u"ready"_s));
+    QVERIFY(telephony.ring(u"5550123"_s));
+    QTRY_COMPARE(value(u"line.ringing !== null"_s), QJsonValue(true));
+    QCOMPARE(value(u"(line.answer(false), line.taken > 0)"_s), QJsonValue(true));
+    QTRY_COMPARE(value(u"line.ongoing"_s), QJsonValue(true));
+
+    // The seconds, of which the second one is shown after the clock was set.
+    const auto seconds = [this] { return value(u"Number(line.state.split(':')[1])"_s).toInt(-1); };
+    const auto minutes = [this] { return value(u"line.state.split(':')[0]"_s).toString(); };
+    for (const int shift : {3600, -3600}) {
+        const int before = seconds();
+        QVERIFY(clock.set(QDateTime::currentDateTimeUtc().addSecs(shift)));
+        QTRY_VERIFY(seconds() > before);
+        QVERIFY(seconds() < before + 30);
+        QCOMPARE(minutes(), u"00"_s);
+    }
+    QVERIFY(telephony.remote(u"hangup"_s));
+    QTRY_COMPARE(value(u"line.active"_s), QJsonValue(false));
+    for (const QString &line :
+         {u"sims: 1"_s, u"filters: dial yes, receive yes"_s, u"telephony: ready"_s})
+        QVERIFY(m_ui->logs(u"screens: "_s + line));
     QVERIFY(stop());
 }
 

@@ -169,6 +169,7 @@ private Q_SLOTS:
     void refusesWhatCannotBe_data();
     void refusesWhatCannotBe();
     void phones();
+    void refusesWhileItSendsTones();
     void refusesAsOfonoDoes_data();
     void refusesAsOfonoDoes();
     void sendsAMessage();
@@ -970,7 +971,7 @@ void TestTelephony::phones()
     const QRegularExpression form(
         u"^[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}\\+0000$"_s);
     QVERIFY2(form.match(start).hasMatch(), qUtf8Printable(start));
-    QCOMPARE(asks(callsInterface, u"SendTones"_s, {u"12#"_s}), QString());
+    QCOMPARE(asks(callsInterface, u"SendTones"_s, {u"1"_s}), QString());
     QCOMPARE(m_stack->callAt(u"/ril_0/voicecall01"_s, callInterface, u"Hangup"_s).type(),
              QDBusMessage::ReplyMessage);
     QTRY_COMPARE(m_heard.constLast(), u"/ril_0 VoiceCallManager.CallRemoved /ril_0/voicecall01"_s);
@@ -981,6 +982,31 @@ void TestTelephony::phones()
                           u"/ril_0 VoiceCallManager.CallRemoved /ril_0/voicecall01"_s}));
     QCOMPARE(m_stack->callAt(u"/ril_0/voicecall01"_s, callInterface, u"Hangup"_s).errorName(),
              u"org.freedesktop.DBus.Error.UnknownObject"_s);
+}
+
+/// A tone takes a second. When nobody hears the rest, it is over.
+void TestTelephony::refusesWhileItSendsTones()
+{
+    QVERIFY(does(u"InsertSim"_s, {imsi, QString()}));
+    QCOMPARE(asks(callsInterface, u"Dial"_s, {u"5551234"_s, QString()}), u"/ril_0/voicecall01"_s);
+    QCOMPARE(acts(u"Remote"_s, {u"answer"_s, QString()}), QString());
+    QDBusMessage sendTones =
+        QDBusMessage::createMethodCall(u"org.ofono"_s, u"/ril_0"_s, callsInterface, u"SendTones"_s);
+    sendTones.setArguments({QString(u'1').repeated(60)});
+    const QDBusPendingCall tones = m_stack->bus().asyncCall(sendTones);
+    const QString refusal = u"org.ofono.Error.InProgress"_s;
+    QCOMPARE(asks(callsInterface, u"SendTones"_s, {u"2"_s}), refusal);
+    QCOMPARE(asks(callsInterface, u"HangupAll"_s, {}), refusal);
+    QCOMPARE(asks(callsInterface, u"CreateMultiparty"_s, {}), refusal);
+    QCOMPARE(asks(callsInterface, u"Dial"_s, {u"112"_s, QString()}), refusal);
+    QCOMPARE(m_stack->callAt(u"/ril_0/voicecall01"_s, callInterface, u"Hangup"_s).errorName(),
+             refusal);
+    QVERIFY(!tones.isFinished());
+    QCOMPARE(acts(u"Remote"_s, {u"hangup"_s, QString()}), QString());
+    QTRY_VERIFY(tones.isFinished());
+    QCOMPARE(tones.error().name(), u"org.ofono.Error.Failed"_s);
+    QCOMPARE(asks(callsInterface, u"HangupAll"_s, {}), QString());
+    heard();
 }
 
 void TestTelephony::refusesAsOfonoDoes_data()

@@ -31,6 +31,9 @@ Item {
             "hold-and-answer": function() { calls.holdAndAnswer(call); },
             "end-and-answer": function() { calls.endAndAnswer(call); },
             "end": function() { calls.hangUp(call); },
+            "end-each": function() {
+                words.slice(1).map(idOf).forEach(function(call) { calls.hangUp(call); });
+            },
             "end-all": function() { calls.hangUpAll(); },
             "swap": function() { calls.swap(); },
             "join": function() { calls.join(); },
