@@ -18,9 +18,9 @@ sys.dont_write_bytecode = True
 
 # pylint: disable=wrong-import-position
 import contenders
+from caller import Caller
 from desk import Desk, memory, rest, wakes
 from handset import Failure
-from telephony import Telephony
 from windows import NoWindow
 
 IDLE = 60  # Seconds.
@@ -51,7 +51,7 @@ class Bench:
             self._start_briefly(one, "start", self._desk.home(one.name))
             return
         with self._desk.running(one.start, self._desk.home(one.name)) as (process, begin):
-            mapped, drawn, window = self._desk.windows.appearing()
+            mapped, drawn, window = self._desk.windows.appearing(process)
             self.add_window("start", one.name, begin, mapped, drawn)
             self._keep_picture(one, window)
             rest(process.pid)
@@ -66,8 +66,8 @@ class Bench:
             if not one.lasts:
                 self._start_briefly(one, "first start ever", home)
                 return
-            with self._desk.running(one.start, home) as (_, begin):
-                mapped, drawn, _ = self._desk.windows.appearing()
+            with self._desk.running(one.start, home) as (process, begin):
+                mapped, drawn, _ = self._desk.windows.appearing(process)
                 self.add_window("first start ever", one.name, begin, mapped, drawn)
 
     def _start_briefly(self, one, figure, home):
@@ -86,12 +86,12 @@ class Bench:
             self.add("ready: PSS", one.name, shared)
             self.add("ready: unique memory", one.name, own)
             for figure in ("first request", "later request"):
-                window = self._request(one, figure)
+                window = self._request(one, figure, process)
                 rest(process.pid)
                 self._desk.windows.close_window(window)
                 rest(process.pid)
 
-    def rings(self, one, telephony):
+    def rings(self, one, caller):
         """Measures the first call that comes to a process that is ready, and one after it, from the
         moment when the modem is told to ring, and the memory before them."""
         with self._desk.running(one.phoning, self._desk.home(one.name)) as (process, _):
@@ -103,11 +103,11 @@ class Bench:
             for figure in ("first ring", "later ring"):
                 self._desk.windows.forget()
                 begin = time.monotonic()
-                telephony.ring("+4930555123")
-                mapped, drawn, window = self._desk.windows.appearing()
+                caller.ring("+4930555123")
+                mapped, drawn, window = self._desk.windows.appearing(process)
                 self.add_window(figure, one.name, begin, mapped, drawn)
                 self._keep_picture(one, window, figure)
-                telephony.give_up()
+                caller.give_up()
                 rest(process.pid)
                 self._desk.windows.close_window(window)
                 rest(process.pid)
@@ -116,9 +116,9 @@ class Bench:
         """Counts how often the threads of programs that do nothing are given a processor, all of
         them at the same time: those that can be ready without a window, then those with one."""
         ready = {one: one.ready for one in ones if one.ready}
-        self._idle("ready", ready, lambda one: self._desk.await_name(one.request.name))
+        self._idle("ready", ready, lambda one, _: self._desk.await_name(one.request.name))
         shown = {one: one.start for one in ones if one.lasts}
-        self._idle("shown", shown, lambda _: self._desk.windows.appearing())
+        self._idle("shown", shown, lambda _, process: self._desk.windows.appearing(process))
 
     def _idle(self, state, commands, reached):
         with contextlib.ExitStack() as stack:
@@ -127,7 +127,7 @@ class Bench:
                 running = self._desk.running(command, self._desk.home(one.name))
                 process, _ = stack.enter_context(running)
                 try:
-                    reached(one)
+                    reached(one, process)
                 except NoWindow:
                     if process.poll() is None or one is contenders.OURS:
                         raise
@@ -144,13 +144,13 @@ class Bench:
                 woken = sum(count - before[name].get(one, 0) for one, count in after.items())
                 self.add(f"{state}: {IDLE} s of idling", name, woken)
 
-    def _request(self, one, figure):
+    def _request(self, one, figure, process):
         message = one.request.message()
         self._desk.windows.forget()
         begin = time.monotonic()
         self._desk.bus.send_message(message)
         self._desk.bus.flush()
-        mapped, drawn, window = self._desk.windows.appearing()
+        mapped, drawn, window = self._desk.windows.appearing(process)
         self.add_window(figure, one.name, begin, mapped, drawn)
         self._keep_picture(one, window, figure)
         return window
@@ -199,11 +199,11 @@ def measure(options):
 def measure_rings(bench, desk, options):
     """Lets all that can phone be called in turn."""
     order = collections.deque(one for one in contenders.ALL if one.phoning)
-    with Telephony(desk) as telephony:
+    with Caller(desk) as caller:
         for i in range(options.rounds):
             tell(f"{options.window_system}: calls, round {i + 1} of {options.rounds}")
             for one in order:
-                attempt(lambda who: bench.rings(who, telephony), one)
+                attempt(lambda who: bench.rings(who, caller), one)
             order.rotate()
 
 

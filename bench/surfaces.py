@@ -5,12 +5,11 @@
 it is there, because its first picture makes the compositor show it."""
 
 import json
-import select
 import socket
 import struct
 import time
 
-from windows import PATIENCE, NoWindow
+from windows import PATIENCE, NoWindow, awaited
 
 MAGIC = b"i3-ipc"
 COMMAND, SUBSCRIBE = 0, 2  # Kinds of messages: sway-ipc(7)
@@ -37,25 +36,28 @@ class Surfaces:
         for _ in self._events(time.monotonic()):
             pass
 
-    def appearing(self):
-        """Waits for the next window. Returns when it was there, the same again, and the window."""
-        for when, event in self._events(time.monotonic() + PATIENCE):
+    def appearing(self, process):
+        """Waits for the next window unless the process has ended. Returns when it was there, the
+        same again, and the window."""
+        for when, event in self._events(time.monotonic() + PATIENCE, process):
             if event["change"] == "new":
                 return when, when, event["container"]
         raise NoWindow("no window")
 
     def close_window(self, window):
-        """Asks the application to close the window, as its button does, and waits for that."""
-        send(self._commands, COMMAND, f"[con_id={window['id']}] kill")
+        """Asks the application to close its window, as the button does, and waits for that. It may
+        have shown the window anew meanwhile, which is another one then."""
+        self.forget()
+        send(self._commands, COMMAND, f"[pid={window['pid']}] kill")
         receive(self._commands)
         for _, event in self._events(time.monotonic() + PATIENCE):
-            if event["change"] == "close" and event["container"]["id"] == window["id"]:
+            if event["change"] == "close" and event["container"]["pid"] == window["pid"]:
                 return
         raise NoWindow("a window that is closed")
 
-    def _events(self, deadline):
+    def _events(self, deadline, process=None):
         """Yields the events with the time when they came."""
-        while select.select([self._news], [], [], max(0, deadline - time.monotonic()))[0]:
+        while awaited(self._news, deadline, process):
             when = time.monotonic()
             yield when, receive(self._news)
 

@@ -15,6 +15,7 @@ from Xlib import X
 from Xlib.ext import damage
 
 PATIENCE = 30  # Seconds.
+GLANCE = 0.5  # Seconds between two looks at whether a process still runs.
 LEAST = 100  # Pixels. Smaller windows are not for the user.
 ROWS = 12  # Of pixels, in which content is looked for.
 COLOURS = 16  # Text and icons alone have more, because their edges are smooth.
@@ -22,6 +23,15 @@ COLOURS = 16  # Text and icons alone have more, because their edges are smooth.
 
 class NoWindow(Exception):
     """What was awaited has not come."""
+
+
+def awaited(source, deadline, process=None):
+    """Waits until there is something to read, and returns true; or returns false at the deadline, or
+    when the process has ended."""
+    while (left := deadline - time.monotonic()) > 0 and (process is None or process.poll() is None):
+        if select.select([source], [], [], min(left, GLANCE))[0]:
+            return True
+    return bool(select.select([source], [], [], 0)[0])
 
 
 Part = collections.namedtuple("Part", "left top width height")
@@ -51,11 +61,11 @@ class Windows:
         for _ in self._events(time.monotonic()):
             pass
 
-    def appearing(self):
-        """Waits for new windows until one has content. Returns when the first one was mapped, when
-        there was content, and the window that has it."""
+    def appearing(self, process):
+        """Waits for new windows until one has content, or the process has ended. Returns when the
+        first one was mapped, when there was content, and the window that has it."""
         shown = {}  # Windows with the time when they were mapped; some get their size later.
-        for when, event in self._events(time.monotonic() + PATIENCE):
+        for when, event in self._events(time.monotonic() + PATIENCE, process):
             if event.type == X.MapNotify:
                 shown[event.window] = when
                 if len(shown) > 1 or not self._has_content(event.window):
@@ -109,13 +119,11 @@ class Windows:
             window.damage_create(damage.DamageReportNonEmpty)
             self._display.flush()
 
-    def _events(self, deadline):
+    def _events(self, deadline, process=None):
         """Yields the events with the time when they came."""
         while True:
-            if not self._display.pending_events():
-                left = max(0, deadline - time.monotonic())
-                if not select.select([self._display], [], [], left)[0]:
-                    return
+            if not self._display.pending_events() and not awaited(self._display, deadline, process):
+                return
             when = time.monotonic()
             for _ in range(self._display.pending_events()):
                 event = self._display.next_event()

@@ -306,7 +306,7 @@ void TestCalls::followsEveryProperty()
 /// clock.
 void TestCalls::tellsForHowLongACallIsActive()
 {
-    const auto ago = [](int minutes) {
+    const auto ago = [](qint64 minutes) {
         return QDateTime::currentDateTimeUtc().addSecs(-60 * minutes).toString(Qt::ISODate);
     };
     const auto minutes = [this](int row) {

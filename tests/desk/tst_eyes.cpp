@@ -143,6 +143,7 @@ private Q_SLOTS:
     void tellsAScreenReader_data();
     void tellsAScreenReader();
     void obeysAScreenReader();
+    void forgetsWhatWasWantedOfACallThatHasEnded();
     void saysThatNoTelephonyAnswers();
     void hasEnoughContrast();
     void fitsTheDisplay_data();
@@ -391,6 +392,25 @@ void TestEyes::obeysAScreenReader()
     QCOMPARE(mute.arguments(), QVariantList({true}));
     audio.fail(mute, u"org.mobian_project.CallAudio.Error"_s, u"no microphone"_s);
     QTRY_VERIFY(!find(reader, u"Mute"_s).isChecked);
+}
+
+/// The stack says that the tones could not be sent.
+void TestEyes::forgetsWhatWasWantedOfACallThatHasEnded()
+{
+    QVERIFY(start(phoneSize));
+    const ScreenReader reader(m_ui->sessionBus().address());
+    QVERIFY(show(u"ongoing +49301234567"_s));
+    QTRY_VERIFY(find(reader, u"Keypad"_s).isControl());
+    QVERIFY(reader.act(find(reader, u"Keypad"_s)));
+    for (const QString &tone : {u"1"_s, u"2"_s, u"3"_s, u"4"_s, u"5"_s, u"6"_s, u"7"_s, u"8"_s}) {
+        QTRY_VERIFY(find(reader, tone).isControl());
+        QVERIFY(reader.act(find(reader, tone)));
+    }
+    QVERIFY(m_telephony->remote(u"hangup"_s));
+    QVERIFY(m_ui->logs(u"screens: screen: dial pad"_s));
+    QVERIFY(show(u"dial pad 555*1"_s));
+    const QStringList rest = m_ui->takeLog().filter(u"fail"_s);
+    QVERIFY2(rest.isEmpty(), qUtf8Printable(rest.join(u'\n')));
 }
 
 void TestEyes::saysThatNoTelephonyAnswers()

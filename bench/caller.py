@@ -1,7 +1,7 @@
 # SPDX-FileCopyrightText: 2026 The Parley developers
 # SPDX-License-Identifier: BSD-3-Clause
 
-"""The real oFono on the system bus of a handset, with a modem that calls can come to."""
+"""Somebody who calls the handset, through the real oFono and a modem on its system bus."""
 
 import subprocess
 import time
@@ -15,8 +15,8 @@ MODEM = "com.nimbo.simulator.modem"
 ONLINE = "com.nimbo.simulator.modem.online"  # It has an owner while oFono has the modem online.
 
 
-class Telephony:
-    """A context manager that ends both processes on exit."""
+class Caller:
+    """A context manager that ends oFono and the modem on exit."""
 
     def __init__(self, handset, handset_program="parley-handset"):
         self._handset = handset
