@@ -408,7 +408,9 @@ void TestEyes::forgetsWhatWasWantedOfACallThatHasEnded()
     }
     QVERIFY(m_telephony->remote(u"hangup"_s));
     QVERIFY(m_ui->logs(u"screens: screen: dial pad"_s));
-    QVERIFY(show(u"dial pad 555*1"_s));
+    // What the stack has said by now is handled before this.
+    m_ui->call(u"openUrl"_s, {QStringList{u"tel:5550199"_s}});
+    QVERIFY(m_ui->logs(u"screens: screen: dial pad 5550199"_s));
     const QStringList rest = m_ui->takeLog().filter(u"fail"_s);
     QVERIFY2(rest.isEmpty(), qUtf8Printable(rest.join(u'\n')));
 }
