@@ -310,15 +310,17 @@ void Calls::sendTones(const QString &tones, const QString &modem)
     }
     waiting = all;
     if (!isSending)
-        sendNextTones(line->first);
+        sendNextTone(line->first);
 }
 
-/// oFono refuses tones while it sends others.
-void Calls::sendNextTones(const QString &modem)
+/// oFono takes nothing else until it has sent the tones of a command, so that each has one alone:
+/// who wants to end the call meanwhile waits for a second at most.
+void Calls::sendNextTone(const QString &modem)
 {
     Line &line = m_lines.at(modem);
-    const QString tones = std::exchange(*line.tones, {});
-    m_ofono.command({modem, managerInterface, QStringLiteral("SendTones"), {tones}},
+    const QString tone = line.tones->left(1);
+    line.tones->remove(0, 1);
+    m_ofono.command({modem, managerInterface, QStringLiteral("SendTones"), {tone}},
                     m_ofono.patience().network, line.context.get(),
                     [this, modem](const QDBusMessage &answer) {
                         Line &its = m_lines.at(modem);
@@ -326,7 +328,7 @@ void Calls::sendNextTones(const QString &modem)
                         if (isError)
                             fail(QStringLiteral("sendTones"), 0, {}, Telephony::errorOf(answer));
                         if (!isError && !its.tones->isEmpty()) {
-                            sendNextTones(modem);
+                            sendNextTone(modem);
                         } else {
                             its.tones.reset();
                             tellWhatWaits(its);
