@@ -116,7 +116,8 @@ private:
     void manage(const QString &action, const QString &method, int call);
     void manageOngoing(const QString &action, const QString &method, const QString &modem);
     QString ongoingModem(const QString &wanted) const;
-    void sendNextTone(const QString &modem);
+    void sendRemainingTones(const QString &modem);
+    void dropTones(const QString &modem, Telephony::Error error);
     void tell(const Wish &wish);
     void keepForLater(Line &line, const Wish &wish);
     void tellWhatWaits(Line &line);
