@@ -8,7 +8,7 @@ import sys
 from pathlib import Path
 
 SOURCE = Path(__file__).resolve().parent.parent
-sys.path.insert(0, str(SOURCE / "packaging/booted"))
+sys.path.insert(0, str(SOURCE / "packaging/systems"))
 
 # pylint: disable=wrong-import-position
 import debian

@@ -1,0 +1,109 @@
+# SPDX-FileCopyrightText: 2026 The Parley developers
+# SPDX-License-Identifier: BSD-3-Clause
+
+"""The tests, built for an ARM processor, and run below the emulator on the machine's own system."""
+
+import re
+import shutil
+from collections import Counter
+
+import emulation
+from debian import digest, install_in, named, run_in, source_files
+
+# These are loaded by what was built, or load it, and have to be of its architecture.
+_OF_THE_HOST = ("qml-module-", "qmlscene", "qtwayland5")
+# Tools that load what was built, from a package that has tools of the build as well.
+_LOADERS = ("qmlplugindump", "qmltestrunner")
+_LOADERS_PACKAGE = "qtdeclarative5-dev-tools"
+
+
+def section(source, name):
+    """Returns the packages in a section of tools/packages."""
+    packages, found = [], False
+    for line in (source / "tools/packages").read_text().splitlines():
+        line = line.partition("#")[0].strip()
+        if line.startswith("["):
+            found = line == f"[{name}]"
+        elif found and line:
+            packages.append(line)
+    return packages
+
+
+class EmulatedTests:
+    """The tests of a checkout for an architecture."""
+
+    def __init__(self, cache, source, architecture):
+        self._cache = cache
+        self._source = source
+        self._architecture = architecture
+        self._folder = None
+
+    def system(self):
+        """Returns a system with what the tests are built and run with."""
+        wanted = [
+            f"{name}:{self._architecture}" if name.startswith(_OF_THE_HOST) else name
+            for name in section(self._source, "running") + section(self._source, "testing")
+        ]
+        builder = self._cache.builder(self._source, self._architecture)
+
+        def prepare(root):
+            # oFono's package would start it as a service.
+            policy = root / "usr/sbin/policy-rc.d"
+            policy.write_text("#!/bin/sh\nexit 101\n")
+            policy.chmod(0o755)
+            install_in(root, *wanted)
+            folder = root / "build/loaders"
+            folder.mkdir()
+            package = f"{_LOADERS_PACKAGE}:{self._architecture}"
+            run_in(root, "env", "--chdir=/build/loaders", "apt-get", "download", package)
+            run_in(root, "sh", "-c", "dpkg-deb -x /build/loaders/*.deb /build/loaders")
+            for tool in _LOADERS:
+                shutil.copy2(folder / "usr/lib/qt5/bin" / tool, root / "usr/lib/qt5/bin")
+
+        key = digest(builder.name, *wanted)
+        return self._cache.derived(named("tester", self._architecture), key, prepare, builder)
+
+    def build(self):
+        """Builds the tests and what they need with the settings of the release preset."""
+        processor, prefix = emulation.PROCESSORS[self._architecture]
+        command = [
+            *["cmake", "--preset=release", "-DCMAKE_SYSTEM_NAME=Linux"],
+            f"-DCMAKE_SYSTEM_PROCESSOR={processor}",
+            f"-DCMAKE_CXX_COMPILER={prefix}-g++",
+            f"-DCMAKE_LIBRARY_ARCHITECTURE={prefix}",
+            f"-DPKG_CONFIG_EXECUTABLE=/usr/bin/{prefix}-pkg-config",
+        ]
+        system = self.system()
+
+        def make(folder):
+            script = '"$@" && cmake --build --preset=release --parallel 2'
+            shell = ["sh", "-c", script, "sh", *command]
+            self._cache.build(system, self._source, folder, *shell)
+
+        contents = [(self._source / file).read_bytes() for file in source_files(self._source)]
+        names = map(str, source_files(self._source))
+        key = digest(system.name, *command, *names, *contents)
+        self._folder = self._cache.entry(named("tests", self._architecture), key, make)
+
+    def run(self, log, *which):
+        """Runs tests, chosen by arguments of ctest, but those that are left out. Keeps what they
+        print in a file. Returns how many there were."""
+        build = "parley/build/release"
+        left_out = "^(" + "|".join(emulation.LEFT_OUT) + ")$"
+        command = ["ctest", "--test-dir", f"/build/{build}", "--parallel", "2", "-E", left_out]
+        try:
+            printed = run_in(
+                *[self.system(), *command, *which],
+                binds=[(self._folder, "/build")],
+                volatile=True,
+                preexec_fn=emulation.refuse_pidfds,
+            )
+        finally:
+            shutil.copy2(self._folder / build / "Testing/Temporary/LastTest.log", log)
+        tests = re.search(r"tests passed, 0 tests failed out of (\d+)", printed)
+        counts = Counter()
+        for outcome in re.findall(r"^Totals: (.*)", log.read_text(errors="replace"), re.MULTILINE):
+            for number, what in re.findall(r"(\d+) (passed|skipped)", outcome):
+                counts[what] += int(number)
+        skipped = f", {counts['skipped']} skipped" if counts["skipped"] else ""
+        return f"{tests[1]} tests, {counts['passed']} functions passed{skipped}"
