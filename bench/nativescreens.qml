@@ -22,7 +22,7 @@ Screens {
 
     ParleyUiAdaptor {
         onShow: __window.show()
-        onDial: screens.number = number
+        onDial: function(number) { screens.number = number; }
         onToggleCall: screens.number = ""
         onShowOngoing: console.info("marked")
     }

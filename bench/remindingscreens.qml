@@ -39,12 +39,12 @@ Screens {
     }
 
     ParleyUiAdaptor {
-        onDial: {
+        onDial: function(number) {
             if (!screens.number)
                 console.info("dialled");
             screens.number = number;
         }
-        onOpenUrl: {
+        onOpenUrl: function(arg) {
             for (var i = 0; i < arg.length; ++i)
                 base.createWithStrings(arg[i], screens.due, "Phone", "Ada", "Call Ada", "tomorrow");
         }

@@ -310,28 +310,41 @@ void Calls::sendTones(const QString &tones, const QString &modem)
     }
     waiting = all;
     if (!isSending)
-        sendNextTones(line->first);
+        sendRemainingTones(line->first);
 }
 
-/// oFono refuses tones while it sends others.
-void Calls::sendNextTones(const QString &modem)
+/// oFono takes nothing else until it has sent the tones of a command, so that each has one alone:
+/// who wants to end the call meanwhile waits for a second at most.
+void Calls::sendRemainingTones(const QString &modem)
 {
     Line &line = m_lines.at(modem);
-    const QString tones = std::exchange(*line.tones, {});
-    m_ofono.command({modem, managerInterface, QStringLiteral("SendTones"), {tones}},
+    if (line.tones->isEmpty()) {
+        line.tones.reset();
+        tellWhatWaits(line);
+        return;
+    }
+    const QString tone = line.tones->left(1);
+    line.tones->remove(0, 1);
+    m_ofono.command({modem, managerInterface, QStringLiteral("SendTones"), {tone}},
                     m_ofono.patience().network, line.context.get(),
                     [this, modem](const QDBusMessage &answer) {
-                        Line &its = m_lines.at(modem);
-                        const bool isError = answer.type() == QDBusMessage::ErrorMessage;
-                        if (isError)
-                            fail(QStringLiteral("sendTones"), 0, {}, Telephony::errorOf(answer));
-                        if (!isError && !its.tones->isEmpty()) {
-                            sendNextTones(modem);
-                        } else {
-                            its.tones.reset();
-                            tellWhatWaits(its);
-                        }
+                        if (answer.type() == QDBusMessage::ErrorMessage)
+                            dropTones(modem, Telephony::errorOf(answer));
+                        else
+                            sendRemainingTones(modem);
                     });
+}
+
+/// oFono says that the tones have failed before it says that their call has ended, and the next
+/// call may have its path at once. The answer to a further question comes after both.
+void Calls::dropTones(const QString &modem, Telephony::Error error)
+{
+    Line &line = m_lines.at(modem);
+    line.tones->clear();
+    m_ofono.command({modem, managerInterface, QStringLiteral("GetCalls"), {}},
+                    m_ofono.patience().command, line.context.get(),
+                    [this, modem](const QDBusMessage &) { sendRemainingTones(modem); });
+    fail(QStringLiteral("sendTones"), 0, {}, error);
 }
 
 /// Calls a method of the manager that concerns \a call.

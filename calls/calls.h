@@ -69,8 +69,8 @@ public:
     /// Speaks to \a call, one of a conference, alone, and holds the others.
     Q_INVOKABLE void split(int call);
     /// Sends \a tones (0 to 9, *, #, A to D) in the active call. Tones that come while others are
-    /// being sent follow them. Whatever else their modem is told meanwhile waits for those that are
-    /// being sent, and drops those that follow.
+    /// being sent follow them. Whatever else their modem is told meanwhile waits for the tone that
+    /// is being sent, a second at most, and drops those that follow.
     Q_INVOKABLE void sendTones(const QString &tones, const QString &modem = QString());
 
 Q_SIGNALS:
@@ -116,7 +116,8 @@ private:
     void manage(const QString &action, const QString &method, int call);
     void manageOngoing(const QString &action, const QString &method, const QString &modem);
     QString ongoingModem(const QString &wanted) const;
-    void sendNextTones(const QString &modem);
+    void sendRemainingTones(const QString &modem);
+    void dropTones(const QString &modem, Telephony::Error error);
     void tell(const Wish &wish);
     void keepForLater(Line &line, const Wish &wish);
     void tellWhatWaits(Line &line);

@@ -220,7 +220,7 @@ BaseScreen {
             opacity: screen.keypad ? 1 : 0
             visible: opacity > 0
             y: Style.wide ? (parent.height - height) / 2 + Style.px(16) : buttons.y - height - Style.px(14)
-            onTyped: screen.type(input)
+            onTyped: function(input) { screen.type(input); }
 
             Behavior on opacity {
                 enabled: screen.current

@@ -208,7 +208,7 @@ BaseScreen {
 
             anchors.horizontalCenter: parent.horizontalCenter
             y: Style.wide ? (parent.height - height) / 2 : parent.height - buttonsHeight - height
-            onTyped: pad.type(input)
+            onTyped: function(input) { pad.type(input); }
         }
     }
 

@@ -43,7 +43,7 @@ Grid {
             objectName: "key " + text
             text: modelData[0]
             width: Style.px(grid.keySize)
-            onTyped: grid.typed(input)
+            onTyped: function(input) { grid.typed(input); }
         }
     }
 }

@@ -49,7 +49,7 @@ Dialog {
         visible: dialog.stage === "user-response"
         width: parent.width
         onAbandoned: dialog.closeRequested()
-        onFinished: {
+        onFinished: function(confirmed) {
             if (confirmed)
                 dialog.send();
         }

@@ -398,16 +398,18 @@ Item {
 
         reminders: base
         watched: __window.visible
-        onFailed: phone.explain(action, number, why, isWithoutNetwork)
-        onNotSent: {
+        onFailed: function(action, number, why, isWithoutNetwork) {
+            phone.explain(action, number, why, isWithoutNetwork);
+        }
+        onNotSent: function(number) {
             Log.tell("screen: reply to " + number + " failed");
             phone.tellOfReply(QT_TR_NOOP("The reply to %1 could not be sent"), number);
         }
-        onOver: phone.settle(call, isRefused)
+        onOver: function(call, isRefused) { phone.settle(call, isRefused); }
         onQuieted: phone.stopRinging()
         onRang: phone.receive()
         onRenewed: phone.turnToCall()
-        onSent: {
+        onSent: function(number, text) {
             Log.tell("screen: replied " + text + " to " + number);
             if (__window.visible)
                 phone.tellOfReply(QT_TR_NOOP("Replied to %1"), number);

@@ -89,7 +89,7 @@ BaseScreen {
                 objectName: "reply " + index
                 reply: Words.clean(model.display)
                 width: list.width
-                onEdited: {
+                onEdited: function(text) {
                     model.edit = text;
                     screen.replies.changed(true);
                 }
@@ -120,7 +120,7 @@ BaseScreen {
                 revert();
                 screen.settle();
             }
-            onFinished: {
+            onFinished: function(confirmed) {
                 if (confirmed)
                     screen.add();
             }

@@ -146,7 +146,7 @@ BaseScreen {
                             if (focused)
                                 list.reveal(this);
                         }
-                        onChosen: screen.chosen(number)
+                        onChosen: function(number) { screen.chosen(number); }
                         onMarkedChanged: Qt.callLater(screen.arrange)
                         onWhenChanged: Qt.callLater(screen.arrange)
                     }

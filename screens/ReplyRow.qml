@@ -37,7 +37,7 @@ Item {
             revert();
             row.done();
         }
-        onFinished: {
+        onFinished: function(confirmed) {
             if (changed) {
                 row.edited(text);
                 revert();

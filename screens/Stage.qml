@@ -87,11 +87,11 @@ Item {
                     reminders: phone.reminders
                     sims: phone.sims
                     watched: __window.visible
-                    onCallRequested: phone.call(number)
+                    onCallRequested: function(number) { phone.call(number); }
                     onCloseRequested: __window.hide()
                     onRemindersRequested: phone.turnTo(reminderList)
                     onRepliesRequested: phone.turnTo(quickReplies)
-                    onSpecialRequested: phone.openSpecial(service, url)
+                    onSpecialRequested: function(service, url) { phone.openSpecial(service, url); }
                 }
             }
 
@@ -105,7 +105,7 @@ Item {
                     onAddRequested: phone.turnTo(dialPad)
                     onCloseRequested: phone.turnTo(dialPad)
                     onEndRequested: line.hangUp()
-                    onRemindRequested: sheet.made().show(number)
+                    onRemindRequested: function(number) { sheet.made().show(number); }
                 }
             }
 
@@ -118,12 +118,12 @@ Item {
                     now: statusBar.now
                     reminders: phone.reminders
                     replies: phone.replies
-                    onAnswerRequested: line.answer(ending)
+                    onAnswerRequested: function(ending) { line.answer(ending); }
                     onCloseRequested: phone.turnTo(line.active ? callScreen : dialPad)
                     onDeclineRequested: phone.decline(call)
                     onEditRequested: phone.turnTo(quickReplies)
-                    onRemindRequested: sheet.made().show(number)
-                    onReplyRequested: phone.reply(call, text)
+                    onRemindRequested: function(number) { sheet.made().show(number); }
+                    onReplyRequested: function(text) { phone.reply(call, text); }
                 }
             }
 
@@ -136,9 +136,9 @@ Item {
                     now: statusBar.now
                     reminders: phone.reminders
                     sims: phone.sims
-                    onCallRequested: phone.call(number)
+                    onCallRequested: function(number) { phone.call(number); }
                     onCloseRequested: phone.leaveContact()
-                    onRemindRequested: sheet.made().show(number)
+                    onRemindRequested: function(number) { sheet.made().show(number); }
                 }
             }
 
@@ -168,7 +168,7 @@ Item {
                     current: phone.current === reminderList
                     now: statusBar.now
                     reminders: phone.reminders
-                    onChosen: phone.presentContact(number)
+                    onChosen: function(number) { phone.presentContact(number); }
                     onCloseRequested: phone.leave()
                 }
             }
@@ -181,7 +181,7 @@ Item {
         sourceComponent: RemindSheet {
             now: statusBar.now
             reminders: phone.reminders
-            onChosen: {
+            onChosen: function(when) {
                 phone.remind(number, when);
                 if (phone.current === incomingScreen && phone.incoming !== null)
                     phone.decline(phone.incoming);
@@ -194,7 +194,7 @@ Item {
 
         sourceComponent: SimChoice {
             modems: phone.line.telephone !== null ? phone.line.telephone.calls.modems : []
-            onChosen: phone.place(number, modem)
+            onChosen: function(modem) { phone.place(number, modem); }
         }
     }
 

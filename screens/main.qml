@@ -90,24 +90,26 @@ Rectangle {
     ParleyUiAdaptor {
         onShow: phone.show()
         onShowOngoing: phone.showOngoing()
-        onOpenUrl: requests.open(arg)
-        onDial: phone.place(numberIn(number), "")
-        onDialViaModem: phone.place(numberIn(number), Words.clean(modemPath))
+        onOpenUrl: function(arg) { requests.open(arg); }
+        onDial: function(number) { phone.place(numberIn(number), ""); }
+        onDialViaModem: function(modemPath, number) {
+            phone.place(numberIn(number), Words.clean(modemPath));
+        }
         onShowCellularErrorDialog: phone.showError("")
-        onOpenContactCard: phone.presentContact(numberIn(number))
+        onOpenContactCard: function(number) { phone.presentContact(numberIn(number)); }
         onToggleCall: phone.toggleCall()
     }
 
     UrlRequests {
         id: requests
 
-        onTelephone: phone.presentPad(number)
-        onRemind: phone.presentReminder(number, seconds)
-        onForget: phone.forget(number)
+        onTelephone: function(number) { phone.presentPad(number); }
+        onRemind: function(number, seconds) { phone.presentReminder(number, seconds); }
+        onForget: function(number) { phone.forget(number); }
         onReminders: phone.presentReminders()
-        onReply: phone.sendReply(index)
-        onReplies: phone.changeReplies(command, text, index)
-        onPages: phone.presentPages(urls)
+        onReply: function(index) { phone.sendReply(index); }
+        onReplies: function(command, text, index) { phone.changeReplies(command, text, index); }
+        onPages: function(urls) { phone.presentPages(urls); }
     }
 
     Phone {
@@ -115,6 +117,6 @@ Rectangle {
 
         anchors.fill: parent
         onTopmostChanged: Qt.callLater(root.takeFocus)
-        onUrlsRequested: requests.open(urls)
+        onUrlsRequested: function(urls) { requests.open(urls); }
     }
 }

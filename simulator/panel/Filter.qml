@@ -50,7 +50,7 @@ ColumnLayout {
             actions: ["block", "allow", "hangup"]
             current: root.fallback
             name: root.filter + " default"
-            onChosen: panel.run(["default", root.filter, action])
+            onChosen: function(action) { panel.run(["default", root.filter, action]); }
         }
     }
     Repeater {
@@ -68,7 +68,7 @@ ColumnLayout {
             Choice {
                 current: has
                 name: root.filter + " " + imsi
-                onChosen: panel.run(["rule", root.filter, imsi, action])
+                onChosen: function(action) { panel.run(["rule", root.filter, imsi, action]); }
             }
         }
     }

@@ -74,6 +74,7 @@ private Q_SLOTS:
     void waitsForTheTones();
     void waitsForTheTonesOfItsModemAlone();
     void doesWhatWaitedOnce();
+    void endsNoOtherCallAfterTheTones_data();
     void endsNoOtherCallAfterTheTones();
     void limitsWhatWaits();
     void losesWhatWaitsWithItsModem();
@@ -653,22 +654,21 @@ void TestCalls::knowsNoSuchCall()
     QCOMPARE(failure(), u"sendTones 0  NoCall"_s);
 }
 
+/// oFono takes nothing else during a command, so that each has one tone.
 void TestCalls::sendsTonesOneAfterTheOther()
 {
     startWith({object(one, FakeOfono::call(u"active"_s))});
-    m_calls->sendTones(u"1"_s);
-    const QDBusMessage tone = m_ofono->next(u"SendTones"_s);
-    QCOMPARE(tone.arguments().at(0).toString(), u"1"_s);
-    m_calls->sendTones(u"2"_s);
+    m_calls->sendTones(u"12"_s);
     m_calls->sendTones(u"3"_s);
     m_calls->sendTones(u"x"_s);
     QCOMPARE(failure(), u"sendTones 0  InvalidFormat"_s);
-    m_ofono->settle();
-    QCOMPARE(m_ofono->waiting(), 0);
-    m_ofono->reply(tone, {});
-    const QDBusMessage tones = m_ofono->next(u"SendTones"_s);
-    QCOMPARE(tones.arguments().at(0).toString(), u"23"_s);
-    m_ofono->reply(tones, {});
+    for (const QString &tone : {u"1"_s, u"2"_s, u"3"_s}) {
+        const QDBusMessage command = m_ofono->next(u"SendTones"_s);
+        QCOMPARE(command.arguments().at(0).toString(), tone);
+        m_ofono->settle();
+        QCOMPARE(m_ofono->waiting(), 0);
+        m_ofono->reply(command, {});
+    }
     m_ofono->settle();
     m_calls->sendTones(u"4"_s);
     QTRY_COMPARE(m_ofono->waiting(), 1);
@@ -725,7 +725,7 @@ void TestCalls::waitsForTheTones()
 
     startWith(
         {object(one, FakeOfono::call(u"active"_s)), object(two, FakeOfono::call(u"waiting"_s))});
-    m_calls->sendTones(u"1"_s);
+    m_calls->sendTones(u"12"_s);
     const QDBusMessage tone = m_ofono->next(u"SendTones"_s);
     m_calls->sendTones(u"2"_s);
     m_calls->holdAndAnswer(m_calls->ringing());
@@ -782,9 +782,19 @@ void TestCalls::doesWhatWaitedOnce()
     QCOMPARE(m_ofono->waiting(), 0);
 }
 
+void TestCalls::endsNoOtherCallAfterTheTones_data()
+{
+    QTest::addColumn<bool>("failFirst");
+
+    QTest::newRow("the call ends first") << false;
+    QTest::newRow("the tones fail first") << true;
+}
+
 /// The other side ends the call during the tones, and another call gets its path.
 void TestCalls::endsNoOtherCallAfterTheTones()
 {
+    QFETCH(bool, failFirst);
+
     startWith(
         {object(one, FakeOfono::call(u"active"_s)), object(two, FakeOfono::call(u"waiting"_s))});
     const int waiting = m_calls->ringing();
@@ -792,11 +802,14 @@ void TestCalls::endsNoOtherCallAfterTheTones()
     const QDBusMessage tone = m_ofono->next(u"SendTones"_s);
     m_calls->hangUp(m_calls->ongoing());
     m_calls->holdAndAnswer(waiting);
+    if (failFirst)
+        m_ofono->fail(tone, u"org.ofono.Error.Failed"_s, {});
     m_ofono->endCall(one, u"remote"_s);
     m_ofono->endCall(two, u"remote"_s);
     m_ofono->addCall(one, FakeOfono::call(u"incoming"_s));
     QTRY_COMPARE(m_ended->count(), 2);
-    m_ofono->fail(tone, u"org.ofono.Error.Failed"_s, {});
+    if (!failFirst)
+        m_ofono->fail(tone, u"org.ofono.Error.Failed"_s, {});
     QCOMPARE(failure(), u"sendTones 0  Failed"_s);
     QCOMPARE(failure(), u"holdAndAnswer %1 5550100 NoCall"_s.arg(waiting));
     m_ofono->settle();

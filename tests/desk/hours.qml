@@ -69,7 +69,7 @@ Item {
         anchors.fill: parent
         now: bar.now
         reminders: base
-        onChosen: lastChosen = when
+        onChosen: function(when) { lastChosen = when; }
     }
 
     Line {
@@ -80,6 +80,6 @@ Item {
     }
 
     ParleyUiAdaptor {
-        onShow: console.info("evaluated " + JSON.stringify(eval(args[1])))
+        onShow: function(args) { console.info("evaluated " + JSON.stringify(eval(args[1]))); }
     }
 }

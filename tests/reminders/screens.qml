@@ -67,7 +67,7 @@ Item {
     }
 
     ParleyUiAdaptor {
-        onShow: console.info("evaluated " + JSON.stringify(eval(args[1])))
+        onShow: function(args) { console.info("evaluated " + JSON.stringify(eval(args[1]))); }
     }
 
     Component.onCompleted: console.info("loaded")

@@ -194,7 +194,8 @@ void TestPanel::showsNotifications()
 void TestPanel::answersDueAlarms()
 {
     QVERIFY(startWith("import QtQuick 2.15\nimport com.nimbo.parley 1.0\n"
-                      "Item { ParleyUiAdaptor { onDial: console.info('dial', number) } }\n"));
+                      "Item { ParleyUiAdaptor { onDial: function(number) { console.info('dial', "
+                      "number) } } }\n"));
     for (const QString &name : {u"Ada"_s, u"Bob"_s})
         panel()->run({u"remind"_s, u"555"_s, u"3600"_s, name});
     QTRY_VERIFY(isShown(u"dismiss 2"_s));

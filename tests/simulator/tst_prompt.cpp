@@ -110,8 +110,9 @@ void TestPrompt::init()
     QVERIFY(m_folder->isValid());
     QFile screens(m_folder->filePath(u"screens.qml"_s));
     QVERIFY(screens.open(QIODevice::WriteOnly));
-    screens.write("import QtQuick 2.15\nimport com.nimbo.parley 1.0\n"
-                  "Item { ParleyUiAdaptor { onDial: console.info('dial', number) } }\n");
+    screens.write(
+        "import QtQuick 2.15\nimport com.nimbo.parley 1.0\n"
+        "Item { ParleyUiAdaptor { onDial: function(number) { console.info('dial', number) } } }\n");
 
     m_user = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
     QVERIFY(m_user >= 0 && grantpt(m_user) == 0 && unlockpt(m_user) == 0);

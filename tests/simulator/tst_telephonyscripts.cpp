@@ -74,9 +74,11 @@ void TestTelephonyScripts::plays()
     handset.start(qEnvironmentVariable("PARLEY_HANDSET"), arguments);
     QVERIFY(handset.waitForFinished(patience));
     const QByteArray transcript = handset.readAll();
+    // QtTest cuts off long texts; what went wrong is at the end.
+    const QByteArray end = transcript.right(600);
     QVERIFY2(handset.exitStatus() == QProcess::NormalExit && handset.exitCode() == 0,
-             transcript.constData());
-    QVERIFY2(!transcript.contains("skipped:"), transcript.constData());
+             end.constData());
+    QVERIFY2(!transcript.contains("skipped:"), end.constData());
 }
 
 /// The handset says which package it is in.

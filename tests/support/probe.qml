@@ -15,18 +15,18 @@ Item {
     }
 
     ParleyUiAdaptor {
-        onShow: {
+        onShow: function(args) {
             if (args[0] === "evaluate")
                 report("evaluated", eval(args[1]));
             else
                 report("show", args);
         }
         onShowOngoing: report("showOngoing", [])
-        onOpenUrl: report("openUrl", arg)
-        onDial: report("dial", number)
-        onDialViaModem: report("dialViaModem", [modemPath, number])
+        onOpenUrl: function(arg) { report("openUrl", arg); }
+        onDial: function(number) { report("dial", number); }
+        onDialViaModem: function(modemPath, number) { report("dialViaModem", [modemPath, number]); }
         onShowCellularErrorDialog: report("showCellularErrorDialog", [])
-        onOpenContactCard: report("openContactCard", number)
+        onOpenContactCard: function(number) { report("openContactCard", number); }
         onToggleCall: report("toggleCall", [])
     }
 

@@ -102,16 +102,16 @@ Item {
     }
 
     ParleyUiAdaptor {
-        onShow: screens.state = "shown " + args.length
+        onShow: function(args) { screens.state = "shown " + args.length; }
         onShowOngoing: screens.state = "ongoing"
-        onOpenUrl: arg.forEach(screens.obey)
-        onDial: {
+        onOpenUrl: function(arg) { arg.forEach(screens.obey); }
+        onDial: function(number) {
             if (number.startsWith("check "))
                 console.info(number);
         }
-        onDialViaModem: screens.state = modemPath + number
+        onDialViaModem: function(modemPath, number) { screens.state = modemPath + number; }
         onShowCellularErrorDialog: screens.state = "error"
-        onOpenContactCard: screens.state = number
+        onOpenContactCard: function(number) { screens.state = number; }
         onToggleCall: screens.state = "toggled"
     }
 
