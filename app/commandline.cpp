@@ -7,7 +7,7 @@ namespace {
 
 QString mainQmlFile(const QStringList &arguments)
 {
-    const int option = arguments.indexOf(QLatin1String("-qml"));
+    const auto option = arguments.indexOf(QLatin1String("-qml"));
     if (option < 0 || option + 1 == arguments.size())
         return QStringLiteral("/usr/share/parley-ui-nimbo/main.qml");
     return arguments.at(option + 1);

@@ -19,12 +19,13 @@ QString catalogueFolder()
 void installEngineeringEnglish(QTranslator &translator)
 {
     // The delimiters are empty, not null: Qt then does not shorten the name in search of a file.
-    translator.load(QStringLiteral("parley_eng_en"), catalogueFolder(), QStringLiteral(""));
-    QCoreApplication::installTranslator(&translator);
+    if (translator.load(QStringLiteral("parley_eng_en"), catalogueFolder(), QStringLiteral("")))
+        QCoreApplication::installTranslator(&translator);
 }
 
 void installUserLanguage(QTranslator &translator)
 {
-    translator.load(QLocale(), QStringLiteral("parley"), QStringLiteral("-"), catalogueFolder());
-    QCoreApplication::installTranslator(&translator);
+    if (translator.load(QLocale(), QStringLiteral("parley"), QStringLiteral("-"),
+                        catalogueFolder()))
+        QCoreApplication::installTranslator(&translator);
 }

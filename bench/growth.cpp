@@ -18,7 +18,7 @@ namespace {
 constexpr int runs = 5;
 
 /// Returns the medians of several processes; nothing if one of them fails.
-std::vector<double> medianFigures(const QStringList &arguments, int count)
+std::vector<double> medianFigures(const QStringList &arguments, qsizetype count)
 {
     std::vector<std::vector<double>> figures(static_cast<std::size_t>(count));
     for (int run = 0; run < runs; ++run) {

@@ -119,7 +119,7 @@ int measure(int size)
             client.call(callOf(QStringLiteral("add_event"), {QVariant::fromValue(reminderFor(i))}));
         passed = timer.nsecsElapsed();
     });
-    int found = 0;
+    qsizetype found = 0;
     const double listed = serve([&] {
         const QDBusMessage reply = client.call(callOf(QStringLiteral("query"), {QVariantMap()}));
         QList<uint> cookies;

@@ -25,7 +25,7 @@ CallModel::CallModel(QObject *parent)
 
 int CallModel::rowCount(const QModelIndex &parent) const
 {
-    return parent.isValid() ? 0 : m_calls.size();
+    return parent.isValid() ? 0 : static_cast<int>(m_calls.size());
 }
 
 QVariant CallModel::data(const QModelIndex &index, int role) const
@@ -57,7 +57,8 @@ void CallModel::add(const QString &modem, const BusObject &object)
     if (rowOf(object.path) >= 0 || m_calls.size() >= mostBusObjects)
         return;
     const QPointer<CallModel> self(this);
-    beginInsertRows({}, m_calls.size(), m_calls.size());
+    const int row = rowCount();
+    beginInsertRows({}, row, row);
     m_calls.append(Call(++m_lastId, modem, object));
     endInsertRows();
     if (self)
@@ -149,10 +150,10 @@ int CallModel::firstOngoing() const
 
 bool CallModel::updateProperties(int changed)
 {
-    const bool countChanges = m_count != m_calls.size();
+    const bool countChanges = m_count != count();
     const bool ringingChanges = m_ringing != firstRinging() || m_ringing == changed;
     const bool ongoingChanges = m_ongoing != firstOngoing() || m_ongoing == changed;
-    m_count = m_calls.size();
+    m_count = count();
     m_ringing = firstRinging();
     m_ongoing = firstOngoing();
 

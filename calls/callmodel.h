@@ -32,7 +32,7 @@ public:
     QVariant data(const QModelIndex &index, int role) const override;
     QHash<int, QByteArray> roleNames() const override;
 
-    int count() const { return m_calls.size(); }
+    int count() const { return rowCount(); }
     int ringing() const { return m_ringing; }
     int ongoing() const { return m_ongoing; }
 

@@ -34,7 +34,7 @@ Messages::Messages(QObject *parent)
 
 int Messages::rowCount(const QModelIndex &parent) const
 {
-    return parent.isValid() ? 0 : m_messages.size();
+    return parent.isValid() ? 0 : static_cast<int>(m_messages.size());
 }
 
 QVariant Messages::data(const QModelIndex &index, int role) const
@@ -102,7 +102,8 @@ void Messages::accept(Message message)
     } else {
         message.modem = modem;
         const QPointer<Messages> self(this);
-        beginInsertRows({}, m_messages.size(), m_messages.size());
+        const int row = rowCount();
+        beginInsertRows({}, row, row);
         m_messages.append(message);
         endInsertRows();
         if (!self)

@@ -47,7 +47,7 @@ public:
     QHash<int, QByteArray> roleNames() const override;
 
     Telephony::Status status() const { return m_ofono.status(); }
-    int count() const { return m_messages.size(); }
+    int count() const { return rowCount(); }
 
     /// Sends \a text to \a number, in any usual form, through \a modem or the first that is online.
     /// Returns the id of the message. Its row and its signals come later.

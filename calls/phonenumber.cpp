@@ -30,7 +30,7 @@ bool isTone(QChar c)
 bool hasForm(const QString &number, int most)
 {
     const int begin = number.startsWith(QLatin1Char('+')) ? 1 : 0;
-    const int size = number.size() - begin;
+    const auto size = number.size() - begin;
     return size > 0 && size <= most && std::all_of(number.cbegin() + begin, number.cend(), isKey);
 }
 

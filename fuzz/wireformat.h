@@ -11,7 +11,7 @@ class WireFormat
 {
 public:
     QByteArray bytes() const { return m_bytes; }
-    int size() const { return m_bytes.size(); }
+    qsizetype size() const { return m_bytes.size(); }
 
     void align(int boundary)
     {
@@ -41,9 +41,9 @@ public:
     void addArray(int elementAlignment, Function addElements)
     {
         add(quint32(0));
-        const int lengthAt = m_bytes.size() - 4;
+        const auto lengthAt = m_bytes.size() - 4;
         align(elementAlignment);
-        const int start = m_bytes.size();
+        const auto start = m_bytes.size();
         addElements();
         qToLittleEndian(static_cast<quint32>(m_bytes.size() - start), m_bytes.data() + lengthAt);
     }

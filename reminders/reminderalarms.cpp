@@ -31,7 +31,7 @@ const QLatin1String triggerTimeKey("triggerTime");
 
 /// Registered this early because the signal that carries the triggers may come with the first
 /// answer of the bus.
-const int triggersType = qDBusRegisterMetaType<Maemo::Timed::Event::Triggers>();
+const auto triggersType = qDBusRegisterMetaType<Maemo::Timed::Event::Triggers>();
 
 /// Returns the largest number for an invalid time, and for one that does not fit.
 uint secondsSinceEpoch(const QDateTime &time)

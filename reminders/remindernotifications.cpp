@@ -56,7 +56,8 @@ Notifications notificationsIn(const QDBusMessage &answer)
     if (value.userType() == qMetaTypeId<Notifications>())
         return value.value<Notifications>();
     // The client library decides the form. Reading a value as another form would end the process.
-    const QLatin1String form(QDBusMetaType::typeToSignature(qMetaTypeId<Notifications>()));
+    const QLatin1String form(
+        QDBusMetaType::typeToSignature(qDBusRegisterMetaType<Notifications>()));
     const auto argument = value.value<QDBusArgument>();
     if (argument.currentSignature() == form)
         return qdbus_cast<Notifications>(argument);
@@ -73,7 +74,6 @@ ReminderNotifications::ReminderNotifications(QObject *parent)
     removeReceiveLimits(QDBusConnection::sessionBus());
     qRegisterMetaType<NotificationData>("NotificationData");
     qDBusRegisterMetaType<NotificationData>();
-    qDBusRegisterMetaType<QVector<NotificationData>>();
 }
 
 void ReminderNotifications::subscribe(QObject *receiver, const char *slot)

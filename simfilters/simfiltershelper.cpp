@@ -203,7 +203,7 @@ void SimFiltersHelper::updateSims()
             applyNoSimState();
         return;
     }
-    const int countBefore = m_activeImsis.size();
+    const int countBefore = activeSimCount();
     m_activeImsis = imsis;
     if (activeSimCount() != countBefore)
         Q_EMIT activeSimCountChanged();

@@ -62,7 +62,7 @@ public:
     bool ready() const { return m_dial.ready && m_incoming.ready; }
     bool anyActiveSimCanDial() const { return m_dial.allowed; }
     bool anyActiveSimCanReceive() const { return m_incoming.allowed; }
-    int activeSimCount() const { return m_activeImsis.size(); }
+    int activeSimCount() const { return static_cast<int>(m_activeImsis.size()); }
 
 Q_SIGNALS:
     void readyChanged();

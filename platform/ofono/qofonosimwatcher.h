@@ -41,7 +41,7 @@ public:
 
     /// Returns the SIMs that are present, in the order of their modems' paths.
     QList<QSharedPointer<QOfonoSimManager>> presentSimList() const;
-    int presentSimCount() const { return m_presentSims.size(); }
+    int presentSimCount() const { return static_cast<int>(m_presentSims.size()); }
 
 Q_SIGNALS:
     void validChanged();

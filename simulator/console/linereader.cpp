@@ -27,7 +27,7 @@ void LineReader::read()
     if (size > 0)
         m_pending.append(buffer.data(), static_cast<int>(size));
 
-    for (int end = m_pending.indexOf('\n'); end >= 0; end = m_pending.indexOf('\n')) {
+    for (auto end = m_pending.indexOf('\n'); end >= 0; end = m_pending.indexOf('\n')) {
         const QString line = QString::fromUtf8(m_pending.left(end));
         m_pending.remove(0, end + 1);
         Q_EMIT lineRead(line);

@@ -186,7 +186,7 @@ unsigned char Prompt::complete(EditLine *editor, std::wint_t)
     const QStringList words = prompt.m_complete(text);
     if (words.isEmpty())
         return CC_ERROR;
-    const int begun = text.size() - 1 - text.lastIndexOf(QLatin1Char(' '));
+    const auto begun = text.size() - 1 - text.lastIndexOf(QLatin1Char(' '));
     QString missing = commonBeginning(words).mid(begun);
     if (words.size() == 1)
         missing += QLatin1Char(' ');

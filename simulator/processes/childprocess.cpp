@@ -29,7 +29,7 @@ void ChildProcess::stop()
     }
 }
 
-void ChildProcess::setupChildProcess()
+void ChildProcess::prepare()
 {
     setpgid(0, 0);
     prctl(PR_SET_PDEATHSIG, SIGKILL); // SIGTERM would not end a stopped process.

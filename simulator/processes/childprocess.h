@@ -3,19 +3,20 @@
 
 #pragma once
 
+#include "qt5and6.h"
+
 #include <QCoreApplication>
-#include <QProcess>
 
 /// A process that ends when the object is destroyed, and when this process ends for any reason.
 ///
 /// It has a process group of its own. Ctrl-C on a terminal therefore reaches only this process,
 /// which then ends its children in order.
-class ChildProcess : public QProcess
+class ChildProcess : public PreparedProcess
 {
     Q_OBJECT
 
 public:
-    using QProcess::QProcess;
+    using PreparedProcess::PreparedProcess;
     /// Stops it.
     ~ChildProcess() override;
 
@@ -23,11 +24,10 @@ public:
     /// Returns when the process has ended. No signal of this object is emitted meanwhile.
     void stop();
 
-protected:
-    void setupChildProcess() override;
-
 private:
     Q_DISABLE_COPY(ChildProcess)
+
+    void prepare() override;
 
     const qint64 m_parentPid = QCoreApplication::applicationPid();
 };

@@ -9,6 +9,6 @@ bool runsProgram(qint64 process, const QString &program)
 {
     // A link to the executable would name the emulator.
     QFile maps(QStringLiteral("/proc/%1/maps").arg(process));
-    return maps.open(QIODevice::ReadOnly)
-        && maps.readAll().contains(' ' + QFile::encodeName(program) + '\n');
+    const QByteArray endOfLine = ' ' + QFile::encodeName(program) + '\n';
+    return maps.open(QIODevice::ReadOnly) && maps.readAll().contains(endOfLine);
 }

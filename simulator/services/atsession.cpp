@@ -251,7 +251,7 @@ QByteArray AtSession::run(const QByteArray &command)
         return ok;
     }
     // A name ends with what is done to it. "=?" only asks whether there is such a command.
-    const int equals = command.indexOf('=');
+    const auto equals = command.indexOf('=');
     const QByteArray name = equals < 0 ? command : command.left(equals + 1);
     const QByteArray arguments = equals < 0 ? QByteArray() : command.mid(equals + 1);
     const Handler handler = m_handlers.value(name);

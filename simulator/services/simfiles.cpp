@@ -75,7 +75,7 @@ QByteArray SimFiles::answer(int command, int file, int p1, int p2, int length) c
     const bool isRead = command == ReadRecord ? records > 0 : command == ReadBinary && records == 0;
     if (!isRead)
         return wrongCommand;
-    const int size = length == 0 ? content.size() - offset : length;
+    const int size = length == 0 ? static_cast<int>(content.size()) - offset : length;
     const bool isInside =
         offset >= 0 && isByte(size) && size > 0 && offset + size <= content.size();
     return isInside ? ok(content.mid(offset, size)) : wrongPlace;

@@ -39,7 +39,7 @@ QChar extended(char code)
     case 0x40:
         return QLatin1Char('|');
     case 0x65:
-        return {0x20ac};
+        return QChar(0x20ac);
     default:
         return QLatin1Char(' ');
     }
@@ -94,7 +94,7 @@ public:
     }
 
     bool isValid() const { return m_isValid; }
-    int left() const { return m_bytes.size() - m_at; }
+    int left() const { return static_cast<int>(m_bytes.size()) - m_at; }
     uchar byte() { return static_cast<uchar>(bytes(1).at(0)); }
     QByteArray bytes(int count)
     {

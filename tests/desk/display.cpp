@@ -6,8 +6,8 @@
 #include "literals.h"
 
 #include <QColor>
+#include <QCoreApplication>
 #include <QFile>
-#include <QLibraryInfo>
 #include <QStandardPaths>
 #include <QTest>
 #include <QtEndian>
@@ -60,7 +60,7 @@ QByteArray contentOf(const QString &fileName)
 
 } // namespace
 
-int Display::count(const QColor &color) const
+int OwnDisplay::count(const QColor &color) const
 {
     const QImage shown = picture().convertToFormat(QImage::Format_RGB32);
     int found = 0;
@@ -144,9 +144,13 @@ WaylandDisplay::WaylandDisplay(const QSize &size)
 QStringList WaylandDisplay::missing() const
 {
     QStringList names = notInstalled({u"sway"_s, u"grim"_s});
-    if (!QFile::exists(QLibraryInfo::location(QLibraryInfo::PluginsPath)
-                       + u"/platforms/libqwayland-generic.so"_s))
-        names.append(u"qtwayland5"_s);
+    const QStringList pluginFolders = QCoreApplication::libraryPaths();
+    const bool hasPlugin =
+        std::any_of(pluginFolders.cbegin(), pluginFolders.cend(), [](const QString &folder) {
+            return QFile::exists(folder + u"/platforms/libqwayland-generic.so"_s);
+        });
+    if (!hasPlugin)
+        names.append(u"Qt's plugin for Wayland"_s);
     return names;
 }
 

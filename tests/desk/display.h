@@ -13,11 +13,11 @@
 #include <QTemporaryDir>
 
 /// A display of a test's own, without a screen.
-class Display
+class OwnDisplay
 {
 public:
-    Display() = default;
-    virtual ~Display() = default;
+    OwnDisplay() = default;
+    virtual ~OwnDisplay() = default;
 
     /// Returns what has to be installed and is not.
     virtual QStringList missing() const = 0;
@@ -34,11 +34,11 @@ public:
     int count(const QColor &color) const;
 
 private:
-    Q_DISABLE_COPY(Display)
+    Q_DISABLE_COPY(OwnDisplay)
 };
 
 /// An X11 display.
-class XDisplay : public Display
+class XDisplay : public OwnDisplay
 {
 public:
     /// Without a window manager, \a windowManager is empty.
@@ -59,7 +59,7 @@ private:
 };
 
 /// A Wayland display. Windows that do not fill it have the size that they want.
-class WaylandDisplay : public Display
+class WaylandDisplay : public OwnDisplay
 {
 public:
     explicit WaylandDisplay(const QSize &size);

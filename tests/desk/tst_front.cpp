@@ -27,7 +27,7 @@ const QString wayland = u"Wayland"_s;
 const QString managed = u"X11"_s;
 const QString unmanaged = u"X11 without a window manager"_s;
 
-std::unique_ptr<Display> makeDisplay(const QString &name)
+std::unique_ptr<OwnDisplay> makeDisplay(const QString &name)
 {
     if (name == wayland)
         return std::make_unique<WaylandDisplay>(displaySize);
@@ -66,7 +66,7 @@ private:
     bool request(const QString &method, const QVariant &argument = {});
     bool shows(const QColor &color, const QSize &size) const;
 
-    std::unique_ptr<Display> m_display;
+    std::unique_ptr<OwnDisplay> m_display;
     std::unique_ptr<UiUnderTest> m_ui;
     std::unique_ptr<SimulatedTelephony> m_telephony;
     std::unique_ptr<UiUnderTest> m_other;

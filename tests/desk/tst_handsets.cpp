@@ -49,14 +49,14 @@ private Q_SLOTS:
     void startsNoSessionBus();
 
 private:
-    void useDisplay(std::unique_ptr<Display> display);
+    void useDisplay(std::unique_ptr<OwnDisplay> display);
     bool startHandset();
     QVector<QRect> panels() const;
     QStringList commandsWithMark() const;
 
     std::unique_ptr<QTemporaryDir> m_folder;
     QProcessEnvironment m_environment;
-    std::unique_ptr<Display> m_display;
+    std::unique_ptr<OwnDisplay> m_display;
     std::vector<std::unique_ptr<ChildProcess>> m_handsets;
 };
 
@@ -83,7 +83,7 @@ void TestHandsets::cleanup()
     m_display.reset();
 }
 
-void TestHandsets::useDisplay(std::unique_ptr<Display> display)
+void TestHandsets::useDisplay(std::unique_ptr<OwnDisplay> display)
 {
     const QStringList missing = display->missing();
     if (!missing.isEmpty())

@@ -50,7 +50,7 @@ private Q_SLOTS:
 private:
     bool shows(int pixels) const;
 
-    std::unique_ptr<Display> m_display;
+    std::unique_ptr<OwnDisplay> m_display;
 };
 
 bool TestPhone::shows(int pixels) const

@@ -286,7 +286,7 @@ QString ExampleRunner::checkRequest(const QString &command)
 QString ExampleRunner::checkLog(const Document::Block &block)
 {
     for (const QString &line : block.lines) {
-        const int processId = line.indexOf(u"4242"_s);
+        const auto processId = line.indexOf(u"4242"_s);
         const bool isLogged = processId < 0
             ? m_ui.logs(line)
             : patternOf(line).match(m_ui.lineBeginning(line.left(processId))).hasMatch();

@@ -99,7 +99,7 @@ QString lint(const QString &fileName)
         const QRegularExpressionMatch match = expected.match(said, at);
         at = match.capturedStart();
         const QStringList lines = match.captured().split(u'\n');
-        const int from = lines.value(2).indexOf(u'^');
+        const auto from = lines.value(2).indexOf(u'^');
         const QString name = lines.value(1).mid(from, lines.value(2).count(u'^'));
         if (rootContext.contains(name))
             said.remove(at, match.capturedLength());

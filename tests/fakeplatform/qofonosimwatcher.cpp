@@ -37,5 +37,5 @@ QList<QSharedPointer<QOfonoSimManager>> QOfonoSimWatcher::presentSimList() const
 
 int QOfonoSimWatcher::presentSimCount() const
 {
-    return FakePlatform::instance().sims.size();
+    return static_cast<int>(FakePlatform::instance().sims.size());
 }

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Parley developers
 // SPDX-License-Identifier: BSD-3-Clause
 
+#include "bussignature.h"
 #include "literals.h"
 #include "messagelog.h"
 #include "privatebus.h"
@@ -11,7 +12,6 @@
 
 #include <QDBusArgument>
 #include <QDBusConnection>
-#include <QDBusMetaType>
 #include <QDBusPendingCallWatcher>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -20,7 +20,21 @@
 #include <memory>
 
 using Maemo::Timed::Event;
-using Maemo::Timed::Exception;
+
+namespace {
+
+template <typename Function>
+bool isRefused(const Function &function)
+{
+    try {
+        function();
+        return false;
+    } catch (const Maemo::Timed::Exception &) {
+        return true;
+    }
+}
+
+} // namespace
 
 class TestTimed : public QObject
 {
@@ -118,12 +132,12 @@ void TestTimed::refusesWhatAnEventCannotCarry()
 {
     Event event;
     event.setAttribute(u"key"_s, u"value"_s);
-    QVERIFY_EXCEPTION_THROWN(event.setAttribute(QString(), u"value"_s), Exception);
-    QVERIFY_EXCEPTION_THROWN(event.setAttribute(u"key"_s, QString(QChar(0))), Exception);
-    QVERIFY_EXCEPTION_THROWN(event.setAttribute(u"k"_s + QChar(0), u"value"_s), Exception);
+    QVERIFY(isRefused([&] { event.setAttribute(QString(), u"value"_s); }));
+    QVERIFY(isRefused([&] { event.setAttribute(u"key"_s, QString(QChar(0))); }));
+    QVERIFY(isRefused([&] { event.setAttribute(u"k"_s + QChar(0), u"value"_s); }));
     Maemo::Timed::Interface timed;
-    QVERIFY_EXCEPTION_THROWN(timed.add_event_async(event), Exception);
-    QVERIFY_EXCEPTION_THROWN(timed.replace_event_async(event, 1), Exception);
+    QVERIFY(isRefused([&] { timed.add_event_async(event); }));
+    QVERIFY(isRefused([&] { timed.replace_event_async(event, 1); }));
     m_daemon->settle();
     QCOMPARE(m_daemon->waiting(), 0);
 }
@@ -137,8 +151,7 @@ void TestTimed::tellsOfTriggers()
     Event::Triggers triggers;
     triggers.insert(3, 1893585600);
     triggers.insert(4000000000U, -1);
-    QCOMPARE(QString::fromLatin1(QDBusMetaType::typeToSignature(qMetaTypeId<Event::Triggers>())),
-             u"a{ux}"_s);
+    QCOMPARE(busSignature<Event::Triggers>(), u"a{ux}"_s);
     m_daemon->emitSignal(u"com.nimbo.timed"_s, u"alarm_triggers_changed"_s,
                          {QVariant::fromValue(triggers)});
     QTRY_COMPARE(told.size(), 2);

@@ -55,7 +55,7 @@ bool writeTruncatedFirst(const QString &path, const QByteArray &content)
     if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered))
         return false;
     sched_yield();
-    const int half = content.size() / 2;
+    const auto half = content.size() / 2;
     if (file.write(content.left(half)) != half)
         return false;
     sched_yield();

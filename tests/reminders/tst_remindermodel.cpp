@@ -153,8 +153,8 @@ QString argumentText(const QVariant &argument)
         }
         return entries.join(u'|');
     }
-    return argument.type() == QVariant::StringList ? argument.toStringList().join(u'|')
-                                                   : argument.toString();
+    return argument.userType() == QMetaType::QStringList ? argument.toStringList().join(u'|')
+                                                         : argument.toString();
 }
 
 QString callText(const QDBusMessage &call)
@@ -772,7 +772,7 @@ void TestReminderModel::agreesWithTheStore()
         Sequence sequence = generate(own);
         const Outcome outcome = run(sequence, handset);
         ++sequences;
-        operations += outcome.lines.size();
+        operations += static_cast<int>(outcome.lines.size());
         if (outcome.difference.isEmpty())
             continue;
 

@@ -1122,7 +1122,7 @@ void TestReminders::makeSomeAlarmsAtATime()
         m_daemon->reply(call, {i + 1});
     }
     int published = 0;
-    QTRY_COMPARE(published += takePublications().size(), 300);
+    QTRY_COMPARE(published += static_cast<int>(takePublications().size()), 300);
 }
 
 void TestReminders::closeSomeLeftoversAtATime()

@@ -1,10 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The Parley developers
 // SPDX-License-Identifier: BSD-3-Clause
 
+#include "bussignature.h"
 #include "fakeplatform.h"
 #include "literals.h"
 #include "messagelog.h"
 #include "privatebus.h"
+#include "qt5and6.h"
 #include "scriptedservice.h"
 #include "simfiltershelper.h"
 #include "watchercount.h"
@@ -13,7 +15,6 @@
 
 #include <QDBusConnection>
 #include <QDBusInterface>
-#include <QDBusMetaType>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QMetaEnum>
@@ -301,13 +302,12 @@ void TestSimFiltersHelper::declaresWhatQmlUses()
 void TestSimFiltersHelper::registersItsTypes()
 {
     start();
-    const int rule = QMetaType::type("SimFiltersHelper::Rule");
-    const int list = QMetaType::type("SimFiltersHelper::RuleList");
-    QCOMPARE(rule, qMetaTypeId<Rule>());
-    QCOMPARE(list, qMetaTypeId<RuleList>());
-    QCOMPARE(QByteArray(QMetaType::typeName(list)), QByteArray("SimFiltersHelper::RuleList"));
-    QCOMPARE(QByteArray(QDBusMetaType::typeToSignature(rule)), QByteArray("(su)"));
-    QCOMPARE(QByteArray(QDBusMetaType::typeToSignature(list)), QByteArray("a(su)"));
+    QCOMPARE(metaTypeNamed("SimFiltersHelper::Rule"), qMetaTypeId<Rule>());
+    QCOMPARE(metaTypeNamed("SimFiltersHelper::RuleList"), qMetaTypeId<RuleList>());
+    QCOMPARE(QByteArray(QMetaType(qMetaTypeId<RuleList>()).name()),
+             QByteArray("SimFiltersHelper::RuleList"));
+    QCOMPARE(busSignature<Rule>(), u"(su)"_s);
+    QCOMPARE(busSignature<RuleList>(), u"a(su)"_s);
     QCOMPARE(Rule().imsi, QString());
     QCOMPARE(Rule().action, block);
 

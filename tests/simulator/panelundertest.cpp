@@ -153,7 +153,7 @@ void PanelUnderTest::click(const QString &name, const QString &line)
 {
     QTRY_VERIFY2(isShown(name), qUtf8Printable(name));
     QTRY_VERIFY2(item(name)->isEnabled(), qUtf8Printable(name));
-    const int before = m_commands.size();
+    const auto before = m_commands.size();
     press(name);
     QVERIFY2(runsToTheEnd(line), qUtf8Printable(m_commands.join(u'\n')));
     QCOMPARE(m_commands.size(), before + 1);

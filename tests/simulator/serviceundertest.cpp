@@ -32,7 +32,7 @@ ServiceUnderTest::ServiceUnderTest(Place place)
     m_systemBus.start(m_folder.path(), QStringLiteral("system"), m_place.limits);
     m_bus = QDBusConnection::connectToBus(address(), m_folder.path());
     for (const QString &signal : m_place.heard) {
-        const int dot = signal.lastIndexOf(QLatin1Char('.'));
+        const auto dot = signal.lastIndexOf(QLatin1Char('.'));
         m_bus.connect(m_place.service, m_place.path, signal.left(dot), signal.mid(dot + 1), this,
                       SLOT(received(QDBusMessage)));
     }

@@ -328,7 +328,7 @@ void TestPrompt::leavesTheLineAloneWhenOutputArrives()
 
     QVERIFY(start());
     QTRY_COMPARE(lastRow(), u">"_s);
-    const int before = m_screen->rows().size();
+    const auto before = m_screen->rows().size();
     type(line);
     const QString shown = u"> "_s + QString::fromUtf8(line);
     const auto typed = [&](int first) {

@@ -196,9 +196,9 @@ void TestScreens::keepsWhatWasVisible()
     m_handset->write("dial 5\n"); // What comes with the start has come before the reply.
     QVERIFY(says(u"ui: green calls 5"_s));
     QVERIFY(says(u"reply: true .*"_s));
-    const int loaded = m_output.indexOf(u"loaded as green"_s);
-    const int shown = m_output.indexOf(u"green: visible"_s);
-    const int called = m_output.indexOf(u"green calls 5"_s);
+    const auto loaded = m_output.indexOf(u"loaded as green"_s);
+    const auto shown = m_output.indexOf(u"green: visible"_s);
+    const auto called = m_output.indexOf(u"green calls 5"_s);
     QVERIFY2(loaded >= 0 && shown > loaded && (shown < called) == isVisible,
              qUtf8Printable(m_output));
     QVERIFY(!m_output.contains(u"> replay"_s));

@@ -33,7 +33,7 @@ public:
     /// another one.
     QDBusMessage next(const QString &method);
     /// Returns the number of calls that have come and were not taken.
-    int waiting() const { return m_calls.size(); }
+    int waiting() const { return static_cast<int>(m_calls.size()); }
     /// Forgets the calls that have come.
     void forget() { m_calls.clear(); }
 

@@ -17,7 +17,7 @@ bool writeSettings(const QString &configHome, const Settings &settings)
     if (!file.open(QIODevice::WriteOnly))
         return false;
     for (auto it = settings.cbegin(); it != settings.cend(); ++it) {
-        const int slash = it.key().lastIndexOf(QLatin1Char('/'));
+        const auto slash = it.key().lastIndexOf(QLatin1Char('/'));
         const QString section = it.key().mid(1, slash - 1);
         file.write(QStringLiteral("[%1]\n%2=%3\n")
                        .arg(section, it.key().mid(slash + 1), it.value())

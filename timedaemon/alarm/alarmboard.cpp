@@ -58,7 +58,7 @@ int AlarmBoard::freePlaces() const
 {
     const auto taken = std::count_if(m_shown.cbegin(), m_shown.cend(),
                                      [](const auto &one) { return !one.second->isAnswered(); });
-    return mostShown - static_cast<int>(taken) - m_reading.size();
+    return mostShown - static_cast<int>(taken) - static_cast<int>(m_reading.size());
 }
 
 void AlarmBoard::read(uint cookie)

@@ -4,8 +4,7 @@
 #pragma once
 
 #include <QString>
-
-class QStringList;
+#include <QStringList>
 
 /// The command line of parley-alarm.
 struct Arguments

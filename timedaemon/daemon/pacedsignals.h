@@ -33,7 +33,7 @@ public:
     {
         QString interface;
         QString member;
-        int size; ///< About how many bytes the arguments have.
+        qsizetype size; ///< About how many bytes the arguments have.
         Arguments arguments;
     };
 
@@ -44,7 +44,8 @@ public:
 private:
     struct Receiver
     {
-        int unread = 0; ///< The bytes that were sent since it was last known to have read all.
+        qsizetype unread =
+            0; ///< The bytes that were sent since it was last known to have read all.
         bool isBehind = false; ///< It was asked whether it has read all.
         QMap<QString, Signal> waiting; ///< By member.
     };

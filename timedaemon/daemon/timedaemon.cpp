@@ -172,7 +172,7 @@ bool TimeDaemon::dismiss(uint user, uint cookie)
 /// Queued behind the reply to the call that changed the alarms, so that a client that replaced an
 /// alarm knows the new cookie before it hears that the old one has gone. The list also has what
 /// other calls have added by then. \a times is how many alarms have changed.
-void TimeDaemon::tellTriggersLater(uint user, int times)
+void TimeDaemon::tellTriggersLater(uint user, qsizetype times)
 {
     const auto arguments = [this, user] {
         return QVariantList{QVariant::fromValue(triggersOf(alarmsOf(user).pending()))};
@@ -187,12 +187,12 @@ void TimeDaemon::tellTriggersLater(uint user, int times)
     QMetaObject::invokeMethod(this, tellTriggers, Qt::QueuedConnection);
 }
 
-void TimeDaemon::tell(uint user, const PacedSignals::Signal &signal, int times)
+void TimeDaemon::tell(uint user, const PacedSignals::Signal &signal, qsizetype times)
 {
     PacedSignals &paced = m_signals.try_emplace(user, m_bus, objectPath).first->second;
     const QStringList connections = m_busUsers.connectionsOf(user);
     for (const QString &connection : connections) {
-        for (int i = 0; i < times; ++i)
+        for (qsizetype i = 0; i < times; ++i)
             paced.send(connection, signal);
     }
 }

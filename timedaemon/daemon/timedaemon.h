@@ -61,7 +61,7 @@ public:
 
     /// Sends a signal to each connection of \a user, \a times times. A connection that does not
     /// read gets fewer.
-    void tell(uint user, const PacedSignals::Signal &signal, int times = 1);
+    void tell(uint user, const PacedSignals::Signal &signal, qsizetype times = 1);
 
 Q_SIGNALS:
     /// An alarm was added, cancelled or has fired. \a triggers are the times of those that remain.
@@ -91,7 +91,7 @@ private:
     }
 
     void load();
-    void tellTriggersLater(uint user, int times = 1);
+    void tellTriggersLater(uint user, qsizetype times = 1);
     void fireDue();
     void scheduleNext();
 

@@ -13,27 +13,27 @@ namespace {
 
 constexpr uint reminderFlag = 1;
 
-int bytesOf(const Alarm &alarm)
+qsizetype bytesOf(const Alarm &alarm)
 {
-    int bytes = 0;
+    qsizetype bytes = 0;
     for (auto it = alarm.attributes.cbegin(); it != alarm.attributes.cend(); ++it)
         bytes += it.key().toUtf8().size() + it.value().toUtf8().size();
     return bytes;
 }
 
-int charactersOf(const Alarm &alarm)
+qsizetype charactersOf(const Alarm &alarm)
 {
-    int characters = 8 * alarm.attributes.size();
+    qsizetype characters = 8 * alarm.attributes.size();
     for (auto it = alarm.attributes.cbegin(); it != alarm.attributes.cend(); ++it)
         characters += it.key().size() + it.value().size();
     return characters;
 }
 
-int charactersOf(const AlarmsByCookie &alarms)
+qsizetype charactersOf(const AlarmsByCookie &alarms)
 {
     return std::accumulate(
-        alarms.cbegin(), alarms.cend(), 0,
-        [](int characters, const Alarm &alarm) { return characters + charactersOf(alarm); });
+        alarms.cbegin(), alarms.cend(), qsizetype{0},
+        [](qsizetype characters, const Alarm &alarm) { return characters + charactersOf(alarm); });
 }
 
 Refusal limited(const QString &text)
@@ -188,7 +188,7 @@ void UserAlarms::makeDue(const QList<uint> &cookies)
 void UserAlarms::dropEarliestDue()
 {
     int count = 0;
-    int characters = charactersOf(m_alarms.due);
+    qsizetype characters = charactersOf(m_alarms.due);
     const QList<uint> cookies = dueInOrder();
     for (const uint cookie : cookies) {
         if (m_alarms.due.size() <= maxAlarms && characters <= maxCharacters)
