@@ -37,6 +37,7 @@ class EmulatedTests:
         self._source = source
         self._architecture = architecture
         self._folder = None
+        self.passed = 0  # Functions of tests, of all runs.
 
     def system(self):
         """Returns a system with what the tests are built and run with."""
@@ -100,10 +101,17 @@ class EmulatedTests:
             )
         finally:
             shutil.copy2(self._folder / build / "Testing/Temporary/LastTest.log", log)
+            counts = self._functions(log)
+            self.passed += counts["passed"]
         tests = re.search(r"tests passed, 0 tests failed out of (\d+)", printed)
+        skipped = f", {counts['skipped']} skipped" if counts["skipped"] else ""
+        return f"{tests[1]} tests, {counts['passed']} functions passed{skipped}"
+
+    @staticmethod
+    def _functions(log):
+        """Returns how many functions of the tests have passed, and how many were skipped."""
         counts = Counter()
         for outcome in re.findall(r"^Totals: (.*)", log.read_text(errors="replace"), re.MULTILINE):
             for number, what in re.findall(r"(\d+) (passed|skipped)", outcome):
                 counts[what] += int(number)
-        skipped = f", {counts['skipped']} skipped" if counts["skipped"] else ""
-        return f"{tests[1]} tests, {counts['passed']} functions passed{skipped}"
+        return counts
