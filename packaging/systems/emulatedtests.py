@@ -73,6 +73,7 @@ class EmulatedTests:
             f"-DCMAKE_CXX_COMPILER={prefix}-g++",
             f"-DCMAKE_LIBRARY_ARCHITECTURE={prefix}",
             f"-DPKG_CONFIG_EXECUTABLE=/usr/bin/{prefix}-pkg-config",
+            f"-DPARLEY_TEST_TIMEOUT={emulation.TEST_SECONDS}",
         ]
         system = self.system()
 
@@ -91,7 +92,10 @@ class EmulatedTests:
         print in a file. Returns how many there were."""
         build = "parley/build/release"
         left_out = "^(" + "|".join(emulation.LEFT_OUT) + ")$"
-        command = ["ctest", "--test-dir", f"/build/{build}", "--parallel", "2", "-E", left_out]
+        command = [
+            *["env", f"QTEST_FUNCTION_TIMEOUT={emulation.TEST_SECONDS * 1000}"],
+            *["ctest", "--test-dir", f"/build/{build}", "--parallel", "2", "-E", left_out],
+        ]
         try:
             printed = run_in(
                 *[self.system(), *command, *which],
