@@ -37,6 +37,7 @@ class EmulatedTests:
         self._source = source
         self._architecture = architecture
         self._folder = None
+        self.passed = 0  # Functions of tests, of all runs.
 
     def system(self):
         """Returns a system with what the tests are built and run with."""
@@ -72,6 +73,7 @@ class EmulatedTests:
             f"-DCMAKE_CXX_COMPILER={prefix}-g++",
             f"-DCMAKE_LIBRARY_ARCHITECTURE={prefix}",
             f"-DPKG_CONFIG_EXECUTABLE=/usr/bin/{prefix}-pkg-config",
+            f"-DPARLEY_TEST_TIMEOUT={emulation.TEST_SECONDS}",
         ]
         system = self.system()
 
@@ -90,7 +92,10 @@ class EmulatedTests:
         print in a file. Returns how many there were."""
         build = "parley/build/release"
         left_out = "^(" + "|".join(emulation.LEFT_OUT) + ")$"
-        command = ["ctest", "--test-dir", f"/build/{build}", "--parallel", "2", "-E", left_out]
+        command = [
+            *["env", f"QTEST_FUNCTION_TIMEOUT={emulation.TEST_SECONDS * 1000}"],
+            *["ctest", "--test-dir", f"/build/{build}", "--parallel", "2", "-E", left_out],
+        ]
         try:
             printed = run_in(
                 *[self.system(), *command, *which],
@@ -100,10 +105,17 @@ class EmulatedTests:
             )
         finally:
             shutil.copy2(self._folder / build / "Testing/Temporary/LastTest.log", log)
+            counts = self._functions(log)
+            self.passed += counts["passed"]
         tests = re.search(r"tests passed, 0 tests failed out of (\d+)", printed)
+        skipped = f", {counts['skipped']} skipped" if counts["skipped"] else ""
+        return f"{tests[1]} tests, {counts['passed']} functions passed{skipped}"
+
+    @staticmethod
+    def _functions(log):
+        """Returns how many functions of the tests have passed, and how many were skipped."""
         counts = Counter()
         for outcome in re.findall(r"^Totals: (.*)", log.read_text(errors="replace"), re.MULTILINE):
             for number, what in re.findall(r"(\d+) (passed|skipped)", outcome):
                 counts[what] += int(number)
-        skipped = f", {counts['skipped']} skipped" if counts["skipped"] else ""
-        return f"{tests[1]} tests, {counts['passed']} functions passed{skipped}"
+        return counts

@@ -9,10 +9,16 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
-#include <QStandardPaths>
 #include <QTest>
 
+#include <cstring>
+
+#include <unistd.h>
+
 namespace {
+
+/// The argument with which this program does nothing, and does not end.
+constexpr char waitForever[] = "wait-forever";
 
 /// Returns the loader of this process; empty if it has none.
 QString loader()
@@ -47,11 +53,11 @@ void TestRunningProgram::knowsItsExecutable()
 /// The executable is the loader, as it is the emulator where the program is emulated.
 void TestRunningProgram::knowsWhatALoaderRuns()
 {
-    const QString program =
-        QFileInfo(QStandardPaths::findExecutable(u"sleep"_s)).canonicalFilePath();
+    // Of a program of this build, because the tools of the system may be for another processor.
+    const QString program = QFileInfo(QCoreApplication::applicationFilePath()).canonicalFilePath();
     QVERIFY(!loader().isEmpty());
     ChildProcess process;
-    process.start(loader(), {program, u"1000"_s});
+    process.start(loader(), {program, QString::fromLatin1(waitForever)});
     QVERIFY(process.waitForStarted());
     QTRY_VERIFY(runsProgram(process.processId(), program));
     QVERIFY(!QFile::symLinkTarget(u"/proc/%1/exe"_s.arg(process.processId())).endsWith(program));
@@ -62,6 +68,13 @@ void TestRunningProgram::knowsNoProcess()
     QVERIFY(!runsProgram(0, QCoreApplication::applicationFilePath()));
 }
 
-QTEST_GUILESS_MAIN(TestRunningProgram)
+int main(int argc, char *argv[])
+{
+    if (argc == 2 && std::strcmp(argv[1], waitForever) == 0)
+        return pause();
+    const QCoreApplication application(argc, argv);
+    TestRunningProgram test;
+    return QTest::qExec(&test, argc, argv);
+}
 
 #include "tst_runningprogram.moc"
