@@ -42,10 +42,10 @@ public:
     }
 
 protected:
-    void setupChildProcess() override
+    void prepare() override
     {
         setsid(); // First, because the leader of a group cannot begin a session.
-        ChildProcess::setupChildProcess();
+        ChildProcess::prepare();
         ioctl(m_terminal, TIOCSCTTY, 0);
         for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
             dup2(m_terminal, descriptor);
