@@ -19,13 +19,14 @@ QString catalogueFolder()
 void installEngineeringEnglish(QTranslator &translator)
 {
     // The delimiters are empty, not null: Qt then does not shorten the name in search of a file.
-    if (translator.load(QStringLiteral("parley_eng_en"), catalogueFolder(), QStringLiteral("")))
-        QCoreApplication::installTranslator(&translator);
+    static_cast<void>(
+        translator.load(QStringLiteral("parley_eng_en"), catalogueFolder(), QStringLiteral("")));
+    QCoreApplication::installTranslator(&translator);
 }
 
 void installUserLanguage(QTranslator &translator)
 {
-    if (translator.load(QLocale(), QStringLiteral("parley"), QStringLiteral("-"),
-                        catalogueFolder()))
-        QCoreApplication::installTranslator(&translator);
+    static_cast<void>(translator.load(QLocale(), QStringLiteral("parley"), QStringLiteral("-"),
+                                      catalogueFolder()));
+    QCoreApplication::installTranslator(&translator);
 }

@@ -71,9 +71,10 @@ uint toCookie(const QVariant &value)
 QList<uint> toCookies(const QVariant &value)
 {
     QVariantList values;
-    if (value.userType() != qMetaTypeId<QDBusArgument>()) {
+    // Qt 6 would make a list of other values too, such as one of the characters of a text.
+    if (value.userType() == QMetaType::QVariantList || value.userType() == QMetaType::QStringList) {
         values = value.toList();
-    } else {
+    } else if (value.userType() == qMetaTypeId<QDBusArgument>()) {
         const auto argument = value.value<QDBusArgument>();
         if (argument.currentSignature() == QLatin1String("av"))
             values = qdbus_cast<QVariantList>(argument);

@@ -161,6 +161,14 @@ void ReminderStore::unbindFromFirst(const Reminder *reminder)
         unlist(m_records.begin(), reminder);
 }
 
+void ReminderStore::forget(const Reminder *reminder)
+{
+    m_byReminder.remove(reminder);
+    // In Qt 6 a hash never shrinks by itself.
+    if (m_byReminder.isEmpty())
+        m_byReminder.clear();
+}
+
 bool ReminderStore::isBound(const QString &normalizedNumber, const Reminder *reminder) const
 {
     const auto age = m_byNormalizedNumber.constFind(normalizedNumber);

@@ -53,7 +53,7 @@ public:
 
     /// Removes the index of \a reminder, which is being destroyed. Records go on listing it as
     /// null.
-    void forget(const Reminder *reminder) { m_byReminder.remove(reminder); }
+    void forget(const Reminder *reminder);
 
     /// Returns whether the record with exactly that number lists \a reminder.
     bool isBound(const QString &normalizedNumber, const Reminder *reminder) const;

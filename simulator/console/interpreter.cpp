@@ -49,7 +49,7 @@ QStringList nameOf(const Command &command)
 int lengthOfName(const Command &command, const QStringList &words)
 {
     const QStringList name = nameOf(command);
-    return beginsWith(words, name) ? name.size() : 0;
+    return beginsWith(words, name) ? static_cast<int>(name.size()) : 0;
 }
 
 bool isEndless(const QString &parameter)
@@ -57,7 +57,7 @@ bool isEndless(const QString &parameter)
     return parameter.contains(QLatin1String("..."));
 }
 
-bool takes(const Command &command, int arguments)
+bool takes(const Command &command, qsizetype arguments)
 {
     const QStringList &parameters = command.parameters;
     const auto required =

@@ -247,7 +247,7 @@ void Prompt::list(const QStringList &words) const
 {
     int width = 0;
     for (const QString &word : words)
-        width = std::max(width, word.size() + 2);
+        width = std::max(width, static_cast<int>(word.size()) + 2);
     const int inARow = std::max(1, columns() / width);
     QString text;
     for (int i = 0; i < words.size(); ++i) {

@@ -27,7 +27,7 @@ QStringList ServiceList::keys() const
 
 int ServiceList::rowCount(const QModelIndex &parent) const
 {
-    return parent.isValid() ? 0 : m_items.size();
+    return parent.isValid() ? 0 : static_cast<int>(m_items.size());
 }
 
 QVariant ServiceList::data(const QModelIndex &index, int role) const
@@ -96,7 +96,7 @@ void ServiceList::setItems(const QVariantList &items)
         }
         ++row;
     }
-    removeRowsBetween(row, m_items.size());
+    removeRowsBetween(row, rowCount());
     Q_EMIT itemsChanged();
 }
 

@@ -45,7 +45,7 @@ void ServiceTalk::print(const Finish &finish, const QString &none)
 }
 
 /// Asks for one list after another, so that the lines come in order.
-void ServiceTalk::printFrom(std::size_t list, int printed, const Finish &finish,
+void ServiceTalk::printFrom(std::size_t list, qsizetype printed, const Finish &finish,
                             const QString &none)
 {
     if (list == m_lists.size()) {

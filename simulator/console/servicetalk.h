@@ -71,7 +71,7 @@ private Q_SLOTS:
     void signalled(const QDBusMessage &message);
 
 private:
-    void printFrom(std::size_t list, int printed, const Finish &finish, const QString &none);
+    void printFrom(std::size_t list, qsizetype printed, const Finish &finish, const QString &none);
     void record(const QString &line);
 
     QDBusConnection m_bus;

@@ -14,7 +14,7 @@ Section {
         return (number < 10 ? "0" : "") + number;
     }
 
-    function left(due) {
+    function timeLeft(due) {
         var seconds = Math.max(0, Math.ceil((due - now) / 1000));
         return Math.floor(seconds / 3600) + ":" + two(Math.floor(seconds / 60) % 60)
             + ":" + two(seconds % 60);
@@ -43,7 +43,7 @@ Section {
                 Layout.preferredWidth: 64
                 font.bold: true
                 objectName: "left " + row.entry.cookie
-                text: root.left(row.entry.due)
+                text: root.timeLeft(row.entry.due)
             }
             Words {
                 Layout.fillWidth: true

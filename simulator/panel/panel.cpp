@@ -39,7 +39,7 @@ static void initializeResources()
 void Panel::prepare()
 {
     // It is fast enough for a panel, starts at once, and does not depend on the graphics driver.
-    QQuickWindow::setSceneGraphBackend(QSGRendererInterface::Software);
+    QQuickWindow::setSceneGraphBackend(QStringLiteral("software"));
 }
 
 Panel::Panel(const Parts &handset, QObject *parent)

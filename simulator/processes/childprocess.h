@@ -24,10 +24,11 @@ public:
     /// Returns when the process has ended. No signal of this object is emitted meanwhile.
     void stop();
 
+protected:
+    void prepare() override;
+
 private:
     Q_DISABLE_COPY(ChildProcess)
-
-    void prepare() override;
 
     const qint64 m_parentPid = QCoreApplication::applicationPid();
 };

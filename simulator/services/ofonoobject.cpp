@@ -24,6 +24,9 @@ const QDBusArgument &operator>>(const QDBusArgument &argument, OfonoObject &obje
 
 void registerOfonoObjectTypes()
 {
+    // Qt 6 exports a method only if the names of its types are registered.
+    qRegisterMetaType<QDBusObjectPath>();
+    qRegisterMetaType<QDBusVariant>();
     qDBusRegisterMetaType<OfonoObject>();
     qDBusRegisterMetaType<OfonoObjects>();
 }

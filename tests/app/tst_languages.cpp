@@ -47,7 +47,7 @@ QList<Message> messagesOf(const QString &path)
     while (!xml.atEnd()) {
         if (xml.readNext() != QXmlStreamReader::StartElement)
             continue;
-        const QStringRef name = xml.name();
+        const auto name = xml.name();
         if (name == u"name") {
             context = xml.readElementText();
         } else if (name == u"message") {

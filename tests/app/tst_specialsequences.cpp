@@ -192,7 +192,7 @@ void TestSpecialSequences::costLittleByTheTenThousand()
     std::sort(ratios.begin(), ratios.end());
     const double median = ratios.at(ratios.size() / 2);
     qInfo("the screens are drawn after %.2f times as long (median of %d pairs, %.2f to %.2f)",
-          median, ratios.size(), ratios.constFirst(), ratios.constLast());
+          median, static_cast<int>(ratios.size()), ratios.constFirst(), ratios.constLast());
     QVERIFY(median < 2);
 }
 

@@ -95,7 +95,7 @@ QString lint(const QString &fileName)
     QString said = QString::fromUtf8(process.readAll());
     static const QRegularExpression expected(u"Warning: unqualified access at \\d+:\\d+\n"
                                              u"( *)[^\n]*\n *\\^+\n+"_s);
-    for (int at = 0; at >= 0;) {
+    for (decltype(said.size()) at = 0; at >= 0;) {
         const QRegularExpressionMatch match = expected.match(said, at);
         at = match.capturedStart();
         const QStringList lines = match.captured().split(u'\n');

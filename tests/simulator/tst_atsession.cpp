@@ -96,7 +96,7 @@ QByteArray TestAtSession::send(const QByteArray &pdu, int tooLong)
     const int centre = QByteArray::fromHex(pdu.left(2)).isEmpty()
         ? 0
         : static_cast<uchar>(QByteArray::fromHex(pdu.left(2)).at(0));
-    const int length = pdu.size() / 2 - 1 - centre + tooLong;
+    const auto length = pdu.size() / 2 - 1 - centre + tooLong;
     QByteArray prompt = ask("AT+CMGS=" + QByteArray::number(length));
     if (prompt != "> ")
         return prompt;

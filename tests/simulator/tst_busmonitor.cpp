@@ -76,7 +76,8 @@ QVariant nestedVariant(int depth)
 
 int openDescriptors()
 {
-    return QDir(u"/proc/self/fd"_s).entryList(QDir::AllEntries | QDir::System).size();
+    return static_cast<int>(
+        QDir(u"/proc/self/fd"_s).entryList(QDir::AllEntries | QDir::System).size());
 }
 
 } // namespace

@@ -57,10 +57,11 @@ QString environmentOf(pid_t process, const QByteArray &variable)
     QFile file(u"/proc/%1/environ"_s.arg(process));
     if (!file.open(QIODevice::ReadOnly))
         return {};
+    const QByteArray beginning = variable + '=';
     const QList<QByteArray> entries = file.readAll().split('\0');
     for (const QByteArray &entry : entries) {
-        if (entry.startsWith(variable + '='))
-            return QString::fromUtf8(entry.mid(variable.size() + 1));
+        if (entry.startsWith(beginning))
+            return QString::fromUtf8(entry.mid(beginning.size()));
     }
     return {};
 }

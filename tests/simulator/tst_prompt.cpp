@@ -42,10 +42,10 @@ public:
     }
 
 protected:
-    void setupChildProcess() override
+    void prepare() override
     {
         setsid(); // First, because the leader of a group cannot begin a session.
-        ChildProcess::setupChildProcess();
+        ChildProcess::prepare();
         ioctl(m_terminal, TIOCSCTTY, 0);
         for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
             dup2(m_terminal, descriptor);
@@ -331,13 +331,13 @@ void TestPrompt::leavesTheLineAloneWhenOutputArrives()
     const auto before = m_screen->rows().size();
     type(line);
     const QString shown = u"> "_s + QString::fromUtf8(line);
-    const auto typed = [&](int first) {
+    const auto typed = [&](auto first) {
         return m_screen->rows().mid(first).join(QString()) == (line.isEmpty() ? u">"_s : shown);
     };
     QTRY_VERIFY(typed(before - 1));
     for (int i = 0; i < back; ++i)
         type(left);
-    const int width = shown.size() - back;
+    const auto width = shown.size() - back;
     QTRY_COMPARE(m_screen->beforeCursor().size(), width % 80);
     QVERIFY(killService("time-daemon"));
     QVERIFY(shows(u"time daemon: was ended by signal 9"_s));

@@ -248,8 +248,8 @@ void TestCallerCheck::believesTheBusDaemonAlone()
     QCOMPARE(answer.results, refused);
     QStringList log = m_ui->takeLog();
     QCOMPARE(log.removeAll(u"qml: dial \"1\""_s), tries);
-    const int deceived = log.removeAll(warning(0, u"user  group "_s));
-    const int undeceived =
+    const auto deceived = log.removeAll(warning(0, u"user  group "_s));
+    const auto undeceived =
         log.removeAll(warning(answer.processId, u"user nobody group ordinary"_s));
     QCOMPARE(deceived + undeceived, tries);
     QVERIFY(deceived > 0);
