@@ -94,6 +94,7 @@ class EmulatedTests:
         left_out = "^(" + "|".join(emulation.LEFT_OUT) + ")$"
         command = [
             *["env", f"QTEST_FUNCTION_TIMEOUT={emulation.TEST_SECONDS * 1000}"],
+            f"PARLEY_TEST_PATIENCE={emulation.SLOWER}",
             *["ctest", "--test-dir", f"/build/{build}", "--parallel", "2", "-E", left_out],
         ]
         try:

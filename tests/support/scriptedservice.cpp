@@ -3,17 +3,15 @@
 
 #include "scriptedservice.h"
 
+#include "patience.h"
+
 #include <QCoreApplication>
 #include <QDBusPendingCallWatcher>
 #include <QDBusVirtualObject>
 #include <QEventLoop>
 #include <QTimer>
 
-#include <chrono>
-
 namespace {
-
-constexpr std::chrono::seconds patience(30);
 
 QString connectionName(const ScriptedService *service)
 {
@@ -87,7 +85,7 @@ QDBusMessage ScriptedService::next()
         connect(this, &ScriptedService::called, &loop, &QEventLoop::quit);
         QTimer timer;
         connect(&timer, &QTimer::timeout, &loop, &QEventLoop::quit);
-        timer.start(patience);
+        timer.start(patience());
         loop.exec();
     }
     return m_calls.isEmpty() ? QDBusMessage() : m_calls.takeFirst();

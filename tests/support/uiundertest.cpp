@@ -4,6 +4,7 @@
 #include "uiundertest.h"
 
 #include "callmeanwhile.h"
+#include "patience.h"
 #include "waitfor.h"
 
 #include <QDBusConnectionInterface>
@@ -22,7 +23,6 @@
 namespace {
 
 const QString service = QStringLiteral("com.nimbo.parley.ui");
-constexpr int patience = 30000;
 
 } // namespace
 
@@ -149,7 +149,7 @@ qint64 UiUnderTest::residentMemory() const
 
 bool UiUnderTest::logs(const QString &line)
 {
-    return QTest::qWaitFor([&] { return m_log.removeOne(line); }, patience);
+    return QTest::qWaitFor([&] { return m_log.removeOne(line); }, patience());
 }
 
 QString UiUnderTest::lineBeginning(const QString &prefix)
@@ -165,7 +165,7 @@ QString UiUnderTest::lineBeginning(const QString &prefix)
             }
             return false;
         },
-        patience);
+        patience());
     return seen ? found : QString();
 }
 
@@ -190,12 +190,12 @@ QDBusMessage UiUnderTest::call(const QString &method, const QVariantList &argume
         QDBusMessage::createMethodCall(service, QStringLiteral("/"), service, method);
     message.setArguments(arguments);
     // Read the log meanwhile: a process that cannot write its log does not answer.
-    return callMeanwhile(m_session, message, patience);
+    return callMeanwhile(m_session, message, patience());
 }
 
 int UiUnderTest::waitForEnd()
 {
-    const bool ended = QTest::qWaitFor([this] { return !isRunning(); }, patience);
+    const bool ended = QTest::qWaitFor([this] { return !isRunning(); }, patience());
     return ended && m_process->exitStatus() == QProcess::NormalExit ? m_process->exitCode() : -1;
 }
 

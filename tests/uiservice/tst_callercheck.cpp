@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 
 #include "literals.h"
+#include "patience.h"
 #include "uiundertest.h"
 
 #include <QDBusConnectionInterface>
@@ -114,7 +115,7 @@ Answer TestCallerCheck::callAs(const QString &user, const QString &group, const 
                   QStringList{m_ui->sessionBus().address(), user, group} + steps);
     process.waitForStarted();
     const qint64 processId = process.processId();
-    process.waitForFinished();
+    process.waitForFinished(patience());
     return {QString::fromUtf8(process.readAll()).trimmed().split(u'\n'), processId};
 }
 
