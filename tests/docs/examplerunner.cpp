@@ -132,10 +132,18 @@ QProcessEnvironment ExampleRunner::environment()
     environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, m_ui.sessionBus().address());
     environment.insert(u"DBUS_SYSTEM_BUS_ADDRESS"_s, m_ui.systemBus().address());
     const QString programs = QFileInfo(qEnvironmentVariable("PARLEY_HANDSET")).path();
-    environment.insert(u"PATH"_s, programs + u':' + environment.value(u"PATH"_s));
+    environment.insert(
+        u"PATH"_s,
+        QStringList{programs, QStringLiteral(PARLEY_QT_TOOLS), environment.value(u"PATH"_s)}.join(
+            u':'));
     environment.insert(u"LC_ALL"_s, u"C.UTF-8"_s);
     environment.insert(u"QT_FORCE_STDERR_LOGGING"_s, u"1"_s);
     return environment;
+}
+
+bool ExampleRunner::hasLinter()
+{
+    return !QStringLiteral(PARLEY_QMLLINT).isEmpty();
 }
 
 QString ExampleRunner::run(const Document::Block &block)
@@ -150,6 +158,8 @@ QString ExampleRunner::run(const Document::Block &block)
         return u"the probe cannot be started"_s;
     if (block.kind == u"sh"_s)
         return runShell(block);
+    if (!hasLinter() && block.lines.value(0).startsWith(u"$ qmllint "_s))
+        return {};
     if (block.kind == u"console"_s)
         return runConsole(block, {});
     if (block.kind == u"console guest"_s)

@@ -31,6 +31,9 @@ public:
     ExampleRunner();
     ~ExampleRunner();
 
+    /// Returns whether the tools include the qmllint of the documentation, which is that of Qt 5.
+    static bool hasLinter();
+
     /// Starts the services. Returns whether they run.
     bool start();
     /// Runs \a block. Returns why it is wrong, or nothing.
