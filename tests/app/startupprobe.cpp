@@ -20,6 +20,7 @@
 #include <cstring>
 
 #include <dlfcn.h>
+#include <link.h>
 
 namespace {
 
@@ -51,6 +52,16 @@ void print(const char *step, const QString &detail)
                  qUtf8Printable(detail));
 }
 
+/// Whether that is code of the program itself. Where Qt's libraries are linked such that a
+/// library's calls of its own functions can be replaced, as on ARM, these calls arrive here too.
+bool isInProgram(const void *code)
+{
+    Dl_info info;
+    link_map *map = nullptr;
+    return dladdr1(code, &info, reinterpret_cast<void **>(&map), RTLD_DL_LINKMAP) != 0
+        && map->l_name[0] == '\0';
+}
+
 bool isTaskFile(const char *path)
 {
     return std::strncmp(path, "/sys/fs/cgroup/", 15) == 0;
@@ -64,7 +75,8 @@ bool isTaskFile(const char *path)
                                              [[maybe_unused]] Register c, Register d, Register e,  \
                                              Register f)                                           \
     {                                                                                              \
-        print(step, detail);                                                                       \
+        if (isInProgram(__builtin_return_address(0)))                                              \
+            print(step, detail);                                                                   \
         return next(#symbol)(a, b, c, d, e, f);                                                    \
     }
 

@@ -120,7 +120,7 @@ void TestStartup::takesItsStepsInOrder()
         {u"/desktop/nimbo/specials/one/sequence"_s, u"'*#1#'"_s},
     }));
     m_ui->hideCatalogues(); // The title is shown as its id.
-    m_ui->setEnvironment(u"LD_PRELOAD"_s, QStringLiteral(PARLEY_STARTUP_PROBE));
+    m_ui->preload(QStringLiteral(PARLEY_STARTUP_PROBE));
     const QString screens = m_ui->writeFile(u"screens.qml"_s, screensSaying("step: loaded"));
     QStringList arguments{u"-qml"_s, screens};
     if (prestart)
@@ -184,7 +184,7 @@ void TestStartup::takesItsStepsInOrder()
 
 void TestStartup::undoesItsStepsInReverse()
 {
-    m_ui->setEnvironment(u"LD_PRELOAD"_s, QStringLiteral(PARLEY_STARTUP_PROBE));
+    m_ui->preload(QStringLiteral(PARLEY_STARTUP_PROBE));
     QVERIFY(m_ui->startProbe({u"-devel"_s}));
     QVERIFY(m_ui->logs(u"step: exec"_s));
     m_ui->takeLog();

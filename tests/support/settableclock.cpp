@@ -29,7 +29,7 @@ SettableClock::SettableClock(UiUnderTest &ui)
     : m_fileName(ui.writeFile(u"clock-shift"_s, QByteArray(sizeof(int64_t), '\0')))
 {
     ui.setEnvironment(u"PARLEY_CLOCK_SHIFT"_s, m_fileName);
-    ui.setEnvironment(u"LD_PRELOAD"_s, QStringLiteral(PARLEY_SHIFTED_CLOCK));
+    ui.preload(QStringLiteral(PARLEY_SHIFTED_CLOCK));
 }
 
 bool SettableClock::set(const QDateTime &time) const

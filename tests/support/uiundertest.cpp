@@ -108,8 +108,11 @@ void UiUnderTest::start(const QStringList &arguments)
         environment.insert(it.key(), it.value());
     m_process->setProcessEnvironment(environment);
 
+    QStringList prefix = m_prefix;
+    if (!m_preloaded.isEmpty())
+        prefix << QStringLiteral("env") << QLatin1String("LD_PRELOAD=") + m_preloaded;
     QStringList command =
-        m_sandbox.wrap(m_prefix + QStringList(qEnvironmentVariable("PARLEY_UI")) + arguments);
+        m_sandbox.wrap(prefix + QStringList(qEnvironmentVariable("PARLEY_UI")) + arguments);
     const QString program = command.takeFirst();
     m_process->start(program, command);
 }

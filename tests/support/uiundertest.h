@@ -51,6 +51,9 @@ public:
     void setSessionBusAddress(const QString &address) { m_sessionBusAddress = address; }
     /// Sets a program with arguments, such as "setpriv", that runs the command.
     void setPrefix(const QStringList &prefix) { m_prefix = prefix; }
+    /// Loads a library into the process before its own ones. Programs of the machine that start the
+    /// process may be for another processor, and do not get it.
+    void preload(const QString &library) { m_preloaded = library; }
     bool writeSettings(const Settings &settings) const;
 
     /// Declares that "org.ofono" is on the system bus when the process is started.
@@ -102,6 +105,7 @@ private:
     QString m_sessionBusAddress;
     Sandbox m_sandbox;
     QStringList m_prefix;
+    QString m_preloaded;
     QMap<QString, QString> m_environment;
     bool m_hasTelephony = false;
     std::unique_ptr<UiProcess> m_process;
