@@ -65,6 +65,7 @@ void TestTelephonyScripts::plays()
     QProcess handset;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(u"TMPDIR"_s, folder.path());
+    environment.insert(u"LC_ALL"_s, u"C.UTF-8"_s); // The scripts expect English texts.
     environment.insert(u"QML2_IMPORT_PATH"_s, qEnvironmentVariable("PARLEY_QML_MODULES"));
     handset.setProcessEnvironment(environment);
     handset.setProcessChannelMode(QProcess::MergedChannels);

@@ -5,6 +5,8 @@
 #include "alarmscene.h"
 #include "literals.h"
 
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
 #include <QDateTime>
 #include <QFile>
 #include <QLocale>
@@ -68,6 +70,8 @@ void TestAlarm::cleanup()
     const QStringList unexpected = m_scene.end();
     m_process->stop();
     QCOMPARE((unexpected + m_process->takeLog()).join(u'\n'), QString());
+    // The program ends a moment after the sandbox that it was started in.
+    QTRY_VERIFY(!QDBusConnection::sessionBus().interface()->isServiceRegistered(name).value());
 }
 
 /// Starts the process, which shows the alarm with the cookie 1 as the notification 7.
