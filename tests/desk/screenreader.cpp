@@ -55,7 +55,8 @@ QVariant firstOf(const QDBusMessage &reply)
 
 bool AccessibleObject::isControl() const
 {
-    return isFocusable && role != u"panel"_s && role != u"dialog"_s;
+    // Qt 6 calls texts focusable as well.
+    return isFocusable && role != u"panel"_s && role != u"dialog"_s && role != u"label"_s;
 }
 
 ScreenReader::Service::Service(const QString &address, const QString &name, const QString &path,

@@ -165,14 +165,15 @@ QString TestWireFuzz::claimLog(const QString &expected)
     QStringList strange;
     std::copy_if(log.cbegin(), log.cend(), std::back_inserter(strange),
                  [](const QString &line) { return !knownLines().match(line).hasMatch(); });
-    return strange.mid(std::max(0, strange.size() - 80)).join(u'\n');
+    return strange.mid(std::max<decltype(strange.size())>(0, strange.size() - 80)).join(u'\n');
 }
 
 int TestWireFuzz::descriptors() const
 {
-    return QDir(u"/proc/%1/fd"_s.arg(m_pid))
-        .entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot)
-        .size();
+    const QStringList names =
+        QDir(u"/proc/%1/fd"_s.arg(m_pid))
+            .entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot);
+    return static_cast<int>(names.size());
 }
 
 QTEST_GUILESS_MAIN(TestWireFuzz)
