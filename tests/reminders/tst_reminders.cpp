@@ -1164,8 +1164,8 @@ void TestReminders::leaveNothingOfFinishedCalls()
 }
 
 /// Only the first record forgets a destroyed object. Another one lists it as null. No more memory
-/// than that is used: about as much as for an alarm, whose record has other parts. The containers
-/// of Qt 6 round some of them up further than others.
+/// than that is used: no more than for an alarm, whose record has other parts. The containers of
+/// Qt 6 round some of them up further than others.
 void TestReminders::keepNothingOfDestroyedReminders()
 {
     constexpr uint many = 10000;
@@ -1187,7 +1187,9 @@ void TestReminders::keepNothingOfDestroyedReminders()
     const size_t withDestroyed = allocatedBytes();
     const auto each = (withAlarms - before) / many;
     const auto eachDestroyed = (withDestroyed - withAlarms) / many;
-    QVERIFY2(10 * eachDestroyed <= 11 * each, qPrintable(u"%1 %2"_s.arg(eachDestroyed).arg(each)));
+    constexpr uint percent = QT_VERSION_MAJOR == 5 ? 100 : 110;
+    QVERIFY2(100 * eachDestroyed <= percent * each,
+             qPrintable(u"%1 %2"_s.arg(eachDestroyed).arg(each)));
 }
 
 void TestReminders::bindToTheExactNumber()
