@@ -37,7 +37,7 @@ quint32 numberAt(const QByteArray &bytes, int offset)
     return qFromLittleEndian<quint32>(bytes.constData() + offset);
 }
 
-WireFormat beginMessage(char type, int bodySize)
+WireFormat beginMessage(char type, qsizetype bodySize)
 {
     WireFormat message;
     message.addByte('l');
