@@ -265,12 +265,16 @@ void TestDocs::leavesOutTheInstallationAlone()
                 notRun += block.lines;
         }
     }
-    QCOMPARE(
-        notRun,
-        QStringList({u"cmake -B build && cmake --build build && ctest --test-dir build"_s,
-                     u"cmake --install build"_s, u"systemd-sysusers"_s, u"systemctl reload dbus"_s,
-                     u"systemctl enable --now parley-time-daemon.service"_s,
-                     u"systemctl --global enable parley-alarm.service"_s}));
+    QCOMPARE(notRun,
+             QStringList({u"cmake -B build && cmake --build build && ctest --test-dir build"_s,
+                          u"cmake --install build"_s,
+                          u"sudo dpkg --add-architecture arm64 && sudo apt-get update"_s,
+                          u"sudo apt-get install crossbuild-essential-arm64 qemu-user-static"_s,
+                          u"sudo apt-get build-dep --host-architecture=arm64 ."_s,
+                          u"dpkg-buildpackage -b -us -uc --host-arch=arm64"_s,
+                          u"systemd-sysusers"_s, u"systemctl reload dbus"_s,
+                          u"systemctl enable --now parley-time-daemon.service"_s,
+                          u"systemctl --global enable parley-alarm.service"_s}));
 }
 
 void TestDocs::hasEveryMember_data()
