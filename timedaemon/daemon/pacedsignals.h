@@ -44,10 +44,12 @@ public:
 private:
     struct Receiver
     {
-        qsizetype unread =
-            0; ///< The bytes that were sent since it was last known to have read all.
-        bool isBehind = false; ///< It was asked whether it has read all.
-        QMap<QString, Signal> waiting; ///< By member.
+        /// The bytes that were sent since it was last known to have read all.
+        qsizetype unread = 0;
+        /// It was asked whether it has read all.
+        bool isBehind = false;
+        /// By member.
+        QMap<QString, Signal> waiting;
     };
 
     void ask(const QString &connection);
