@@ -39,7 +39,7 @@ QChar extended(char code)
     case 0x40:
         return QLatin1Char('|');
     case 0x65:
-        return QChar(0x20ac);
+        return u'\u20ac';
     default:
         return QLatin1Char(' ');
     }

@@ -178,7 +178,7 @@ void TimeDaemon::tellTriggersLater(uint user, qsizetype times)
         return QVariantList{QVariant::fromValue(triggersOf(alarmsOf(user).pending()))};
     };
     const auto tellTriggers = [this, user, times, arguments] {
-        constexpr int bytesPerTicker = 16;
+        constexpr qsizetype bytesPerTicker = 16;
         tell(user,
              {busName, QStringLiteral("alarm_triggers_changed"),
               bytesPerTicker * alarmsOf(user).pending().size(), arguments},

@@ -23,7 +23,7 @@ qsizetype bytesOf(const Alarm &alarm)
 
 qsizetype charactersOf(const Alarm &alarm)
 {
-    qsizetype characters = 8 * alarm.attributes.size();
+    auto characters = qsizetype{8} * alarm.attributes.size();
     for (auto it = alarm.attributes.cbegin(); it != alarm.attributes.cend(); ++it)
         characters += it.key().size() + it.value().size();
     return characters;
