@@ -404,8 +404,12 @@ void TestSimFilterServices::answerOthersUntilAHungFilterTimesOut()
 void TestSimFilterServices::outliveAStackThatDiesInACall()
 {
     QVERIFY(startScripted({one}));
-    answer(getAll(dialPath), allow);
+    answer(getAll(dialPath), block);
     getAll(incomingPath);
+    QVERIFY(areTold({u"dial: receive 1"_s}));
+    m_scripted->emitSignal(filterInterface, u"RulesChanged"_s, {}, dialPath);
+    answer(getAll(dialPath), allow);
+    QVERIFY(areTold({u"dial: dial receive 1"_s}));
     m_scripted.reset();
     QVERIFY(areTold(
         {u"count: dial receive 0"_s, u"ready: ready dial 0"_s, u"receive: ready dial 0"_s}));
