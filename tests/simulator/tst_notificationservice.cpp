@@ -246,10 +246,10 @@ void TestNotificationService::doesNotExpire()
 
 void TestNotificationService::expiresAsReplaced()
 {
-    show(0, {}, {}, 100);
+    show(0, {}, {}, 1000);
     show(1, {}, {}, 0);
     show(0, {}, {}, 0);
-    show(2, {}, {}, 200);
+    show(2, {}, {}, 1200);
     QCOMPARE(m_service->nextSignal(u"NotificationClosed"_s).arguments(), QVariantList({2U, 1U}));
     QCOMPARE(ids(), QList<uint>{1});
 }
