@@ -63,7 +63,7 @@ void Calls::followModem(const QString &modem)
     } else if (!isLine && line != m_lines.end()) {
         if (line->second.tones)
             fail(QStringLiteral("sendTones"), 0, {}, Telephony::NoAnswer);
-        for (const Wish &wish : qAsConst(line->second.wishes))
+        for (const Wish &wish : std::as_const(line->second.wishes))
             fail(wish, Telephony::NoAnswer);
         numbersChange = updateEmergencyNumbers(line->second.emergencyNumbers, {});
         m_lines.erase(line);
@@ -254,7 +254,7 @@ void Calls::hangUpAll(const QString &modem)
     modems.removeDuplicates();
     if (modems.isEmpty())
         fail(QStringLiteral("hangUpAll"), 0, {}, Telephony::NoCall);
-    for (const QString &path : qAsConst(modems)) {
+    for (const QString &path : std::as_const(modems)) {
         tell({QStringLiteral("hangUpAll"),
               0,
               {},

@@ -284,7 +284,7 @@ void Ofono::setOwner(const QString &owner)
 /// Only the owner's signals are asked for. A subscription to the name would block for its owner.
 void Ofono::switchSignals(SignalSwitch change)
 {
-    for (const Followed &followed : qAsConst(m_followed)) {
+    for (const Followed &followed : std::as_const(m_followed)) {
         (m_bus.*change)(m_owner, QString(), followed.interface, followed.member, QStringList(),
                         followed.signature, this, SLOT(receive(QDBusMessage)));
     }

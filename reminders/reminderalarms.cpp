@@ -14,6 +14,7 @@
 #include <QScopeGuard>
 
 #include <limits>
+#include <utility>
 
 using Attributes = QMap<QString, QString>;
 using AttributesByCookie = QMap<uint, Attributes>;
@@ -80,7 +81,7 @@ QList<uint> toCookies(const QVariant &value)
             values = qdbus_cast<QVariantList>(argument);
     }
     QList<uint> cookies;
-    for (const QVariant &cookie : qAsConst(values))
+    for (const QVariant &cookie : std::as_const(values))
         cookies.append(cookie.toUInt());
     return cookies;
 }

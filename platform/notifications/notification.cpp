@@ -12,6 +12,7 @@
 #include <QPointer>
 
 #include <chrono>
+#include <utility>
 
 namespace {
 
@@ -43,7 +44,7 @@ void Notification::publish()
     hints.insert(QStringLiteral("urgency"), QVariant::fromValue(static_cast<uchar>(m_urgency)));
     hints.insert(QStringLiteral("category"), m_category);
     QStringList actions;
-    for (const QVariant &remoteAction : qAsConst(m_remoteActions)) {
+    for (const QVariant &remoteAction : std::as_const(m_remoteActions)) {
         const QVariantMap action = remoteAction.toMap();
         const QString name = action.value(QStringLiteral("name")).toString();
         actions << name << action.value(QStringLiteral("displayName")).toString();

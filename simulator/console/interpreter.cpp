@@ -9,6 +9,7 @@
 #include <QRegularExpression>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -295,7 +296,7 @@ void Interpreter::checkExpectation()
 void Interpreter::help(const QStringList &name, const Finish &finish)
 {
     bool isFound = false;
-    for (const Command &command : qAsConst(m_commands)) {
+    for (const Command &command : std::as_const(m_commands)) {
         if (!beginsWith(nameOf(command), name))
             continue;
         isFound = true;

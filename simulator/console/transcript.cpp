@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <utility>
 
 #include <unistd.h>
 
@@ -37,7 +38,7 @@ QStringList Transcript::linesOf(const QString &script)
     if (!isTranscript)
         return all;
     QStringList lines;
-    for (const QString &line : qAsConst(all)) {
+    for (const QString &line : std::as_const(all)) {
         if (const auto command = afterPrompt(line))
             lines.append(*command);
         else if (line.startsWith(QLatin1Char('#')))

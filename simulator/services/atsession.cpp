@@ -468,7 +468,7 @@ void AtSession::sendMessage(const QByteArray &text)
     const bool isTaken = m_line.takesMessages();
     if (isTaken && parts.size() == message->parts) {
         QString whole;
-        for (const SubmittedMessage &part : qAsConst(parts))
+        for (const SubmittedMessage &part : std::as_const(parts))
             whole += part.text;
         m_line.sendMessage(message->number, whole);
     }

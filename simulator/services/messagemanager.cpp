@@ -10,6 +10,7 @@
 #include <QVector>
 
 #include <chrono>
+#include <utility>
 
 namespace {
 
@@ -82,7 +83,7 @@ void MessageManager::sendAll()
     QVector<int> ids;
     for (const auto &[id, message] : m_messages)
         ids.append(id);
-    for (const int id : qAsConst(ids))
+    for (const int id : std::as_const(ids))
         m_line.pace().add([this, id] { send(id); });
 }
 

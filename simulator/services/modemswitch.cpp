@@ -12,6 +12,8 @@
 #include <QDBusReply>
 #include <QDBusVariant>
 
+#include <utility>
+
 namespace {
 
 const QLatin1String service("org.ofono");
@@ -54,7 +56,7 @@ void ModemSwitch::start(const QDBusConnection &bus, const QStringList &modems)
 
 void ModemSwitch::retry()
 {
-    for (const QString &modem : qAsConst(m_modems)) {
+    for (const QString &modem : std::as_const(m_modems)) {
         if (!m_powered.contains(modem))
             power(modem);
         else if (!m_online.contains(modem))

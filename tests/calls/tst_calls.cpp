@@ -10,6 +10,7 @@
 #include <QTest>
 
 #include <memory>
+#include <utility>
 
 namespace {
 
@@ -376,7 +377,7 @@ void TestCalls::showsFiftyCalls()
     startWith(calls);
     for (int i = 0; i < 50; ++i)
         QCOMPARE(role(i, "number").toString(), QString::number(i));
-    for (const FakeObject &call : qAsConst(calls))
+    for (const FakeObject &call : std::as_const(calls))
         m_ofono->endCall(call.path.path(), u"remote"_s);
     QTRY_COMPARE(m_ended->count(), 50);
     QCOMPARE(m_calls->count(), 0);

@@ -4,6 +4,7 @@
 #include "examplerunner.h"
 
 #include "literals.h"
+#include "patience.h"
 
 #include <QDBusConnectionInterface>
 #include <QDBusReply>
@@ -19,8 +20,6 @@
 #include <unistd.h>
 
 namespace {
-
-constexpr int patience = 30000;
 
 /// Qt logs this for each request to raise a window that is drawn off screen. It is the last line of
 /// a start with a window.
@@ -102,7 +101,7 @@ bool ExampleRunner::startService(const QString &name, const QString &busName,
                    {u"--service"_s, name, u"--state"_s, m_ui.folder() + u"/state"_s});
     m_services.push_back(std::move(service));
     return QTest::qWaitFor([&] { return bus.interface()->isServiceRegistered(busName).value(); },
-                           patience);
+                           patience());
 }
 
 /// No service is activated on a bus of our own.
@@ -117,7 +116,7 @@ bool ExampleRunner::startSettings()
         [this] {
             return m_ui.session().interface()->isServiceRegistered(u"ca.desrt.dconf"_s).value();
         },
-        patience);
+        patience());
 }
 
 QProcessEnvironment ExampleRunner::environment()
@@ -224,7 +223,8 @@ ExampleRunner::Result ExampleRunner::execute(const QStringList &command)
     process.setWorkingDirectory(m_ui.folder());
     process.start(command.constFirst(), command.mid(1));
     // Read the call UI's log and answer its calls meanwhile.
-    if (!QTest::qWaitFor([&process] { return process.state() == QProcess::NotRunning; }, patience))
+    if (!QTest::qWaitFor([&process] { return process.state() == QProcess::NotRunning; },
+                         patience()))
         return {-1, {u"it does not end"_s}};
     QStringList output = QString::fromUtf8(process.readAll()).split(u'\n');
     for (QString &line : output) {

@@ -590,7 +590,7 @@ void TestQOfonoSimWatcher::asksAboutSomeSimsAtATime()
         paths.append(u"/modem_%1"_s.arg(i, 3, 10, QLatin1Char('0')));
     answerModems(paths);
     m_service->settle();
-    for (const QString &path : qAsConst(paths)) {
+    for (const QString &path : std::as_const(paths)) {
         QVERIFY(!m_watcher->isValid());
         QVERIFY(m_service->waiting() <= 64);
         m_service->reply(askedFor(path), {sim(path)});

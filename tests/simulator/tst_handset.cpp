@@ -563,7 +563,7 @@ void TestHandset::failsWhereAnAnswerIsOfAnotherForm()
     QVERIFY(says(u"reply: stopped"_s));
 
     ScriptedService other(address, service, u"/"_s);
-    for (const Answer &answer : qAsConst(answers)) {
+    for (const Answer &answer : std::as_const(answers)) {
         m_output.clear();
         m_handset->write(answer.command + '\n');
         QDBusMessage call = other.next();

@@ -14,6 +14,7 @@
 
 #include <csignal>
 #include <memory>
+#include <utility>
 
 namespace {
 
@@ -114,7 +115,7 @@ void TestAlarm::callsWhomItShows()
         QSKIP("bwrap cannot make a sandbox here.");
 
     const QTemporaryDir folder;
-    for (const QString &file : qAsConst(catalogues))
+    for (const QString &file : std::as_const(catalogues))
         QVERIFY(QFile::copy(QStringLiteral(PARLEY_TRANSLATIONS) + file, folder.path() + file));
     m_process->sandbox().place(u"/usr/share/translations"_s, folder.path());
     m_process->setEnvironment(u"LC_ALL"_s, u"fi_FI.UTF-8"_s);

@@ -19,6 +19,7 @@
 #include <csignal>
 #include <limits>
 #include <memory>
+#include <utility>
 
 #include <unistd.h>
 
@@ -252,7 +253,7 @@ void TestTimeDaemon::tellsNothingThatAnAnswerHasOvertaken()
     }
     QTRY_COMPARE(m_heard.size(), 2 * count);
     int answers = 0;
-    for (const QString &line : qAsConst(m_heard)) {
+    for (const QString &line : std::as_const(m_heard)) {
         if (line == u"answered"_s)
             ++answers;
         else

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 
 #include "literals.h"
+#include "patience.h"
 #include "uiundertest.h"
 #include "waitfor.h"
 
@@ -345,7 +346,7 @@ void TestUiService::toleratesASecondProcess()
         "import com.nimbo.parley 1.0\n"
         "Item { ParleyUiAdaptor {} Component.onCompleted: console.info('second') }\n");
     second.start(qEnvironmentVariable("PARLEY_UI"), {u"-prestart"_s, u"-qml"_s, screens});
-    QTRY_VERIFY(log.contains(u"qml: second"_s));
+    QTRY_VERIFY_WITH_TIMEOUT(log.contains(u"qml: second"_s), patience());
     QCOMPARE(log, UiUnderTest::startUpLines() + QStringList({nameTaken, u"qml: second"_s}));
     QCOMPARE(second.state(), QProcess::Running);
     QCOMPARE(m_ui->evaluate(u"1 + 1"_s), QJsonValue(2)); // The first one still gets the calls.
