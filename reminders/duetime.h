@@ -17,14 +17,14 @@ public:
     /// Takes \a time, which is in UTC or in local time.
     explicit DueTime(const QDateTime &time)
         : m_moment(time.toUTC())
-        , m_spec(time.timeSpec())
+        , m_isLocal(time.timeSpec() == Qt::LocalTime)
     {
     }
 
     /// Returns the moment in UTC or in local time, as it was given.
-    QDateTime toDateTime() const { return m_moment.toTimeSpec(m_spec); }
+    QDateTime toDateTime() const { return m_isLocal ? m_moment.toLocalTime() : m_moment; }
 
 private:
     QDateTime m_moment; ///< In UTC.
-    Qt::TimeSpec m_spec = Qt::LocalTime;
+    bool m_isLocal = true;
 };

@@ -380,7 +380,7 @@ void TestUserAlarms::touchesNothingBehindADamagedFile()
     damaged.write("damaged");
     damaged.close();
     QTest::ignoreMessage(
-        QtSystemMsg,
+        QtCriticalMsg,
         QRegularExpression(u"broken'.*"_s
                            + QRegularExpression::escape(qt_error_string(ENAMETOOLONG))));
     QTest::ignoreMessage(QtWarningMsg,
