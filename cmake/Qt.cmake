@@ -16,6 +16,11 @@ if(PARLEY_QT STREQUAL 5)
     set(PARLEY_QT_UNDEPRECATED 0x050F00)
 elseif(PARLEY_QT STREQUAL 6)
     find_package(Qt6 6.4 REQUIRED COMPONENTS ${components})
+    # In Qt 6.8, a D-Bus reply does not say who sent it, and only the owner of a service is believed.
+    if(Qt6_VERSION VERSION_GREATER_EQUAL 6.5)
+        message(FATAL_ERROR "Qt ${Qt6_VERSION} is not supported yet, because its D-Bus replies do not say "
+            "who sent them. Qt 6.4 and Qt 5.15 are.")
+    endif()
     set(PARLEY_QT_UNDEPRECATED 0x060400)
 else()
     message(FATAL_ERROR "PARLEY_QT is the major version of Qt, 5 or 6, and not \"${PARLEY_QT}\".")
